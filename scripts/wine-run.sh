@@ -1,0 +1,12 @@
+#!/bin/sh
+# Runs a Windows program under Wine in the build's own prefix, which is made at the first use.
+# usage: wine-run.sh BUILD-DIR PROGRAM [ARGUMENT ...]
+set -eu
+BUILD=$(cd "$1" && pwd)
+shift
+here=$(cd "$(dirname "$0")" && pwd)
+. "$here/wine-env.sh"
+[ -f "$WINEPREFIX/complete" ] || "$here/wine-prefix.sh" "$BUILD" >&2
+# A clean environment: Wine shows every Unix variable to the program.
+exec env -i PATH="$PATH" HOME="$HOME" LC_ALL="$LC_ALL" TZ="$TZ" WINEPREFIX="$WINEPREFIX" \
+  WINEARCH="$WINEARCH" WINEDEBUG="$WINEDEBUG" WINEDLLOVERRIDES="$WINEDLLOVERRIDES" wine "$@"
