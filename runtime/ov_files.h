@@ -1,0 +1,120 @@
+/* Files and directories of the base runtime. Part of ov_runtime.h.
+
+   Paths are UTF-8 with forward slashes. Results are error codes, 0 for success: the system's last
+   error, or errno if that is 0; 22 stands for a null argument. */
+#pragma once
+
+#include "runtime/ov_types.h"
+
+OV_BEGIN_DECLS
+
+/* An open file; all ones when closed. */
+typedef void* ov_file;
+
+/* Kinds in ov_stat.type. */
+#define OV_TYPE_DIRECTORY 1
+#define OV_TYPE_REGULAR 2
+#define OV_TYPE_CHARACTER_DEVICE 3
+#define OV_TYPE_SYMBOLIC_LINK 7
+#define OV_TYPE_OTHER 65535
+
+/* Flags of ov_file_stat. */
+#define OV_STAT_NO_FOLLOW 1
+#define OV_STAT_IDENTITY 2
+
+/* What ov_file_stat and ov_file_fstat tell. Times are seconds since 1970. */
+typedef struct {
+  uint64_t id;      /* file index; filled with OV_STAT_IDENTITY and by ov_file_fstat */
+  uint64_t size;    /* bytes */
+  int32_t reserved; /* always 0 */
+  int32_t type;
+  int32_t mode; /* POSIX-style bits, such as octal 0100666 */
+  int32_t uid;
+  int32_t gid;
+  int64_t created;
+  int64_t modified;
+  int64_t accessed;
+  int32_t links; /* link count; filled as `id` is */
+} ov_stat;
+
+/* The platform's record of a directory entry; 4-byte aligned. */
+typedef struct {
+  uint32_t opaque[148];
+} ov_find_data;
+
+/* An open directory, the caller's record. */
+typedef struct {
+  void* handle;
+  ov_find_data data;
+  int32_t state;
+} ov_dir;
+
+/* One entry of a directory. `find` points into the ov_dir and lives until its next call. */
+typedef struct {
+  char name[520];
+  const ov_find_data* find;
+} ov_dirent;
+
+/* Marks the record closed. 0. */
+ov_rc ov_file_init(ov_file* file);
+
+/* 1 if the record holds an open file; else 0. */
+int32_t ov_file_valid(const ov_file* file);
+
+/* Closes, and marks the record closed on success. Closing a closed record is 0. */
+ov_rc ov_file_close(ov_file* file);
+
+/* Opens an existing file for reading. Meanwhile others may only read it too. */
+ov_rc ov_file_openread(const char* path, ov_file* file);
+
+/* Opens for writing; creates the file or empties it. `mode` has no effect. */
+ov_rc ov_file_openwrite(const char* path, ov_file* file, int32_t mode);
+
+/* Opens for appending; creates the file if need be. `mode` has no effect. */
+ov_rc ov_file_openappend(const char* path, ov_file* file, int32_t mode);
+
+/* Reads up to `length` bytes; `*read` of 0 is the end of the file or of a broken pipe. */
+ov_rc ov_file_read(ov_file* file, void* buffer, uint32_t length, uint32_t* read);
+
+/* Writes once; `*written` may be less than `length`. */
+ov_rc ov_file_write(ov_file* file, const void* buffer, uint32_t length, uint32_t* written);
+
+/* Brings what was written to the disk. */
+ov_rc ov_file_flush(ov_file* file);
+
+/* Tells what is at `path`. `flags`: 0, OV_STAT_NO_FOLLOW, OV_STAT_IDENTITY or both. */
+ov_rc ov_file_stat(const char* path, ov_stat* record, int32_t flags);
+
+/* Tells about an open file. */
+ov_rc ov_file_fstat(ov_file* file, ov_stat* record);
+
+/* The result of ov_file_stat alone: 0 if something is at `path`. */
+ov_rc ov_file_exist(const char* path, int32_t flags);
+
+/* Deletes a file. */
+ov_rc ov_file_delete(const char* path);
+
+/* Makes `link` another name of the file `existing`. */
+ov_rc ov_file_hardlink(const char* existing, const char* link);
+
+/* Replaces each backslash by a slash, in place. */
+void ov_file_tounixpath(char* path);
+
+/* Writes `dir`, a slash unless it is empty or ends in one, and `name`. `size` counts bytes; a size
+   of 0 is 0, and 28677 says that the result was cut. */
+ov_rc ov_file_append_path(const char* dir, const char* name, char* out, size_t size);
+
+/* Opens a directory for ov_dir_next. The record is to be closed with ov_dir_close after success. */
+ov_rc ov_dir_open(const char* path, ov_dir* dir);
+
+/* Delivers the next entry, "." and ".." included; 28678 behind the last one. */
+ov_rc ov_dir_next(ov_dir* dir, ov_dirent* entry);
+
+/* Closes the directory. 0, also for a closed record. */
+ov_rc ov_dir_close(ov_dir* dir);
+
+/* Makes a directory, with `recursive` also those above it. One that is there already is success, a
+   file in its place is 267. `mode` has no effect. */
+ov_rc ov_dir_create(const char* path, int32_t mode, int32_t recursive);
+
+OV_END_DECLS

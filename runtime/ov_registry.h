@@ -1,0 +1,25 @@
+/* Windows registry of the base runtime. Part of ov_runtime.h. Results are 0 or an error code.
+
+   `hive` is a predefined key such as OV_REG_LOCAL_MACHINE (or HKEY_LOCAL_MACHINE, the same value).
+   The 64-bit view is looked at first, then the 32-bit one. */
+#pragma once
+
+#include "runtime/ov_types.h"
+
+#ifdef __cplusplus
+#define OV_REG_HIVE(number) (reinterpret_cast<void*>(static_cast<intptr_t>(number)))
+#else
+#define OV_REG_HIVE(number) ((void*)(intptr_t)(number))
+#endif
+#define OV_REG_CURRENT_USER OV_REG_HIVE(INT32_MIN + 1)
+#define OV_REG_LOCAL_MACHINE OV_REG_HIVE(INT32_MIN + 2)
+
+OV_BEGIN_DECLS
+
+/* Reads a text value as UTF-8. `*length` is the size of `out` in bytes, and afterwards the length
+   with the terminator. 2 if the key or the value is missing, 28677 if `out` is too small, with
+   `*length` set to a size that is enough; a null `out` asks for that size and gives 0. 22 for a
+   value that is no text. On failure `out` is empty. */
+ov_rc ov_reg_get(void* hive, const char* key, const char* name, char* out, uint32_t* length);
+
+OV_END_DECLS

@@ -1,0 +1,117 @@
+/* Mutexes, conditions and threads of the base runtime. Part of ov_runtime.h.
+
+   Records are the caller's. Results are 0 or an error code: the system's, or one of those named at
+   the functions. Any thread may call anything here, but init and destroy must not overlap a use. */
+#pragma once
+
+#include "runtime/ov_types.h"
+
+OV_BEGIN_DECLS
+
+/* Room for the platform's critical section. */
+typedef struct {
+  uint64_t opaque[5];
+} ov_critical_section;
+
+/* A mutex: cheap in user mode until a condition is tied to it, then a kernel mutex for good. */
+typedef struct {
+  ov_critical_section critical_section;
+  int32_t recursive;
+  uint32_t owner;   /* thread id of the holder, 0 when free */
+  int32_t switched; /* the kernel mutex has replaced the critical section */
+  void* mutex;      /* the kernel mutex, all ones until switched */
+} ov_mutex;
+
+/* A condition, tied to one mutex for life. */
+typedef struct {
+  ov_mutex* mutex;
+  int32_t waiters; /* threads inside a wait */
+  ov_critical_section waiters_lock;
+  void* semaphore;        /* where waiters sleep */
+  void* last_waiter_done; /* wakes the broadcaster */
+  int64_t broadcast;      /* non-zero during ov_cond_signal_all */
+} ov_cond;
+
+/* A thread. `handle` is all ones once it is joined. */
+typedef struct {
+  void* handle;
+  uint32_t id;
+} ov_thread;
+
+/* A thread's function, with the signature and calling convention that the platform wants. */
+#if defined(_WIN32)
+typedef unsigned long (*ov_thread_fn)(void* argument);
+#else
+typedef uint32_t (*ov_thread_fn)(void* argument);
+#endif
+
+/* Makes a mutex that its holder must not acquire again, or may. 0. */
+ov_rc ov_mutex_init(ov_mutex* m);
+ov_rc ov_mutex_init_recursive(ov_mutex* m);
+
+/* Frees what the record holds; nobody may hold the mutex. */
+ov_rc ov_mutex_destroy(ov_mutex* m);
+
+/* Allocates and initialises; 8 when out of memory. ov_mutex_dispose destroys, frees and sets null;
+   it tolerates null and a pointer to null. */
+ov_rc ov_mutex_create(ov_mutex** out);
+void ov_mutex_dispose(ov_mutex** m);
+
+/* Waits for the mutex. A holder of a non-recursive mutex who acquires it again ends the process.
+   128 says that the last holder's thread ended while it held the lock. */
+ov_rc ov_mutex_acquire(ov_mutex* m);
+
+/* The same without waiting: 10035 if the mutex is held (258 once a condition is tied to it), 183 if
+   the caller holds it and it is not recursive. */
+ov_rc ov_mutex_acquire_nb(ov_mutex* m);
+
+/* Gives the mutex back; 1 if the caller does not hold it. */
+ov_rc ov_mutex_release(ov_mutex* m);
+
+/* Ties a condition to a mutex, best right after ov_mutex_init: a thread that waits for the mutex at
+   this moment may never wake. */
+ov_rc ov_cond_init(ov_cond* c, ov_mutex* m);
+
+/* Frees what the record holds; nobody may wait. 0. */
+ov_rc ov_cond_destroy(ov_cond* c);
+
+/* Releases the mutex, sleeps until a signal and acquires the mutex again. The caller holds it. 0.
+ */
+ov_rc ov_cond_wait(ov_cond* c);
+
+/* The same with a relative time limit of {seconds, microseconds}; null waits without limit. 10060
+   when the time ran out, 22 when the wait failed; the mutex is held again in every case. */
+ov_rc ov_cond_timedwait(ov_cond* c, const int32_t sec_usec[2]);
+
+/* The same in milliseconds; a negative time waits without limit. */
+ov_rc ov_cond_timedwait_ms(ov_cond* c, int32_t milliseconds);
+
+/* Wakes one waiter, if there is any; no wake-up is remembered. 0. */
+ov_rc ov_cond_signal(ov_cond* c);
+
+/* Wakes all waiters and returns when each of them has left its sleep. 0. */
+ov_rc ov_cond_signal_all(ov_cond* c);
+
+/* Starts a thread. With a null record it is detached, otherwise it is to be joined. 22 for a null
+   function. */
+ov_rc ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument);
+
+/* Waits for the end of the thread and frees its handle; 6 for a thread that was joined before. */
+ov_rc ov_thread_join(ov_thread* thread);
+
+/* Sleeps. 0. */
+ov_rc ov_thread_sleep(uint32_t milliseconds);
+
+/* The id of the calling thread. */
+uint32_t ov_thread_self(void);
+
+/* The id in the record, 0 for a null record. */
+uint32_t ov_thread_getid(const ov_thread* thread);
+
+/* Despite its name: 1 if the thread has ended or was joined, 0 if it still runs. */
+int32_t ov_thread_alive(const ov_thread* thread);
+
+/* Ends the calling thread with the code 0; does not return. Destructors do not run. */
+void ov_thread_exit(void);
+
+OV_END_DECLS
