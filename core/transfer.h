@@ -1,0 +1,41 @@
+// One direct start of a transfer: an xferreq document that is posted to the desktop client. Built
+// on the stack for one call, on the browser's thread.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Vantrel::Web {
+
+// The namespace of the document's elements. It names the vocabulary; nothing is fetched from it.
+inline constexpr char kXferreqNamespace[] = "https://orvane.example/xml/xferreq/";
+
+// Replaces "&", "<" and ">" by their entities; quotes stay.
+std::string xmlEscape(const std::string& text);
+
+class Transfer {
+ public:
+  Transfer() = default;
+  virtual ~Transfer() = default;
+  Transfer(const Transfer&) = default;
+  Transfer& operator=(const Transfer&) = default;
+
+  // Sources: URLs, or texts made by fileUrl. Empty entries are left out of the document.
+  void setFiles(const std::vector<std::string>& newFiles) { files = newFiles; }
+  void setDestination(const std::string& text) { destination = text; }
+
+  // The document, in one line.
+  std::string document() const;
+
+  // Sends the document to the client, started if need be; true when the client answered anything.
+  // Blocks for the launch wait and the exchange.
+  bool post() const;
+
+ protected:
+  std::vector<std::string> files;
+  std::string destination;
+  std::map<std::string, std::string> parameters;
+};
+
+}  // namespace Vantrel::Web

@@ -1,0 +1,41 @@
+// The background thread that performs queued requests one at a time, in order of arrival, and gives
+// each reply to the request's callback. Owned by a Plugin, which starts, stops and joins it on the
+// browser's thread; requests may be added from any thread.
+#pragma once
+
+#include <atomic>
+#include <deque>
+#include <memory>
+
+#include "service/http_request.h"
+#include "threads/mutex.h"
+#include "threads/worker.h"
+
+namespace Vantrel::Web {
+
+class RequestWorker : public Worker {
+ public:
+  RequestWorker();
+  // Destroys the requests that were not served; their callbacks hear nothing.
+  ~RequestWorker() override;
+
+  // Queues a request. Waits for a callback in progress, for nothing else.
+  void addRequest(std::unique_ptr<HttpRequest> request);
+
+  bool done() override { return done_; }
+  void run() override;
+  // Once this has returned, no reply is delivered any more; a failed launch may still be told.
+  void stop() override;
+
+ private:
+  std::unique_ptr<HttpRequest> takeRequest();
+  void processOneRequest(std::unique_ptr<HttpRequest> request);
+
+  std::atomic<bool> done_{false};
+  Mutex mutex;  // guards queue, stopRequested and the delivery of replies
+  Condition condition{mutex};
+  std::deque<std::unique_ptr<HttpRequest>> queue;
+  bool stopRequested = false;
+};
+
+}  // namespace Vantrel::Web

@@ -1,0 +1,50 @@
+// Owners of the base runtime's mutex and of a condition tied to it, usable with std::lock_guard and
+// std::unique_lock. Any thread may lock, wait and signal; the owner of the object destroys it when
+// nobody uses it any more. Not recursive.
+#pragma once
+
+#include "runtime/ov_threads.h"
+#include "threads/system_exception.h"
+
+namespace Vantrel::Web {
+
+class Mutex {
+ public:
+  Mutex() {
+    if (const ov_rc code = ov_mutex_init(&mutex)) {
+      throw SystemException(describeSystemError("Failed to create mutex: ", code));
+    }
+  }
+  ~Mutex() { ov_mutex_destroy(&mutex); }
+  Mutex(const Mutex&) = delete;
+  Mutex& operator=(const Mutex&) = delete;
+
+  void lock() { ov_mutex_acquire(&mutex); }
+  void unlock() { ov_mutex_release(&mutex); }
+
+ private:
+  friend class Condition;
+  ov_mutex mutex;
+};
+
+class Condition {
+ public:
+  // Tied to `mutex` for life, which must not be in use yet.
+  explicit Condition(Mutex& mutex) {
+    if (const ov_rc code = ov_cond_init(&condition, &mutex.mutex)) {
+      throw SystemException(describeSystemError("Failed to create condition: ", code));
+    }
+  }
+  ~Condition() { ov_cond_destroy(&condition); }
+  Condition(const Condition&) = delete;
+  Condition& operator=(const Condition&) = delete;
+
+  // The caller holds the mutex, before and after. May return without a signal.
+  void wait() { ov_cond_wait(&condition); }
+  void signal() { ov_cond_signal(&condition); }
+
+ private:
+  ov_cond condition;
+};
+
+}  // namespace Vantrel::Web
