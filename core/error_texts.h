@@ -15,8 +15,7 @@ inline constexpr char kErrorInvalidArgument[] = "Invalid argument";
 inline constexpr char kErrorParsingFileTypes[] = "Error parsing fileTypes JSON";
 inline constexpr char kErrorParsingJson[] = "Error parsing JSON";
 inline constexpr char kErrorInitializingLog[] = "Error initializing log";
-inline constexpr char kErrorMissingAppId[] =
-    "Missing application ID - First initialize session";
+inline constexpr char kErrorMissingAppId[] = "Missing application ID - First initialize session";
 inline constexpr char kErrorInitializingSession[] = "Error initializing session";
 inline constexpr char kErrorConvertingEncoding[] = "Error converting string encoding";
 inline constexpr char kErrorUnauthorizedDirectory[] =
