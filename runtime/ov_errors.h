@@ -1,0 +1,90 @@
+/* Error codes and their names and texts, names of signals and hardware exceptions. Part of
+   ov_runtime.h. All functions are reentrant; texts they return are constant. */
+#pragma once
+
+#include "runtime/ov_types.h"
+
+OV_BEGIN_DECLS
+
+/* Numbers of the platform that the base runtime also returns by itself. */
+#define OV_OK 0
+#define OV_EBADF 6
+#define OV_ENOMEM 8
+#define OV_EINVAL 22
+#define OV_ENOTSUP 50
+#define OV_ERANGE 122
+#define OV_EEXIST 183
+#define OV_EPATHMAX 206
+
+/* Private codes, in one unbroken range; OV_ERR_END marks its end and has no message. */
+#define OV_ERR_FIRST 28672
+#define OV_EDOCROOT 28672
+#define OV_ETOKENIZER 28673
+#define OV_EBASENAME 28674
+#define OV_EPATHMATCH 28675
+#define OV_EILLUTFSTR 28676
+#define OV_EBUFFER 28677
+#define OV_EDIREND 28678
+#define OV_ELIBERR 28679
+#define OV_ELIBMODERR 28680
+#define OV_EUUID 28681
+#define OV_EXMLPARSER 28682
+#define OV_ELOCALE 28683
+#define OV_EMD5SUM 28684
+#define OV_EHASHSUM 28685
+#define OV_ELOG 28686
+#define OV_EUNAME 28687
+#define OV_EUACPARSE 28688
+#define OV_ENOXFER 28689
+#define OV_EUNIMPL 28690
+#define OV_EINTERNAL1 28691
+#define OV_EEND 28692
+#define OV_ESTORAGEINACCESSIBLE 28693
+#define OV_EBADPATHNAME 28694
+#define OV_ELICENSE 28695
+#define OV_EDDBYLICENSE 28696
+#define OV_ECONNINSECURE 28697
+#define OV_EFILENOTVALID 28698
+#define OV_ENOTENABLED 28699
+#define OV_ENOTPRESENT 28700
+#define OV_ELOCKED 28701
+#define OV_ELOCKINVAL 28702
+#define OV_ELOCKSKEW 28703
+#define OV_EWRONGCHANNEL 28704
+#define OV_EABORTSESSION 28705
+#define OV_EBADTOKEN 28706
+#define OV_EILLEGALCHAR 28707
+#define OV_EDOCROOTMISSINGRESTR 28708
+#define OV_EDOCROOTFAILEDRESTR 28709
+#define OV_EEXPIRED 28710
+#define OV_ERR_END 28711
+#define OV_ERR_COUNT 39
+
+/* Messages of the private codes, indexed by code minus OV_ERR_FIRST, and their number. */
+OV_DATA const int32_t g_ov_err_count;
+OV_DATA const char* const g_ov_err_table[OV_ERR_COUNT];
+
+/* Name of a code, "EINVAL" for 22; "OV_UNKNOWN_ERRNO" for a code not listed. */
+const char* ov_errno2str(int32_t code);
+
+/* Message of a code in UTF-8, without a line end. A private code's message may be cut and is still
+   0; a message of the system that does not fit gives 122. 22 for a null buffer or size 0; the
+   system's code when it has no message. */
+ov_rc ov_platform_errstr(int32_t code, char* buffer, size_t size);
+/* The same as an expression: `buffer`, or the constant "Could not retrieve error message". */
+const char* ov_platform_errstr_inline(int32_t code, char* buffer, size_t size);
+
+/* 1 for the codes of an interrupted call, 4 and 10004; else 0. */
+int32_t ov_err_is_eintr(int32_t code);
+
+/* "SIGINT" for the platform's signal number 2, and so on; "UNKNOWN SIGNAL" for others. */
+const char* ov_signal2str(int32_t number);
+/* Number of "INT" or "SIGINT", in either case; -1, with a log line, for a name not known. */
+int32_t ov_str2signal(const char* name);
+/* "ACCESS_VIOLATION" for the platform's exception code, and so on; "UNKNOWN EXCEPTION" for others.
+ */
+const char* ov_exc2str(uint32_t code);
+/* Code of a name with or without "EXCEPTION_", in either case; all ones for a name not known. */
+uint32_t ov_str2exc(const char* name);
+
+OV_END_DECLS
