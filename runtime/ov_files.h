@@ -113,8 +113,18 @@ ov_rc ov_dir_next(ov_dir* dir, ov_dirent* entry);
 /* Closes the directory. 0, also for a closed record. */
 ov_rc ov_dir_close(ov_dir* dir);
 
+/* Told of a directory: `created` is 1 if it was made now and 0 if it was there. */
+typedef ov_rc (*ov_dir_cb)(const char* path, int32_t created, void* argument);
+
 /* Makes a directory, with `recursive` also those above it. One that is there already is success, a
    file in its place is 267. `mode` has no effect. */
 ov_rc ov_dir_create(const char* path, int32_t mode, int32_t recursive);
+
+/* The same, telling `callback`, which may be null, of each directory from the top; a result of it
+   other than 0 ends the work and is returned. The two are one. */
+ov_rc ov_dir_create_callback(const char* path, int32_t mode, int32_t recursive, ov_dir_cb callback,
+                             void* argument);
+ov_rc ov_dir_create_callback2(const char* path, int32_t mode, int32_t recursive, ov_dir_cb callback,
+                              void* argument);
 
 OV_END_DECLS

@@ -47,9 +47,38 @@ int32_t ov_path_is_relative(const char* path);
 int32_t ov_path_is_zept_uri(const char* path);
 
 /* Writes the form of `path` that a wide system call takes, with the long-path prefix where one is
-   needed. `*bytes` is the size of `wide` in bytes, and afterwards the bytes used or needed. 0, or
-   122 for a path or a buffer that is too long or too small, 22 for bad UTF-8. */
+   needed. `*bytes` is the size of `wide` in bytes, and afterwards the bytes used or needed. 0,
+   28677 for a path that is too long, 122 for a buffer that is too small, 22 for bad UTF-8. */
 ov_rc ov_path_widen_path(const char* path, wchar_t* wide, size_t* bytes);
+
+/* Formats a path and writes its canonical form. Returns `out`, or null with the reason in `*err`
+   (which may be null): 22 for a null `out` or no canonical form, 122 for OV_PATH_SIZE or more. */
+char* ov_path_build_canonical_path(char* out, size_t size, ov_rc* err, const char* format, ...)
+    OV_PRINTF(4, 5);
+
+/* 1 if ".." stands as a whole segment between slashes or ends; else 0. */
+int32_t ov_path_contains_dotdot(const char* path);
+
+/* 1 if a relative path climbs out of the directory it starts in, or is too long to tell; else 0. */
+int32_t ov_path_leaves_home_dir(const char* path);
+
+/* The next slash behind any leading ones, passing over the one behind a drive or a network host;
+   null if there is none. */
+const char* ov_path_next_dirsep(const char* path);
+
+/* Copies without the slashes at the end; a path of slashes becomes empty. `in` may be `out`. The
+   new length, or -1 if `in` does not fit. */
+int32_t ov_path_remove_trailing_slashes(const char* in, char* out, size_t size);
+
+/* Makes one slash of several, except of two at the very start. */
+void ov_path_remove_redundant_slashes(char* path, size_t size);
+
+/* Turns backslashes into slashes. */
+void ov_path_convert_path_to_forward_slashes(char* path, size_t size);
+
+/* Drops white space in front, turns backslashes into slashes, and puts a slash in front of a path
+   that has no root. 22 for a drive with no slash behind it, 206 if the slash does not fit. */
+ov_rc ov_path_enforce_rootedness(char* path, size_t size);
 
 /* 1 if something exists at `path`; else 0. */
 int32_t ov_path_exists(const char* path);

@@ -19,6 +19,7 @@ typedef struct {
   int32_t recursive;
   uint32_t owner;   /* thread id of the holder, 0 when free */
   int32_t switched; /* the kernel mutex has replaced the critical section */
+  int32_t depth;    /* of a recursive mutex: how often its holder has acquired it */
   void* mutex;      /* the kernel mutex, all ones until switched */
 } ov_mutex;
 

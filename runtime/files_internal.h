@@ -1,0 +1,28 @@
+// What the sources of the file family share. Not part of the public header.
+#pragma once
+
+#include <stdint.h>
+
+#include "runtime/ov_files.h"
+
+namespace ov {
+
+// The value of a handle that is closed: all ones.
+inline void* const kClosedHandle = reinterpret_cast<void*>(~uintptr_t{0});
+
+// Codes that the platform gives for something that is not there, and for a path that does not lead
+// to a directory.
+constexpr ov_rc kNoEntry = 2;
+constexpr ov_rc kNoPath = 3;
+constexpr ov_rc kNotDirectory = 267;
+constexpr ov_rc kAlreadyExists = 183;
+
+// State of an ov_dir.
+constexpr int32_t kReadNext = 5;
+constexpr int32_t kFirstPending = 6;
+constexpr int32_t kEmptyDirectory = 7;
+
+// Makes one directory; 183 if something is there already. An operation of the platform.
+ov_rc make_directory(const char* path);
+
+}  // namespace ov

@@ -1,0 +1,43 @@
+// Watching other processes.
+#include <windows.h>
+
+#include "runtime/last_code_win.h"
+#include "runtime/ov_errors.h"
+#include "runtime/ov_process.h"
+
+using namespace ov;
+
+static_assert(sizeof(ov_process::user_name) == 1024 && sizeof(ov_process::domain) == 1024);
+
+namespace {
+
+constexpr int32_t kRunning = 0;
+constexpr int32_t kExited = 1;
+
+void close_token(ov_process* process) {
+  if (process->user_token != INVALID_HANDLE_VALUE && process->user_token != nullptr) {
+    CloseHandle(process->user_token);
+  }
+  process->user_token = INVALID_HANDLE_VALUE;
+}
+
+}  // namespace
+
+ov_rc ov_process_exited(ov_process* process, int32_t* state, int32_t* exitCode) {
+  if (process == nullptr || state == nullptr || exitCode == nullptr) return OV_EINVAL;
+  DWORD code = 0;
+  if (!GetExitCodeProcess(process->process, &code)) return last_code();
+  if (code == STILL_ACTIVE) {
+    *state = kRunning;
+    return 0;
+  }
+  *state = kExited;
+  *exitCode = static_cast<int32_t>(code);
+  close_token(process);
+  CloseHandle(process->process);
+  CloseHandle(process->thread);
+  // Null, not all ones: that is the system's name of this process, which runs.
+  process->process = nullptr;
+  process->thread = nullptr;
+  return 0;
+}
