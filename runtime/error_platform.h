@@ -1,0 +1,19 @@
+// What the base runtime needs of the platform's errors. Any thread may call it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "runtime/ov_types.h"
+
+namespace ov {
+
+// The calling thread's last error of the system.
+uint32_t last_error();
+void set_last_error(uint32_t error);
+
+// Writes the system's message for `code` as UTF-8, line end included. The system's code when it has
+// none, 122 when it does not fit.
+ov_rc system_message(int32_t code, char* buffer, size_t size);
+
+}  // namespace ov

@@ -1,0 +1,134 @@
+// The calls of the log, its flags, and the function sink.
+#include "runtime/log_internal.h"
+
+#include <algorithm>
+
+#include "runtime/log_lock.h"
+#include "runtime/ov_errors.h"
+#include "runtime/saved_error.h"
+
+int32_t g_log_enabled = 1;
+int32_t g_debug_enabled = 0;
+int32_t g_dbg_level = 0;
+
+namespace ov {
+
+std::atomic<int32_t> log_state = log_state_none;
+
+namespace {
+
+using Sink = void (*)(const char*);
+std::atomic<Sink> log_sink = nullptr;
+
+// The flags are plain exported integers that any thread may write.
+int32_t read_flag(int32_t& flag) {
+  return std::atomic_ref<int32_t>(flag).load(std::memory_order_relaxed);
+}
+
+void write_flag(int32_t& flag, int32_t value) {
+  std::atomic_ref<int32_t>(flag).store(value, std::memory_order_relaxed);
+}
+
+bool level_passes(int32_t level) {
+  if (read_flag(g_log_enabled) == 0) return false;
+  return level < OV_LEVEL_DBG || read_flag(g_debug_enabled) != 0;
+}
+
+OV_PRINTF(2, 0) ov_rc send_to_sink(int32_t level, const char* format, va_list arguments) {
+  const Sink sink = log_sink.load();
+  if (!sink) return OV_EINVAL;
+  char message[log_message_room];
+  const int32_t name = ov_snprintf(message, log_level_bound, "%s ", log_level_name(level));
+  if (name < 0) return OV_ELOG;
+  if (ov_vsnprintf(message + name, log_sink_text_bound, format, arguments) < 0) return OV_ELOG;
+  sink(message);
+  return 0;
+}
+
+}  // namespace
+
+const char* log_level_name(int32_t level) {
+  static constexpr const char* names[] = {"ERR", "LOG", "DBG"};
+  return names[std::clamp<int32_t>(level, OV_LEVEL_ERR, OV_LEVEL_DBG)];
+}
+
+}  // namespace ov
+
+ov_rc ov_log_vmsg(int32_t level, const char* format, va_list arguments) {
+  if (!ov::level_passes(level)) return 0;
+  if (ov::log_state.load() != ov::log_state_sink) return OV_EINVAL;
+  const ov::SavedError keep;
+  return ov::send_to_sink(level, format, arguments);
+}
+
+ov_rc ov_log_msg(int32_t level, const char* format, ...) {
+  if (ov_log_get() == 0) return 0;
+  va_list arguments;
+  va_start(arguments, format);
+  const ov_rc result = ov_log_vmsg(level, format, arguments);
+  va_end(arguments);
+  return result;
+}
+
+int32_t ov_log(const char* format, ...) {
+  if (ov_log_get() == 0) return 0;
+  va_list arguments;
+  va_start(arguments, format);
+  ov_log_vmsg(OV_LEVEL_LOG, format, arguments);
+  va_end(arguments);
+  return 0;
+}
+
+int32_t ov_err(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  ov_log_vmsg(OV_LEVEL_ERR, format, arguments);
+  va_end(arguments);
+  return 0;
+}
+
+int32_t ov_dbg(const char* format, ...) {
+  if (ov_dbg_get() == 0) return 0;
+  va_list arguments;
+  va_start(arguments, format);
+  ov_log_vmsg(OV_LEVEL_DBG, format, arguments);
+  va_end(arguments);
+  return 0;
+}
+
+ov_rc ov_log_init_function(void (*sink)(const char*)) {
+  const ov::SavedError keep;
+  const ov::LogLock lock;
+  if (ov::log_state.load() != ov::log_state_none) return 0;
+  if (!sink) return OV_ERANGE;
+  ov::log_sink.store(sink);
+  ov::log_state.store(ov::log_state_sink);
+  return 0;
+}
+
+void ov_log_cleanup(void) {
+  const ov::SavedError keep;
+  const ov::LogLock lock;
+  ov::log_sink.store(nullptr);
+  ov::log_state.store(ov::log_state_none);
+}
+
+void ov_log_set(int32_t enabled) {
+  ov::write_flag(g_log_enabled, enabled);
+}
+
+int32_t ov_log_get(void) {
+  return ov::read_flag(g_log_enabled);
+}
+
+void ov_dbg_set(int32_t enabled) {
+  ov::write_flag(g_debug_enabled, enabled);
+}
+
+int32_t ov_dbg_get(void) {
+  return ov::read_flag(g_debug_enabled);
+}
+
+void ov_dbg_set_all(int32_t level) {
+  ov::write_flag(g_dbg_level, level);
+}

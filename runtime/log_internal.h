@@ -1,0 +1,29 @@
+// What the sources of the log share. Any thread may call it.
+#pragma once
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdint>
+
+#include "runtime/ov_log.h"
+
+namespace ov {
+
+// How the log is set up; the numbers are those that ov_log_init takes as its mode.
+constexpr int32_t log_state_none = 0;
+constexpr int32_t log_state_file = 2;
+constexpr int32_t log_state_sink = 3;
+
+// Written under the log's lock.
+extern std::atomic<int32_t> log_state;
+
+// Room for a composed message, its terminator included.
+constexpr size_t log_message_room = 4096;
+// Bound of the level name and its blank, and of the text behind them in a sink's message.
+constexpr size_t log_level_bound = 5;
+constexpr size_t log_sink_text_bound = 4092;
+
+// "ERR", "LOG" or "DBG".
+const char* log_level_name(int32_t level);
+
+}  // namespace ov
