@@ -1,0 +1,32 @@
+// What the base runtime tells of this process on a POSIX system, for sanitizer builds.
+#include <stdlib.h>
+#include <unistd.h>
+
+#include "runtime/ov_errors.h"
+#include "runtime/ov_process.h"
+#include "runtime/ov_strings.h"
+#include "runtime/paths_internal.h"
+
+ov_rc ov_process_getenv(const char* name, char* buffer, size_t size) {
+  if (name == nullptr && g_ov_asserts_active == 0) ++g_ov_asserts_skipped;
+  if (name == nullptr || buffer == nullptr || size == 0) return OV_EINVAL;
+  const char* const value = getenv(name);
+  if (value == nullptr || value[0] == '\0') return OV_EINVAL;
+  return ov_str_ncpy(buffer, value, size);
+}
+
+int32_t ov_path_executable_path(char* out, size_t size) {
+  char text[OV_PATH_SIZE];
+  const ssize_t length = readlink("/proc/self/exe", text, sizeof text - 1);
+  if (length < 0) return -1;
+  text[length] = '\0';
+  return ov::length_or_failure(ov_path_canonical_path(text, out, size), out);
+}
+
+int32_t ov_path_executable_path_from_arg(void) {
+  return -1;
+}
+
+int32_t ov_path_executable_dir(char* out, size_t size) {
+  return ov_path_executable_path(out, size) < 0 ? -1 : ov_path_parent_dir(out, out, size);
+}
