@@ -1,0 +1,63 @@
+#include "bridge.h"
+
+namespace engine {
+
+void Bridge::attach(Side side, std::function<void()> wake) {
+  const std::lock_guard lock(mutex);
+  thread(side).id = std::this_thread::get_id();
+  thread(side).wake = std::move(wake);
+}
+
+void Bridge::detach(Side side) {
+  const std::lock_guard lock(mutex);
+  thread(side).wake = nullptr;
+}
+
+bool Bridge::isOn(Side side) const {
+  const std::lock_guard lock(mutex);
+  return (side == Side::Plugin ? plugin : engine).id == std::this_thread::get_id();
+}
+
+void Bridge::serve(Side side) {
+  std::unique_lock lock(mutex);
+  while (runNext(thread(side), lock)) {
+  }
+}
+
+bool Bridge::runNext(Thread& own, std::unique_lock<std::mutex>& lock) {
+  if (own.jobs.empty()) return false;
+  Job* job = own.jobs.front();
+  own.jobs.pop_front();
+  lock.unlock();
+  job->run();
+  lock.lock();
+  job->done = true;
+  (&own == &plugin ? engine : plugin).changed.notify_all();
+  return true;
+}
+
+void Bridge::runOn(Side to, std::function<void()> run) {
+  Job job{std::move(run)};
+  std::unique_lock lock(mutex);
+  Thread& target = thread(to);
+  Thread& own = other(to);
+  if (!target.wake) return;
+  target.jobs.push_back(&job);
+  if (target.blocked)
+    target.changed.notify_all();
+  else
+    target.wake();
+  while (!job.done) {
+    if (runNext(own, lock)) continue;
+    own.blocked = true;
+    own.changed.wait(lock);
+    own.blocked = false;
+  }
+}
+
+Bridge& bridge() {
+  static Bridge instance;
+  return instance;
+}
+
+}  // namespace engine

@@ -1,0 +1,22 @@
+// The plug-in's functions for the engine: the table that the engine is given holds native
+// functions that run those of the library on the plug-in's thread.
+#pragma once
+
+#include "plugin_abi.h"
+#include "plugin_module.h"
+#include "plugin_windows.h"
+
+namespace engine {
+
+// Module and windows must live until the engine's thread has ended.
+void usePlugin(PluginModule& module, PluginWindows& windows);
+
+// NP_Initialize of the engine: starts the library with the engine's functions and fills the
+// engine's table. Engine's thread.
+NPError startPlugin(const NPNetscapeFuncs* browser, NPPluginFuncs* plugin);
+
+// Instances made so far, and those that have been made and not destroyed. Engine's thread.
+unsigned instancesMade();
+unsigned instancesAlive();
+
+}  // namespace engine

@@ -1,0 +1,107 @@
+#include "plugin_windows.h"
+
+#include <windows.h>
+
+#include <condition_variable>
+#include <map>
+#include <mutex>
+
+#include "bridge.h"
+
+namespace engine {
+namespace {
+
+constexpr wchar_t windowClass[] = L"BrowserWindow";
+constexpr UINT serveMessage = WM_APP;
+
+// The engine's thread is unknown to Wine and cannot post a message, so it rings here and a Wine
+// thread that waits for the bell posts the message in its place.
+class Bell {
+ public:
+  void ring() {
+    {
+      const std::lock_guard lock(mutex);
+      rung = true;
+    }
+    changed.notify_one();
+  }
+  void wait() {
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [this] { return rung; });
+    rung = false;
+  }
+
+ private:
+  std::mutex mutex;  // guards rung
+  std::condition_variable changed;
+  bool rung = false;
+};
+
+Bell bell;
+std::map<NPP, HWND> children;  // touched by the plug-in's thread only
+
+DWORD WINAPI postServeMessages(void* window) {
+  for (;;) {
+    bell.wait();
+    PostMessageW(static_cast<HWND>(window), serveMessage, 0, 0);
+  }
+}
+
+LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+  if (message == serveMessage) {
+    bridge().serve(Bridge::Side::Plugin);
+    return 0;
+  }
+  return DefWindowProcW(window, message, wparam, lparam);
+}
+
+}  // namespace
+
+bool PluginWindows::create() {
+  WNDCLASSW description{};
+  description.lpfnWndProc = windowProcedure;
+  description.hInstance = GetModuleHandleW(nullptr);
+  description.lpszClassName = windowClass;
+  if (!RegisterClassW(&description)) return false;
+  HWND window = CreateWindowExW(0, windowClass, L"Browser", WS_OVERLAPPEDWINDOW, 0, 0, 1024, 768,
+                                nullptr, nullptr, description.hInstance, nullptr);
+  if (!window) return false;
+  top = window;
+  bridge().attach(Bridge::Side::Plugin, [] { bell.ring(); });
+  HANDLE thread = CreateThread(nullptr, 0, postServeMessages, window, 0, nullptr);
+  if (!thread) return false;
+  CloseHandle(thread);
+  return true;
+}
+
+void* PluginWindows::place(NPP instance, int32_t x, int32_t y, uint32_t width, uint32_t height) {
+  HWND& child = children[instance];
+  if (!child) {
+    child = CreateWindowExW(0, windowClass, L"", WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 1,
+                            1, static_cast<HWND>(top), nullptr, GetModuleHandleW(nullptr), nullptr);
+  }
+  SetWindowPos(child, nullptr, x, y, static_cast<int>(width), static_cast<int>(height),
+               SWP_NOZORDER | SWP_NOACTIVATE);
+  return child;
+}
+
+void PluginWindows::remove(NPP instance) {
+  const auto found = children.find(instance);
+  if (found == children.end()) return;
+  DestroyWindow(found->second);
+  children.erase(found);
+}
+
+void PluginWindows::run() {
+  MSG message;
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+}
+
+void PluginWindows::quit() {
+  PostQuitMessage(0);
+}
+
+}  // namespace engine

@@ -1,0 +1,43 @@
+// The plug-in that the engine finds in its plug-in folder: a native library that hands everything
+// to the bridge in the same process.
+#include <cstdlib>
+
+#include "stub_link.h"
+
+namespace {
+
+const engine::StubLink* link() {
+  const char* address = std::getenv(engine::stubLinkVariable);
+  if (!address) return nullptr;
+  return reinterpret_cast<const engine::StubLink*>(std::strtoull(address, nullptr, 16));
+}
+
+// Variables of NP_GetValue.
+constexpr int nameVariable = 1;
+constexpr int descriptionVariable = 2;
+constexpr int16_t genericError = 1;
+
+}  // namespace
+
+extern "C" {
+
+__attribute__((visibility("default"))) const char* NP_GetMIMEDescription() {
+  return link() ? link()->mimeDescription : "";
+}
+
+__attribute__((visibility("default"))) int16_t NP_GetValue(void*, int variable, void* value) {
+  if (!link() || (variable != nameVariable && variable != descriptionVariable)) return genericError;
+  *static_cast<const char**>(value) = link()->name;
+  return 0;
+}
+
+__attribute__((visibility("default"))) int16_t NP_Initialize(void* browserFunctions,
+                                                             void* pluginFunctions) {
+  return link() ? link()->start(browserFunctions, pluginFunctions) : genericError;
+}
+
+// The engine never calls it; main() shuts the library down after the last instance.
+__attribute__((visibility("default"))) int16_t NP_Shutdown() {
+  return 0;
+}
+}
