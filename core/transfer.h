@@ -11,9 +11,6 @@ namespace Vantrel::Web {
 // The namespace of the document's elements. It names the vocabulary; nothing is fetched from it.
 inline constexpr char kXferreqNamespace[] = "https://orvane.example/xml/xferreq/";
 
-// Replaces "&", "<" and ">" by their entities; quotes stay.
-std::string xmlEscape(const std::string& text);
-
 class Transfer {
  public:
   Transfer() = default;

@@ -1,6 +1,7 @@
 // The reader of the small files that the desktop client writes. For one use on one thread.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "runtime/ov_files.h"
@@ -9,8 +10,8 @@ namespace Vantrel::Web {
 
 class File {
  public:
-  // `path` is UTF-8.
-  explicit File(const std::string& path);
+  // `filePath` is UTF-8.
+  explicit File(const std::string& filePath);
   ~File();
   File(const File&) = delete;
   File& operator=(const File&) = delete;
@@ -23,10 +24,11 @@ class File {
   void close();
 
  private:
+  static ov_file closedHandle() { return reinterpret_cast<ov_file>(~uintptr_t{0}); }
   void noteError(ov_rc code);
 
   std::string path;
-  ov_file handle;
+  ov_file handle = closedHandle();
   char errorText[4096] = "";  // the platform's text of the last error
 };
 

@@ -28,7 +28,7 @@ class RequestWorker : public Worker {
   void stop() override;
 
  private:
-  std::unique_ptr<HttpRequest> takeRequest();
+  std::unique_ptr<HttpRequest> waitForRequest();
   void processOneRequest(std::unique_ptr<HttpRequest> request);
 
   std::atomic<bool> done_{false};

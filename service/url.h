@@ -29,6 +29,9 @@ class Url {
   std::string scheme;
   std::string url;  // the whole text; not empty is what makes a Url known
   std::string user;
+
+ private:
+  void parseBehindScheme(const std::string& rest);
 };
 
 }  // namespace Vantrel::Web

@@ -33,7 +33,7 @@ class Worker {
   // worker whose join has thrown while hasThread() is true must not be deleted: its thread may run.
   void join();
   // Whether a thread was started and not yet waited for.
-  bool hasThread() const;
+  bool hasThread() const { return threadExists; }
 
  protected:
   bool started = false;
@@ -45,8 +45,10 @@ class Worker {
   using ThreadResult = uint32_t;
 #endif
   static ThreadResult start_helper(void* worker);
+  void waitForFinishedThread();
 
   std::unique_ptr<ov_thread> thread;
+  bool threadExists = false;
 };
 
 }  // namespace Vantrel::Web

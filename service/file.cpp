@@ -1,0 +1,57 @@
+#include "service/file.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "runtime/ov_errors.h"
+#include "runtime/ov_log.h"
+
+namespace Vantrel::Web {
+
+File::File(const std::string& filePath) : path(filePath) {
+  if (const ov_rc code = ov_file_init(&handle)) {
+    noteError(code);
+    ov_log("File::File() error: %s", errorText);
+    handle = closedHandle();
+  }
+}
+
+File::~File() {
+  close();
+}
+
+void File::open() {
+  if (const ov_rc code = ov_file_openread(path.c_str(), &handle)) {
+    noteError(code);
+    OV_DEBUG("File::open() failed: %s", errorText);
+    handle = closedHandle();
+  }
+}
+
+// The size has no limit of its own: the files are the user's, written by the client, and a size
+// that memory cannot hold is an exception that the callers log.
+std::string File::read() {
+  if (!ov_file_valid(&handle)) return {};
+  ov_stat record = {};
+  std::string text;
+  if (ov_file_fstat(&handle, &record) == 0) {
+    text.resize(static_cast<size_t>(record.size));
+    const uint64_t wanted = std::min<uint64_t>(record.size, std::numeric_limits<uint32_t>::max());
+    uint32_t count = 0;
+    ov_file_read(&handle, text.data(), static_cast<uint32_t>(wanted), &count);
+    text.resize(count);
+  }
+  close();
+  return text.substr(0, text.find('\0'));
+}
+
+void File::close() {
+  if (ov_file_valid(&handle)) ov_file_close(&handle);
+  handle = closedHandle();
+}
+
+void File::noteError(ov_rc code) {
+  ov_platform_errstr(code, errorText, sizeof errorText);
+}
+
+}  // namespace Vantrel::Web

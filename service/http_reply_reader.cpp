@@ -1,0 +1,83 @@
+#include "service/http_reply_reader.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace Vantrel::Web {
+
+namespace {
+
+constexpr std::string_view kLengthLabel = "Content-Length:";
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kHeaderEnd = "\r\n\r\n";
+
+// The most that is set aside on a reply's word alone; a longer one grows as it arrives.
+constexpr uint64_t kMaxReserve = 64ULL << 20;
+
+// Searches from `from` on; what is not found moves `from` to where the search resumes when more
+// text has arrived. The cost of all searches together is linear.
+size_t findResumably(const std::string& text, std::string_view wanted, size_t& from) {
+  const size_t found = text.find(wanted, from);
+  if (found == std::string::npos && text.size() >= wanted.size()) {
+    from = std::max(from, text.size() - (wanted.size() - 1));
+  }
+  return found;
+}
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+}  // namespace
+
+bool HttpReplyReader::feed(std::string_view piece) {
+  response.append(piece.substr(0, piece.find('\0')));
+  if (lengthState == Length::kUnknown) {
+    if (!findLengthLine()) return false;
+    readLength();
+  }
+  if (lengthState == Length::kAbsent) return false;
+  // Of a reply that promises nothing not even the rest of the head is awaited.
+  if (contentLength == 0) return true;
+  if (!findHeaderEnd() || response.size() - bodyStart < contentLength) return false;
+  response.resize(bodyStart + static_cast<size_t>(contentLength));
+  return true;
+}
+
+// Whether the line of the length label is there with its line end.
+bool HttpReplyReader::findLengthLine() {
+  if (labelEnd == std::string::npos) {
+    const size_t label = findResumably(response, kLengthLabel, labelSearch);
+    if (label == std::string::npos) return false;
+    labelEnd = label + kLengthLabel.size();
+    lineEndSearch = labelEnd;
+  }
+  return findResumably(response, kLineEnd, lineEndSearch) != std::string::npos;
+}
+
+// A length too large for 64 bits counts as the largest; a negative one as no length at all.
+void HttpReplyReader::readLength() {
+  lengthState = Length::kKnown;
+  // The line has its end, so this stops before the end of the text.
+  const char* at = response.c_str() + labelEnd;
+  while (*at == ' ' || *at == '\t') ++at;
+  const bool negative = *at == '-';
+  if (*at == '-' || *at == '+') ++at;
+  constexpr uint64_t kMax = std::numeric_limits<uint64_t>::max();
+  for (; isDigit(*at); ++at) {
+    const uint64_t digit = static_cast<uint64_t>(*at - '0');
+    contentLength = contentLength > (kMax - digit) / 10 ? kMax : contentLength * 10 + digit;
+  }
+  if (negative && contentLength > 0) lengthState = Length::kAbsent;
+}
+
+bool HttpReplyReader::findHeaderEnd() {
+  if (bodyStart != std::string::npos) return true;
+  const size_t end = findResumably(response, kHeaderEnd, headerEndSearch);
+  if (end == std::string::npos) return false;
+  bodyStart = end + kHeaderEnd.size();
+  response.reserve(bodyStart + static_cast<size_t>(std::min(contentLength, kMaxReserve)));
+  return true;
+}
+
+}  // namespace Vantrel::Web

@@ -1,0 +1,100 @@
+#include "service/launch.h"
+
+#include <atomic>
+#include <exception>
+#include <string>
+
+#include "runtime/ov_log.h"
+#include "runtime/ov_threads.h"
+#include "service/locations.h"
+#include "service/ping.h"
+#include "service/process_start.h"
+#include "service/service_url.h"
+#include "threads/system_exception.h"
+
+namespace Vantrel::Web {
+
+namespace {
+
+constexpr int32_t kPollStepMs = 100;
+
+// States that ov_process_exited tells.
+constexpr int32_t kExited = 1;
+constexpr int32_t kTerminated = 2;
+
+// Set by the instance that was created last, read by whatever thread launches.
+std::atomic<int32_t> launchTimeoutMs{kDefaultLaunchTimeoutMs};
+
+// Whether the wait can go on: the new process lives. The reason is logged if it does not.
+bool stillRuns(ov_process& process) {
+  int32_t state = 0;
+  int32_t exitCode = 0;
+  if (const ov_rc code = ov_process_exited(&process, &state, &exitCode)) {
+    ov_err("Warning: Checking Orvane Vantrel process state failed (%d)", code);
+    return false;
+  }
+  if (state == kExited) {
+    ov_log("Warning: Orvane Vantrel process exited (%d)", exitCode);
+    return false;
+  }
+  if (state == kTerminated) {
+    ov_err("Orvane Vantrel process terminated unexpectedly");
+    return false;
+  }
+  return true;
+}
+
+// Waits until the new process answers. The wait is counted in steps: a question that takes long
+// does not shorten the number of tries.
+bool waitForAnswer(ov_process& process, int32_t timeoutMs) {
+  for (int64_t waited = 0; waited < timeoutMs;) {
+    if (pingVantrel()) {
+      OV_DEBUG("Waited %dms for Vantrel to launch and write URL file",
+               static_cast<int32_t>(waited));
+      return true;
+    }
+    if (const ov_rc code = ov_thread_sleep(kPollStepMs)) {
+      ov_err("Warning: Thread sleep failed (%d)", code);
+      return false;
+    }
+    waited += kPollStepMs;
+    if (!stillRuns(process)) return false;
+  }
+  ov_log("Warning: Timed out waiting for Orvane Vantrel to launch");
+  return false;
+}
+
+}  // namespace
+
+void setLaunchTimeout(int32_t milliseconds) {
+  launchTimeoutMs = milliseconds;
+}
+
+bool launchVantrel() {
+  if (pingVantrel()) return true;
+  const std::string path = vantrelExecutablePath();
+  if (path.empty()) return false;
+  ov_log("Launching Orvane Vantrel - Command: %s", path.c_str());
+  StartedProcess process;
+  if (const ov_rc code = process.start(path)) {
+    ov_err("%s", describeSystemError("Failed to launch Orvane Vantrel: ", code).c_str());
+    return false;
+  }
+  const int32_t timeoutMs = launchTimeoutMs;
+  ov_log("Waiting %dms for Orvane Vantrel to launch", timeoutMs);
+  // The question must go to the address that the new process writes.
+  clearVantrelUrl();
+  return waitForAnswer(process.record, timeoutMs);
+}
+
+void allowVantrelForeground() {
+  try {
+    if (const ov_rc code = allowForeground(vantrelProcessId())) {
+      ov_log("Warning: AllowSetForegroundWindow failed (%d)", code);
+    }
+  } catch (const std::exception& error) {
+    ov_log("Warning: Failed to get Orvane Vantrel's process ID: %s", error.what());
+  }
+}
+
+}  // namespace Vantrel::Web

@@ -1,0 +1,120 @@
+#include "service/transfers_poller.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <mutex>
+
+#include "core/error_texts.h"
+#include "core/json_document.h"
+#include "runtime/ov_log.h"
+#include "service/vantrel_request.h"
+
+namespace Vantrel::Web {
+
+namespace {
+
+constexpr char kActivityPath[] = "/transfers/activity";
+const char* const kTokenPath[] = {"iteration_token", nullptr};
+
+}  // namespace
+
+TransfersPoller::TransfersPoller() {
+  OV_DEBUG("%p TransfersPoller()", static_cast<void*>(this));
+}
+
+TransfersPoller::~TransfersPoller() {
+  OV_DEBUG("%p ~TransfersPoller() - started?=%u", static_cast<void*>(this), unsigned{started});
+}
+
+void TransfersPoller::setAppId(const std::string& text) {
+  appId = text;
+}
+
+void TransfersPoller::addListener(TransferEventListener* listener) {
+  const std::lock_guard lock(mutex);
+  OV_DEBUG("%p TransferPoller::addListener() - size=%i", static_cast<void*>(this),
+           static_cast<int>(listeners.size()));
+  listeners.push_back(listener);
+}
+
+void TransfersPoller::removeListener(TransferEventListener* listener) {
+  const std::lock_guard lock(mutex);
+  OV_DEBUG("%p TransferPoller::removeListener() - size=%i", static_cast<void*>(this),
+           static_cast<int>(listeners.size()));
+  const auto found = std::find(listeners.begin(), listeners.end(), listener);
+  if (found == listeners.end()) return;
+  listeners.erase(found);
+  OV_DEBUG("%p TransferPoller::removeListener() - removed", static_cast<void*>(this));
+}
+
+void TransfersPoller::run() {
+  OV_DEBUG("%p TransferPoller::run()", static_cast<void*>(this));
+  while (!stopRequested) {
+    ov_thread_sleep(static_cast<uint32_t>(pollIntervalMs));
+    if (stopRequested) break;
+    // What memory or a listener throws costs this one poll, not the thread.
+    try {
+      pollOnce();
+    } catch (const std::exception& error) {
+      ov_err("%s", error.what());
+    }
+  }
+  done_ = true;
+  OV_DEBUG("%p TransferPoller::run() - done", static_cast<void*>(this));
+}
+
+void TransfersPoller::pollOnce() {
+  std::unique_ptr<HttpRequest> request = newVantrelRequest(
+      "POST", std::string(kServicePath) + kActivityPath, requestBody(), kFormatJson);
+  if (!request) return;
+  std::unique_ptr<HttpResponse> response = request->invoke();
+  request.reset();
+  if (!response) return;
+  const std::string reply = std::move(response->body_);
+  response.reset();
+  if (!stopRequested) handleReply(reply);
+}
+
+// The token and the id go out as they are.
+std::string TransfersPoller::requestBody() const {
+  return "{\n"
+         "    \"iteration_token\": \"" +
+         iterationToken +
+         "\",\n"
+         "    \"orvane_vantrel_settings\" : {\n"
+         "        \"app_id\": \"" +
+         appId +
+         "\"\n"
+         "    }\n"
+         "}\n";
+}
+
+void TransfersPoller::handleReply(const std::string& reply) {
+  JsonDocument document;
+  if (!document.parse(reply)) {
+    ov_err("%s: %s", kErrorParsingJson, document.errorText().c_str());
+    return;
+  }
+  if (document.hasError()) {
+    ov_err("Transfer poller response contained an error: %s", reply.c_str());
+    return;
+  }
+  iterationToken = document.getString(kTokenPath);
+  notifyListeners(reply);
+}
+
+void TransfersPoller::notifyListeners(const std::string& text) {
+  const std::lock_guard lock(mutex);
+  OV_DEBUG("%p TransferPoller::notifyListeners() - size=%i", static_cast<void*>(this),
+           static_cast<int>(listeners.size()));
+  for (TransferEventListener* listener : listeners) listener->transferEventOccurred(text);
+}
+
+void TransfersPoller::stop() {
+  const bool finished = done_;
+  OV_DEBUG("%p TransferPoller::stop() - done?=%i", static_cast<void*>(this), int{finished});
+  if (!finished) stopRequested = true;
+}
+
+}  // namespace Vantrel::Web

@@ -1,0 +1,11 @@
+#include "threads/thread_com.h"
+
+namespace Vantrel::Web {
+
+int32_t initializeThreadCom() {
+  return 0;
+}
+
+void uninitializeThreadCom() {}
+
+}  // namespace Vantrel::Web

@@ -1,0 +1,67 @@
+#include "tests/support/service_files.h"
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "service/testing.h"
+
+namespace Vantrel::Web::TestSupport {
+
+namespace {
+
+void writeFile(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+}  // namespace
+
+std::string makeTemporaryDirectory() {
+  std::random_device random;
+  std::ostringstream name;
+  name << "ov-test-" << std::hex << random() << random();
+  const std::filesystem::path path = std::filesystem::temp_directory_path() / name.str();
+  std::filesystem::create_directories(path);
+  return path.string();
+}
+
+ServiceFiles::ServiceFiles(const std::string& executablePath)
+    : directory(makeTemporaryDirectory() + "/data") {
+  std::filesystem::create_directories(clientDirectory() + "/var/run");
+  resetServiceCaches(directory, executablePath);
+}
+
+ServiceFiles::~ServiceFiles() {
+  resetServiceCaches();
+  std::error_code ignored;
+  std::filesystem::remove_all(std::filesystem::path(directory).parent_path(), ignored);
+}
+
+// The client's directory as the service client composes it, backslashes and all: on a platform
+// without them it is one oddly named directory.
+std::string ServiceFiles::clientDirectory() const {
+  return directory + "\\Orvane\\Orvane Vantrel";
+}
+
+std::string ServiceFiles::urlFile() const {
+  return clientDirectory() + "/var/run/http.uri";
+}
+
+std::string ServiceFiles::processIdFile() const {
+  return clientDirectory() + "/var/run/process.pid";
+}
+
+void ServiceFiles::writeUrl(const std::string& text) const {
+  writeFile(urlFile(), text);
+}
+
+void ServiceFiles::writeProcessId(const std::string& text) const {
+  writeFile(processIdFile(), text);
+}
+
+void ServiceFiles::removeUrl() const {
+  std::filesystem::remove(urlFile());
+}
+
+}  // namespace Vantrel::Web::TestSupport
