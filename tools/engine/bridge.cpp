@@ -53,6 +53,8 @@ void Bridge::runOn(Side to, std::function<void()> run) {
     own.changed.wait(lock);
     own.blocked = false;
   }
+  // Queued while this thread was waking up to its own call's end: left to the event loop.
+  if (!own.jobs.empty() && own.wake) own.wake();
 }
 
 Bridge& bridge() {

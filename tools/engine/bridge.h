@@ -20,9 +20,8 @@ class Bridge {
  public:
   enum class Side { Plugin, Engine };
 
-  // Makes the calling thread this side's thread. wake is called on the other side's thread when a
-  // call is queued while this side's thread is in its event loop; it must make the loop call
-  // serve().
+  // Makes the calling thread this side's thread. wake is called, on either thread, when a call
+  // is queued while this side's thread is in its event loop; it must make the loop call serve().
   void attach(Side side, std::function<void()> wake);
 
   // Ends the serving of this side: calls to it return at once from now on, with a zero result.

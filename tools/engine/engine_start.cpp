@@ -4,6 +4,8 @@
 
 #include <dlfcn.h>
 
+#include <cstdio>
+
 // Last: its macros collide with names of Qt.
 #include <X11/Xlib.h>
 
@@ -21,12 +23,20 @@ void initialiseToolkit() {
   if (initCheck) initCheck(nullptr, nullptr);
 }
 
+// Qt's own words on the standard error, without the warning that tells what is done here on
+// purpose.
+void writeMessage(QtMsgType, const QMessageLogContext&, const QString& text) {
+  if (text.contains("not created in the main() thread")) return;
+  std::fprintf(stderr, "orvane-browser: %s\n", qPrintable(text));
+}
+
 }  // namespace
 
 void startEngine() {
   // Wine's handler knows which errors its windows may cause and passes over them.
   XErrorHandler ofWine = XSetErrorHandler(nullptr);
   initialiseToolkit();
+  qInstallMessageHandler(writeMessage);
   static int argumentCount = 1;
   static char name[] = "orvane-browser";
   static char* arguments[] = {name, nullptr};

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 
 namespace engine {
@@ -34,8 +35,8 @@ class MemoryReply : public QNetworkReply {
     setUrl(request.url());
     setOperation(operation);
     setAttribute(QNetworkRequest::HttpStatusCodeAttribute, 404);
-    setError(ContentNotFoundError, "not found");
     announce();
+    setError(ContentNotFoundError, "not found");
   }
 
   void abort() override {}
@@ -78,7 +79,14 @@ QString contentType(const QString& fileName) {
 }  // namespace
 
 LocalSite::LocalSite(const QUrl& url, const QByteArray& html, const QString& files)
-    : pageUrl(url), page(html), folder(files) {}
+    : pageUrl(url), page(html), folder(files) {
+  // The engine's console is silent about a script or a picture that is missing.
+  connect(this, &QNetworkAccessManager::finished, [](QNetworkReply* reply) {
+    if (reply->error() == QNetworkReply::NoError) return;
+    std::fprintf(stderr, "orvane-browser: not loaded: %s: %s\n",
+                 qPrintable(reply->url().toString()), qPrintable(reply->errorString()));
+  });
+}
 
 QNetworkReply* LocalSite::createRequest(Operation operation, const QNetworkRequest& request,
                                         QIODevice* data) {

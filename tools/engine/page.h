@@ -23,7 +23,7 @@ class QuietPage : public QWebPage {
 
 class Page {
  public:
-  // A line of the page's console; an uncaught script error or a failed load begins "error: ".
+  // A line of the page's console; an uncaught script error begins "error: ".
   using LineHandler = std::function<void(const std::string& line)>;
 
   // scripts run in every new document, before the page's own.
