@@ -1,0 +1,16 @@
+#include "browsers/gecko/browser_functions.h"
+
+#include <cstring>
+
+namespace Vantrel::Web {
+
+NPNetscapeFuncs browserFuncs = {};
+
+void copyBrowserFunctions(const NPNetscapeFuncs& funcs) {
+  size_t bytes = sizeof browserFuncs;
+  if (funcs.size >= kNeededTableSize && funcs.size < bytes) bytes = funcs.size;
+  browserFuncs = {};
+  std::memcpy(&browserFuncs, &funcs, bytes);
+}
+
+}  // namespace Vantrel::Web

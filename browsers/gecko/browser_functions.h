@@ -1,0 +1,52 @@
+// The browser's functions, which every NPN_* call of the library goes through, and owners for what
+// they hand out. Browser's thread only, but for pluginthreadasynccall, which any thread may call.
+#pragma once
+
+#include <cstdint>
+#include <utility>
+
+#include "browsers/gecko/netscape_plugin_api.h"
+
+namespace Vantrel::Web {
+
+// A private copy of the browser's table, made by NP_Initialize.
+extern NPNetscapeFuncs browserFuncs;
+
+// The bytes that the members we call take up; a table may end there.
+inline constexpr uint16_t kNeededTableSize =
+    offsetof(NPNetscapeFuncs, pluginthreadasynccall) + sizeof(NPN_PluginThreadAsyncCallProcPtr);
+
+// Copies the whole table, or as many bytes as a shorter one that has all we need says it holds.
+void copyBrowserFunctions(const NPNetscapeFuncs& funcs);
+
+// One counted reference to a page object, released when its owner goes. May be empty.
+class RetainedObject {
+ public:
+  RetainedObject() = default;
+  // Takes a reference of its own.
+  explicit RetainedObject(NPObject* retained) : object(retained) {
+    if (object) browserFuncs.retainobject(object);
+  }
+  ~RetainedObject() { reset(); }
+  RetainedObject(RetainedObject&& other) noexcept : object(std::exchange(other.object, nullptr)) {}
+  RetainedObject& operator=(RetainedObject&& other) noexcept {
+    if (this != &other) {
+      reset();
+      object = std::exchange(other.object, nullptr);
+    }
+    return *this;
+  }
+
+  void reset() {
+    if (NPObject* const former = std::exchange(object, nullptr)) browserFuncs.releaseobject(former);
+  }
+  // Gives the reference up without releasing it.
+  NPObject* forget() { return std::exchange(object, nullptr); }
+  NPObject* get() const { return object; }
+  explicit operator bool() const { return object != nullptr; }
+
+ private:
+  NPObject* object = nullptr;
+};
+
+}  // namespace Vantrel::Web

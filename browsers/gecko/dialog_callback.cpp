@@ -1,0 +1,41 @@
+#include "browsers/gecko/dialog_callback.h"
+
+#include "browsers/gecko/orvane_web_plugin.h"
+#include "browsers/gecko/string_callback_message.h"
+#include "core/approved_files.h"
+#include "core/plugin.h"
+#include "runtime/ov_log.h"
+
+namespace Vantrel::Web {
+
+DialogCallback::DialogCallback(NPP instance, NPObject* function, DialogKind kind)
+    : callbackObject(function), npp(instance), dialogKind(kind) {}
+
+void DialogCallback::handleCallback(void* argument) {
+  const auto* const dialog = static_cast<FileDialog*>(static_cast<Runnable*>(argument));
+  const auto result = static_cast<unsigned long>(dialog->result());
+  const std::string text = dialog->resultText();
+  OV_DEBUG("DialogCallback::handleCallback() - result=%lu resultStr=%s", result, text.c_str());
+  if (result == 0) return;
+  recordChoice(dialog->chosenPaths());
+  returnMessage(text);
+}
+
+void DialogCallback::recordChoice(const std::vector<std::string>& chosen) const {
+  if (chosen.empty()) return;
+  if (dialogKind != DialogKind::kSaveFile) addToApprovedFileList(chosen);
+  if (dialogKind == DialogKind::kOpenFile) return;
+  // The dialog's message loop may have ended the instance.
+  const auto* const plugin = static_cast<ovOrvaneWebPlugin*>(npp->pdata);
+  if (plugin) plugin->core->setLastSelectedPath(chosen.front());
+}
+
+void DialogCallback::returnMessage(const std::string& text) {
+  if (!callbackObject) return;
+  OV_DEBUG("RequestCallback::returnMessage() - response=%s", text.c_str());
+  StringCallbackMessage message(npp, callbackObject.get());
+  message.text = text;
+  message.deliver();
+}
+
+}  // namespace Vantrel::Web

@@ -1,0 +1,51 @@
+// Script methods: requests that the page forwards to the desktop client.
+
+#include "browsers/gecko/orvane_web_plugin.h"
+#include "browsers/gecko/request_callback.h"
+#include "browsers/gecko/variant.h"
+
+namespace Vantrel::Web {
+
+bool ovOrvaneWebPlugin::vantrelHttpRequest(const NPVariant* args, uint32_t argCount,
+                                           NPVariant* result) {
+  if (!argumentsBegin({Argument::kText, Argument::kText, Argument::kText}, args, argCount)) {
+    return false;
+  }
+  std::string error;
+  std::unique_ptr<HttpResponse> response;
+  core->vantrelHttpRequest(error, textOf(args[0]), textOf(args[1]), textOf(args[2]), response);
+  stringToVariant(response && error.empty() ? response->body() : error, result);
+  return true;
+}
+
+bool ovOrvaneWebPlugin::vantrelHttpRequestAsync(const NPVariant* args, uint32_t argCount,
+                                                NPVariant* result) {
+  if (!argumentsBegin({Argument::kText, Argument::kText, Argument::kText, Argument::kObject}, args,
+                      argCount)) {
+    return false;
+  }
+  const std::string error = core->vantrelHttpRequestAsync(
+      textOf(args[0]), textOf(args[1]), textOf(args[2]),
+      std::make_unique<RequestCallback>(npp, args[3].value.objectValue));
+  if (error.empty()) {
+    setNull(result);
+  } else {
+    stringToVariant(error, result);
+  }
+  return true;
+}
+
+bool ovOrvaneWebPlugin::httpRequestImplementation(const NPVariant* args, uint32_t argCount,
+                                                  NPVariant* result) {
+  if (!argumentsBegin({Argument::kText, Argument::kText, Argument::kText, Argument::kObject}, args,
+                      argCount)) {
+    return false;
+  }
+  core->httpRequestImplementation(
+      textOf(args[0]), textOf(args[1]), textOf(args[2]),
+      std::make_unique<RequestCallback>(npp, args[3].value.objectValue));
+  setNull(result);
+  return true;
+}
+
+}  // namespace Vantrel::Web

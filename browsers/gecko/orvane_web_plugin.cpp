@@ -1,0 +1,153 @@
+// Life of an instance, and the properties that hold page objects.
+
+#include "browsers/gecko/orvane_web_plugin.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <limits>
+#include <stdexcept>
+
+#include "browsers/gecko/page_hostname.h"
+#include "browsers/gecko/script_object.h"
+#include "runtime/ov_log.h"
+#include "service/launch.h"
+#include "threads/runnable_scheduler.h"
+
+namespace Vantrel::Web {
+
+namespace {
+
+std::string parameter(const ovOrvaneWebPlugin::Parameters& parameters, const char* key) {
+  const auto found = parameters.find(key);
+  return found == parameters.end() ? std::string() : found->second;
+}
+
+// Milliseconds; the default when the text is no number.
+int32_t launchWait(const std::string& text) {
+  using Limits = std::numeric_limits<int32_t>;
+  const long number = std::strtol(text.c_str(), nullptr, 10);
+  if (number == 0 && text != "0") return kDefaultLaunchTimeoutMs;
+  return static_cast<int32_t>(std::clamp<long>(number, Limits::min(), Limits::max()));
+}
+
+DropMode dropModeOf(const std::string& text) {
+  if (text == "upload") return DropMode::kUpload;
+  return text == "callback" ? DropMode::kCallback : DropMode::kNone;
+}
+
+std::string userAgent(NPP npp) {
+  const char* const text = browserFuncs.uagent(npp);
+  return text ? text : "";
+}
+
+}  // namespace
+
+ovOrvaneWebPlugin::ovOrvaneWebPlugin(NPP instance, Parameters& pluginParameters) : npp(instance) {
+  OV_DEBUG("ovOrvaneWebPlugin() [%p]", static_cast<void*>(this));
+  try {
+    initialize(pluginParameters);
+  } catch (const std::exception& exception) {
+    ov_err("Failed to initialize plugin: %s", exception.what());
+    teardown();
+    throw;
+  }
+}
+
+void ovOrvaneWebPlugin::initialize(const Parameters& parameters) {
+  const int32_t wait = launchWait(parameter(parameters, "vantrel-launch-wait-timeout-ms"));
+  transparent = parameter(parameters, "transparent") == "yes";
+  core = std::make_unique<Plugin>();
+  core->setUserAgent(userAgent(npp));
+  core->hostname = pageHostname(npp);
+  core->init(wait);
+  core->setParameters(parameters);
+  oneShotManager = std::make_unique<OneShotManager>();
+  imageUrl = parameter(parameters, "image");
+  dropMode = dropModeOf(parameter(parameters, "drop-mode"));
+  dropAllowDirectories = parameter(parameters, "drop-allow-directories") == "true";
+  dropAllowMultiple = parameter(parameters, "drop-allow-multiple") == "true";
+  createScriptObject();
+  transferEventHandler = std::make_unique<TransferEventHandler>(npp, nullptr);
+  core->getTransfersPoller()->addListener(transferEventHandler.get());
+}
+
+void ovOrvaneWebPlugin::createScriptObject() {
+  scriptObject =
+      reinterpret_cast<ovOrvaneWebScriptObject*>(browserFuncs.createobject(npp, scriptClass()));
+  if (!scriptObject) throw std::runtime_error("Failed to create the script object");
+  scriptObject->plugin = this;
+}
+
+ovOrvaneWebPlugin::~ovOrvaneWebPlugin() {
+  OV_DEBUG("~ovOrvaneWebPlugin() [%p]", static_cast<void*>(this));
+  teardown();
+  OV_DEBUG("~ovOrvaneWebPlugin() - done");
+}
+
+void ovOrvaneWebPlugin::teardown() noexcept {
+  try {
+    // The page may keep the script object; from now on it answers false.
+    if (scriptObject) scriptObject->plugin = nullptr;
+    // No transfer event starts once the listener has left.
+    if (transferEventHandler && core) {
+      core->getTransfersPoller()->removeListener(transferEventHandler.get());
+    }
+    transferEventHandler.reset();
+    imageData.clear();
+    view.reset();
+    core.reset();
+    if (oneShotManager) RunnableScheduler::stopRunnables(oneShotManager.get());
+    oneShotManager.reset();
+  } catch (const std::exception& exception) {
+    ov_err("Plugin cleanup error: %s", exception.what());
+  }
+}
+
+NPObject* ovOrvaneWebPlugin::getScriptableObject() {
+  return browserFuncs.retainobject(scriptObject);
+}
+
+int16_t ovOrvaneWebPlugin::handleEvent(void* event) {
+  return view && eventsEnabled ? view->handleEvent(event) : int16_t{0};
+}
+
+namespace {
+
+NPObject* objectOf(const NPVariant& value) {
+  return value.type == NPVariantType_Object ? value.value.objectValue : nullptr;
+}
+
+}  // namespace
+
+void ovOrvaneWebPlugin::setDropObserver(const NPVariant& value) {
+  // Retained first: the old and the new one may be the same object.
+  NPObject* const observer = objectOf(value);
+  if (observer) browserFuncs.retainobject(observer);
+  if (NPObject* const former = std::exchange(dropObserver, nullptr)) {
+    browserFuncs.releaseobject(former);
+    ov_log("Drop observer removed");
+  }
+  if (observer) {
+    dropObserver = observer;
+    ov_log("Drop observer set");
+  }
+}
+
+void ovOrvaneWebPlugin::setEventHandler(const NPVariant& value) {
+  NPObject* const handler = objectOf(value);
+  if (handler) browserFuncs.retainobject(handler);
+  if (NPObject* const former = std::exchange(eventHandler, nullptr)) {
+    // Events go on to the former function until there is another.
+    transferEventHandler->keepTarget(former);
+    browserFuncs.releaseobject(former);
+    ov_log("Event handler removed");
+  }
+  if (handler) {
+    eventHandler = handler;
+    transferEventHandler->setTarget(handler);
+    ov_log("Event handler set");
+  }
+}
+
+}  // namespace Vantrel::Web

@@ -1,0 +1,32 @@
+#include "browsers/gecko/request_callback.h"
+
+#include <exception>
+
+#include "core/error_reply.h"
+#include "core/error_texts.h"
+#include "runtime/ov_log.h"
+#include "service/http_response.h"
+
+namespace Vantrel::Web {
+
+RequestCallback::RequestCallback(NPP instance, NPObject* function)
+    : message(std::make_unique<StringCallbackMessage>(instance, function)), npp(instance) {}
+
+void RequestCallback::handleCallback(void* argument) {
+  try {
+    const auto* const response = static_cast<const HttpResponse*>(argument);
+    returnMessage(response ? response->body() : jsonErrorReply(kErrorContacting));
+  } catch (const std::exception& exception) {
+    ov_err("%s", exception.what());
+    message.reset();
+  }
+}
+
+void RequestCallback::returnMessage(const std::string& text) {
+  OV_DEBUG("RequestCallback::returnMessage() - response=%s", text.c_str());
+  if (!message) return;
+  message->text = text;
+  postToBrowser(npp, std::move(message));
+}
+
+}  // namespace Vantrel::Web

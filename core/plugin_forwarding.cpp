@@ -1,0 +1,124 @@
+// Requests that a page forwards to the desktop client, and the client's windows.
+
+#include <new>
+
+#include "core/error_reply.h"
+#include "core/error_texts.h"
+#include "core/plugin.h"
+#include "core/request_check.h"
+#include "runtime/ov_log.h"
+#include "service/launch.h"
+#include "service/service_url.h"
+#include "service/vantrel_request.h"
+#include "service/window.h"
+
+namespace Vantrel::Web {
+
+namespace {
+
+constexpr char kEmptyBody[] = "{}";
+constexpr char kVersionPath[] = "/v4/vantrel/version";
+constexpr char kVersionBody[] = R"({"orvane_vantrel_settings":{"app_id":"version request"}})";
+
+const std::string& bodyToSend(const std::string& body) {
+  static const std::string emptyBody = kEmptyBody;
+  return body.empty() ? emptyBody : body;
+}
+
+// A request as a page asks for it, without the client's key; null when memory runs out.
+std::unique_ptr<HttpRequest> newForwardedRequest(const Url& url, const std::string& method,
+                                                 const std::string& path, const std::string& body) {
+  try {
+    auto request = std::make_unique<HttpRequest>(url.host, url.port(0));
+    request->addHeader(kHeaderContentType, kMediaTypeForwarded);
+    request->path = path;
+    request->method = method;
+    request->setBody(body);
+    return request;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+template <class W>
+bool display() {
+  allowVantrelForeground();
+  return W().display("");
+}
+
+}  // namespace
+
+bool Plugin::validateRequestBody(const std::string& body, std::string& error) const {
+  const HostnameCheck check = [this](const std::string& id) { return validateHostname(id); };
+  return checkRequestBody(body, check, consent, error);
+}
+
+void Plugin::vantrelHttpRequest(std::string& error, const std::string& method,
+                                const std::string& path, const std::string& body,
+                                std::unique_ptr<HttpResponse>& response) {
+  response.reset();
+  const std::string& text = bodyToSend(body);
+  if (!validateRequestBody(text, error)) return;
+  if (!launchVantrel()) {
+    error = logJsonErrorReply(kErrorContacting);
+    return;
+  }
+  const std::unique_ptr<HttpRequest> request = newVantrelRequest(method, path, text, kFormatJson);
+  if (!request) {
+    error = jsonErrorReply(kErrorCreatingRequest);
+    return;
+  }
+  response = request->invoke();
+  if (!response) error = logJsonErrorReply(kErrorContacting);
+}
+
+std::string Plugin::vantrelHttpRequestAsync(const std::string& method, const std::string& path,
+                                            const std::string& body,
+                                            std::unique_ptr<Callback> callback) {
+  const std::string& text = bodyToSend(body);
+  std::string error;
+  if (!validateRequestBody(text, error)) return error;
+  std::unique_ptr<HttpRequest> request = newVantrelRequest(method, path, text, kFormatJson);
+  if (!request) return jsonErrorReply(kErrorCreatingRequest);
+  request->callback = std::move(callback);
+  requestWorker->addRequest(std::move(request));
+  return {};
+}
+
+void Plugin::httpRequestImplementation(const std::string& method, const std::string& path,
+                                       const std::string& body,
+                                       std::unique_ptr<Callback> callback) {
+  const Url url = vantrelUrl();
+  if (url.url.empty()) {
+    callback->returnMessage(jsonErrorReply("Failed to get Vantrel URL"));
+    return;
+  }
+  std::unique_ptr<HttpRequest> request = newForwardedRequest(url, method, path, bodyToSend(body));
+  if (!request) {
+    callback->returnMessage(jsonErrorReply(kErrorCreatingRequest));
+    return;
+  }
+  request->callback = std::move(callback);
+  requestWorker->addRequest(std::move(request));
+}
+
+std::string Plugin::queryVantrelVersion() {
+  std::string error;
+  std::unique_ptr<HttpResponse> response;
+  vantrelHttpRequest(error, "GET", kVersionPath, kVersionBody, response);
+  if (!error.empty()) return error;
+  std::string body = response ? response->body() : std::string();
+  return body.empty() ? jsonErrorReply(kErrorRetrievingVersion) : body;
+}
+
+bool Plugin::displayTransferManager() {
+  return display<TransferManagerWindow>();
+}
+bool Plugin::displayAboutWindow() {
+  return display<AboutWindow>();
+}
+bool Plugin::displayPreferencesWindow() {
+  return display<PreferencesWindow>();
+}
+
+}  // namespace Vantrel::Web

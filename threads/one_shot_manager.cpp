@@ -1,0 +1,32 @@
+#include "threads/one_shot_manager.h"
+
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "runtime/ov_log.h"
+
+namespace Vantrel::Web {
+
+OneShotManager::OneShotManager() : _messageWindow(new (std::nothrow) WinMessageWindow) {
+  OV_DEBUG("%p OneShotManager()", static_cast<void*>(this));
+}
+
+OneShotManager::~OneShotManager() {
+  OV_DEBUG("%p ~OneShotManager()", static_cast<void*>(this));
+}
+
+void OneShotManager::scheduleAsyncCallback(AsyncFunction function, void* argument) {
+  if (!_messageWindow) {
+    ov_log("%p OneShotManager::scheduleAsyncCallback() - Warning: NULL _messageWindow",
+           static_cast<void*>(this));
+    return;
+  }
+  OV_DEBUG("%p OneShotManager::scheduleAsyncCallback() - hwnd=%p", static_cast<void*>(this),
+           _messageWindow->handle());
+  if (const uint32_t code = _messageWindow->post(function, argument)) {
+    throw std::runtime_error("PostMessage failed (" + std::to_string(code) + ")");
+  }
+}
+
+}  // namespace Vantrel::Web

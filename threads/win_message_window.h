@@ -1,0 +1,32 @@
+// A hidden window through which any thread hands a function to the browser's thread: what is posted
+// to it runs when the message loop of the thread that made the window turns.
+//
+// Made and destroyed on the browser's thread by a OneShotManager, which owns it.
+#pragma once
+
+#include <cstdint>
+
+namespace Vantrel::Web {
+
+// A function that lets no exception out, and its argument.
+using AsyncFunction = void (*)(void* argument);
+
+class WinMessageWindow {
+ public:
+  // Throws std::runtime_error if the window cannot be made.
+  WinMessageWindow();
+  // What is still in the queue for this window is never run.
+  ~WinMessageWindow();
+  WinMessageWindow(const WinMessageWindow&) = delete;
+  WinMessageWindow& operator=(const WinMessageWindow&) = delete;
+
+  // Posts the call; any thread. Returns 0 or the system's error code, and then nothing was posted.
+  uint32_t post(AsyncFunction function, void* argument);
+
+  void* handle() const { return m_hWnd; }
+
+ private:
+  void* m_hWnd = nullptr;
+};
+
+}  // namespace Vantrel::Web

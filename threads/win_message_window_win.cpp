@@ -1,0 +1,79 @@
+#include "threads/win_message_window.h"
+
+#include <windows.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "runtime/ov_log.h"
+#include "threads/module_handle.h"
+
+namespace Vantrel::Web {
+
+namespace {
+
+constexpr UINT kCallbackMessage = 1151;
+
+struct CallbackPair {
+  AsyncFunction function;
+  void* argument;
+};
+
+HWND toWindow(void* handle) {
+  return static_cast<HWND>(handle);
+}
+
+LRESULT CALLBACK _WinProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message != kCallbackMessage) return DefWindowProcW(hWnd, message, wParam, lParam);
+  OV_DEBUG("WinMessageWindow::_WinProc() - hWnd=%p", static_cast<void*>(hWnd));
+  const std::unique_ptr<CallbackPair> pair(reinterpret_cast<CallbackPair*>(lParam));
+  pair->function(pair->argument);
+  return 0;
+}
+
+// A class of its own for every window; one that exists already serves as well.
+void registerWindowClass(HINSTANCE module, const wchar_t* name) {
+  WNDCLASSEXW windowClass = {};
+  windowClass.cbSize = sizeof windowClass;
+  windowClass.lpfnWndProc = _WinProc;
+  windowClass.hInstance = module;
+  windowClass.lpszClassName = name;
+  if (!RegisterClassExW(&windowClass) && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) {
+    throw std::runtime_error("Could not register window class");
+  }
+}
+
+}  // namespace
+
+WinMessageWindow::WinMessageWindow() {
+  static int32_t count = 0;  // the browser's thread alone makes windows
+  OV_DEBUG("WinMessageWindow() - count=%i", count);
+  const std::wstring number = std::to_wstring(count++);
+  const std::wstring title = L"OrvaneWebEventWindow" + number;
+  const std::wstring className = L"OWEventWindow" + number;
+  const HINSTANCE module = static_cast<HINSTANCE>(moduleHandle());
+  registerWindowClass(module, className.c_str());
+  m_hWnd = CreateWindowExW(0, className.c_str(), title.c_str(), WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE,
+                           nullptr, module, nullptr);
+  if (!m_hWnd) throw std::runtime_error("Could not create Message Window");
+  OV_DEBUG("WinMessageWindow() - done, m_hWnd=%p", m_hWnd);
+}
+
+WinMessageWindow::~WinMessageWindow() {
+  OV_DEBUG("~WinMessageWindow() - m_hWnd=%p", m_hWnd);
+  // Messages in the queue die with the window and their pairs stay: to fetch them here would let
+  // other windows of this thread run in the middle of a teardown.
+  DestroyWindow(toWindow(m_hWnd));
+}
+
+uint32_t WinMessageWindow::post(AsyncFunction function, void* argument) {
+  auto pair = std::make_unique<CallbackPair>(CallbackPair{function, argument});
+  if (!PostMessageW(toWindow(m_hWnd), kCallbackMessage, 0, reinterpret_cast<LPARAM>(pair.get()))) {
+    return GetLastError();
+  }
+  static_cast<void>(pair.release());
+  return 0;
+}
+
+}  // namespace Vantrel::Web
