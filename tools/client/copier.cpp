@@ -84,40 +84,39 @@ void Copier::carryOut(const std::string& uuid, const TransferOrder& order) {
 
 void Copier::copyAll(const std::string& uuid, const TransferOrder& order) {
   if (!order.problem.empty()) throw TransferFailure(order.problem);
-  std::vector<Piece> pieces = plan(order);
+  Plan plan = planOf(order);
   std::int64_t bytes = 0;
-  for (const Piece& piece : pieces) bytes += piece.bytes;
+  for (const Piece& piece : plan.files) bytes += piece.bytes;
   bytesOfTransfer_ = 0;
   book_.change(uuid, [&](TransferRecord& record) {
     record.status = TransferStatus::running;
     record.statusText = "Copying";
     record.bytesExpected = bytes;
-    record.filesExpected = static_cast<std::int64_t>(pieces.size());
+    record.filesExpected = static_cast<std::int64_t>(plan.files.size());
   });
-  for (const Piece& piece : pieces) copyFile(uuid, piece);
+  for (const fs::path& folder : plan.folders) fs::create_directories(folder);
+  for (const Piece& piece : plan.files) copyFile(uuid, piece);
 }
 
-std::vector<Copier::Piece> Copier::plan(const TransferOrder& order) {
-  std::vector<Piece> pieces;
-  for (const fs::path& source : order.sources) planSource(source, order.destination, pieces);
-  return pieces;
+Copier::Plan Copier::planOf(const TransferOrder& order) {
+  Plan plan;
+  for (const fs::path& source : order.sources) planSource(source, order.destination, plan);
+  return plan;
 }
 
-void Copier::planSource(const fs::path& source, const fs::path& destination,
-                        std::vector<Piece>& pieces) {
+void Copier::planSource(const fs::path& source, const fs::path& destination, Plan& plan) {
   auto add = [&](const fs::path& from, const fs::path& to) {
-    pieces.push_back({from, to, static_cast<std::int64_t>(fs::file_size(from))});
+    plan.files.push_back({from, to, static_cast<std::int64_t>(fs::file_size(from))});
   };
   if (!fs::exists(source)) throw TransferFailure("No such file or folder: " + textOf(source));
   // A folder may be named with a slash behind it.
   fs::path name = source.has_filename() ? source.filename() : source.parent_path().filename();
   fs::path target = destination / name;
   if (fs::is_regular_file(source)) return add(source, target);
-  fs::create_directories(target);
-  // The whole list is made first: a folder copied into itself would never end otherwise.
+  plan.folders.push_back(target);
   for (const auto& entry : fs::recursive_directory_iterator(source)) {
     fs::path to = target / entry.path().lexically_relative(source);
-    if (entry.is_directory()) fs::create_directories(to);
+    if (entry.is_directory()) plan.folders.push_back(to);
     if (entry.is_regular_file()) add(entry.path(), to);
   }
 }

@@ -39,15 +39,20 @@ class Copier {
     std::filesystem::path to;
     std::int64_t bytes = 0;
   };
+  // Made whole before anything is written: a folder copied into itself would never end otherwise.
+  struct Plan {
+    std::vector<std::filesystem::path> folders;
+    std::vector<Piece> files;
+  };
 
   void run();
   void carryOut(const std::string& uuid, const TransferOrder& order);
   void copyAll(const std::string& uuid, const TransferOrder& order);
   void copyFile(const std::string& uuid, const Piece& piece);
   void report(const std::string& uuid, std::int64_t bytes);
-  static std::vector<Piece> plan(const TransferOrder& order);
+  static Plan planOf(const TransferOrder& order);
   static void planSource(const std::filesystem::path& source,
-                         const std::filesystem::path& destination, std::vector<Piece>& pieces);
+                         const std::filesystem::path& destination, Plan& plan);
   void pause();
 
   const Knobs& knobs_;
