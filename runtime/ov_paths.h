@@ -86,6 +86,9 @@ int32_t ov_path_exists(const char* path);
 /* Writes the canonical path of the running program. Its length or -1. */
 int32_t ov_path_executable_path(char* out, size_t size);
 
+/* There is no such argument on this platform: always -1. */
+int32_t ov_path_executable_path_from_arg(void);
+
 /* Writes the directory of the running program. Its length or -1. */
 int32_t ov_path_executable_dir(char* out, size_t size);
 

@@ -1,0 +1,107 @@
+// For tests: the rules of canonical and joined paths once more, slow and obvious.
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ov::reference {
+
+inline bool isLetter(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+inline std::string trimLeft(const std::string& text) {
+  const size_t first = text.find_first_not_of(" \t\n\v\f\r");
+  return first == std::string::npos ? "" : text.substr(first);
+}
+
+inline bool isUri(const std::string& text) {
+  const size_t colon = text.find("://");
+  if (colon == std::string::npos || colon < 2 || text.find('/') != colon + 1) return false;
+  if (text.size() < colon + 4 || !isLetter(text[0])) return false;
+  return std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(colon), [](char c) {
+    return isLetter(c) || (c >= '0' && c <= '9') || c == '+' || c == '.' || c == '-';
+  });
+}
+
+inline bool isNetworkPath(const std::string& path) {
+  return path.size() >= 4 && path.substr(0, 2) == "//" && path.find('/', 3) != std::string::npos;
+}
+
+// The parts of a text between slashes, empty ones left out.
+inline std::vector<std::string> split(const std::string& text) {
+  std::vector<std::string> parts;
+  std::string part;
+  for (const char c : text + "/") {
+    if (c != '/') {
+      part += c;
+    } else if (!part.empty()) {
+      parts.push_back(part);
+      part.clear();
+    }
+  }
+  return parts;
+}
+
+struct Root {
+  std::string prefix, rest;
+};
+
+// None for a network path without a share.
+inline std::optional<Root> splitRoot(const std::string& path) {
+  if (isNetworkPath(path)) {
+    const std::vector<std::string> parts = split(path);
+    if (parts.size() < 2) return std::nullopt;
+    std::string rest;
+    for (size_t i = 2; i < parts.size(); ++i) rest += parts[i] + "/";
+    if (path.back() != '/' && !rest.empty()) rest.pop_back();
+    return Root{"//" + parts[0] + "/" + parts[1] + "/", rest};
+  }
+  const std::string trimmed = trimLeft(path);
+  if (trimmed.size() >= 2 && isLetter(trimmed[0]) && trimmed[1] == ':') {
+    return Root{trimmed.substr(0, 2) + "/", trimmed.substr(2)};
+  }
+  if (!path.empty() && path[0] == '/') return Root{"/", path.substr(1)};
+  return Root{"", path};
+}
+
+// With a buffer that is large enough; none where there is no canonical form.
+inline std::optional<std::string> canonical(std::string path) {
+  if (path.empty()) return "";
+  if (path.find('\n') != std::string::npos) return std::nullopt;
+  if (path.substr(0, 7) == "zept://" || isUri(path)) return path;
+  std::replace(path.begin(), path.end(), '\\', '/');
+  const std::optional<Root> root = splitRoot(path);
+  if (!root) return std::nullopt;
+  std::vector<std::string> kept, real;  // each segment with the slash behind it
+  const std::vector<std::string> parts = split(root->rest);
+  for (size_t i = 0; i < parts.size(); ++i) {
+    const bool slash = i + 1 < parts.size() || root->rest.back() == '/';
+    const std::string piece = parts[i] + (slash ? "/" : "");
+    if (parts[i] == ".") continue;
+    if (parts[i] != "..") {
+      real.push_back(piece);
+    } else if (!real.empty()) {
+      real.pop_back();
+    } else if (root->prefix.empty()) {
+      kept.push_back(piece);
+    }
+  }
+  std::string result = root->prefix;
+  for (const std::string& piece : kept) result += piece;
+  for (const std::string& piece : real) result += piece;
+  if (!real.empty() && result.back() == '/') result.pop_back();
+  return result.empty() ? "." : result;
+}
+
+// What ov_path_append writes into a buffer that is large enough.
+inline std::optional<std::string> append(const std::string& dir, std::string rel, bool relative) {
+  if (dir.empty() || (dir == "." && relative) || (dir == "/" && !relative)) return canonical(rel);
+  rel.erase(0, std::min(rel.find_first_not_of('/'), rel.size()));
+  return canonical(dir + (dir.back() == '/' ? "" : "/") + rel);
+}
+
+}  // namespace ov::reference
