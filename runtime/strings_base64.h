@@ -1,0 +1,46 @@
+// What the two base64 alphabets share: tables and the encoder's loop. Constant data only.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace ov {
+
+constexpr uint8_t base64_none = 255;
+
+struct Base64Alphabet {
+  // The two symbols for each 12 bits, so that three bytes cost two look-ups.
+  std::array<std::array<char, 2>, 4096> pairs{};
+  // The value of each symbol, base64_none for all other bytes.
+  std::array<uint8_t, 256> values{};
+
+  constexpr Base64Alphabet(char symbol62, char symbol63) {
+    std::array<char, 64> symbols{};
+    for (size_t i = 0; i < 26; ++i) {
+      symbols[i] = static_cast<char>('A' + i);
+      symbols[26 + i] = static_cast<char>('a' + i);
+    }
+    for (size_t i = 0; i < 10; ++i) symbols[52 + i] = static_cast<char>('0' + i);
+    symbols[62] = symbol62;
+    symbols[63] = symbol63;
+    values.fill(base64_none);
+    for (size_t i = 0; i < 64; ++i) {
+      values[static_cast<uint8_t>(symbols[i])] = static_cast<uint8_t>(i);
+      for (size_t n = 0; n < 64; ++n) pairs[i * 64 + n] = {symbols[i], symbols[n]};
+    }
+  }
+
+  constexpr uint8_t value(char symbol) const { return values[static_cast<uint8_t>(symbol)]; }
+};
+
+// The two encoders need room for padding and a terminator, whether or not they write padding.
+constexpr bool base64_fits(size_t len, size_t dst_size) {
+  const size_t groups = len / 3 + (len % 3 != 0 ? 1 : 0);
+  return dst_size > 0 && groups <= (dst_size - 1) / 4;
+}
+
+// Writes the symbols of `len` bytes, without padding and terminator; the end of what it wrote.
+char* base64_encode(const Base64Alphabet& alphabet, const uint8_t* src, size_t len, char* dst);
+
+}  // namespace ov
