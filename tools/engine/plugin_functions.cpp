@@ -4,6 +4,7 @@
 
 #include "bridge.h"
 #include "engine_functions.h"
+#include "paint_event.h"
 
 namespace engine {
 namespace {
@@ -62,9 +63,11 @@ NPError setWindow(NPP npp, NPWindow* window) {
 }
 
 // The engine's events are those of its own window system; the instance has a window of its own
-// and gets its messages there.
-int16_t handleEvent(NPP, void*) {
-  return 0;
+// and gets its messages there. What is left to do here is to show that window in the page.
+int16_t handleEvent(NPP npp, void* event) {
+  if (!isPaintEvent(event)) return 0;
+  const auto picture = bridge().onPluginThread([&] { return pluginWindows->picture(npp); });
+  return paint(event, picture) ? 1 : 0;
 }
 
 // Variables between the descriptions and the script object are questions of the engine's platform.

@@ -1,9 +1,10 @@
-// The plug-in's thread: its hidden windows and its message loop. One hidden top-level window stands
-// for the browser's; every instance has a child of it. Owned by main(); all calls are for the
-// plug-in's thread.
+// The plug-in's thread: its windows and its message loop. One top-level window stands for the
+// browser's; it lies below the engine's and shows nothing. Every instance has a child of it, whose
+// picture the engine puts into the page. Owned by main(); all calls are for the plug-in's thread.
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "plugin_abi.h"
 
@@ -20,6 +21,14 @@ class PluginWindows {
   // The instance's child window at this place; made at the first call.
   void* place(NPP instance, int32_t x, int32_t y, uint32_t width, uint32_t height);
   void remove(NPP instance);
+  // What the instance's window shows: rows from the top, 32 bits a pixel, blue in the lowest byte.
+  // Empty if it has no window.
+  struct Picture {
+    int width = 0;
+    int height = 0;
+    std::vector<uint32_t> pixels;
+  };
+  Picture picture(NPP instance);
 
   // Dispatches messages and serves the bridge until quit() is called.
   void run();

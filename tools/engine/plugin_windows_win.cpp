@@ -61,12 +61,15 @@ bool PluginWindows::create() {
   WNDCLASSW description{};
   description.lpfnWndProc = windowProcedure;
   description.hInstance = GetModuleHandleW(nullptr);
+  description.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
   description.lpszClassName = windowClass;
   if (!RegisterClassW(&description)) return false;
-  HWND window = CreateWindowExW(0, windowClass, L"Browser", WS_OVERLAPPEDWINDOW, 0, 0, 1024, 768,
-                                nullptr, nullptr, description.hInstance, nullptr);
+  HWND window = CreateWindowExW(0, windowClass, L"Browser", WS_POPUP | WS_CLIPCHILDREN, 0, 0, 1024,
+                                768, nullptr, nullptr, description.hInstance, nullptr);
   if (!window) return false;
   top = window;
+  // The children of a hidden window are never painted.
+  ShowWindow(window, SW_SHOWNOACTIVATE);
   bridge().attach(Bridge::Side::Plugin, [] { bell.ring(); });
   HANDLE thread = CreateThread(nullptr, 0, postServeMessages, window, 0, nullptr);
   if (!thread) return false;
@@ -90,6 +93,36 @@ void PluginWindows::remove(NPP instance) {
   if (found == children.end()) return;
   DestroyWindow(found->second);
   children.erase(found);
+}
+
+PluginWindows::Picture PluginWindows::picture(NPP instance) {
+  const auto found = children.find(instance);
+  RECT area{};
+  if (found == children.end() || !GetClientRect(found->second, &area)) return {};
+  UpdateWindow(found->second);
+  Picture result{area.right, area.bottom, {}};
+  BITMAPINFO format{};
+  format.bmiHeader.biSize = sizeof format.bmiHeader;
+  format.bmiHeader.biWidth = result.width;
+  format.bmiHeader.biHeight = -result.height;  // rows from the top
+  format.bmiHeader.biPlanes = 1;
+  format.bmiHeader.biBitCount = 32;
+  void* bits = nullptr;
+  HBITMAP bitmap = CreateDIBSection(nullptr, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
+  if (!bitmap) return {};
+  HDC memory = CreateCompatibleDC(nullptr);
+  HGDIOBJ before = SelectObject(memory, bitmap);
+  HDC window = GetDC(found->second);
+  BitBlt(memory, 0, 0, result.width, result.height, window, 0, 0, SRCCOPY);
+  GdiFlush();
+  const auto* first = static_cast<const uint32_t*>(bits);
+  result.pixels.assign(
+      first, first + static_cast<size_t>(result.width) * static_cast<size_t>(result.height));
+  ReleaseDC(found->second, window);
+  SelectObject(memory, before);
+  DeleteDC(memory);
+  DeleteObject(bitmap);
+  return result;
 }
 
 void PluginWindows::run() {

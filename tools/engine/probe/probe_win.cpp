@@ -387,8 +387,29 @@ NPError destroyInstance(NPP npp, NPSavedData**) {
   return NPERR_NO_ERROR;
 }
 
+// Green with a red left half.
+LRESULT CALLBACK paintedProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+  if (message != WM_PAINT) return DefWindowProcW(window, message, wparam, lparam);
+  PAINTSTRUCT paint;
+  HDC context = BeginPaint(window, &paint);
+  RECT area;
+  GetClientRect(window, &area);
+  HBRUSH green = CreateSolidBrush(RGB(0, 128, 0)), red = CreateSolidBrush(RGB(255, 0, 0));
+  FillRect(context, &area, green);
+  area.right /= 2;
+  FillRect(context, &area, red);
+  DeleteObject(green);
+  DeleteObject(red);
+  EndPaint(window, &paint);
+  return 0;
+}
+
 NPError setWindow(NPP npp, NPWindow* window) {
-  if (window) static_cast<Instance*>(npp->pdata)->window = static_cast<HWND>(window->window);
+  if (!window) return NPERR_NO_ERROR;
+  auto* handle = static_cast<HWND>(window->window);
+  static_cast<Instance*>(npp->pdata)->window = handle;
+  SetWindowLongPtrW(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(paintedProcedure));
+  InvalidateRect(handle, nullptr, TRUE);
   return NPERR_NO_ERROR;
 }
 
