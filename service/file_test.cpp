@@ -1,0 +1,85 @@
+#include "service/file.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+#include "tests/support/log_recorder.h"
+#include "tests/support/service_files.h"
+
+namespace Vantrel::Web {
+namespace {
+
+class FileTest : public testing::Test {
+ protected:
+  std::string readBack(const std::string& text) {
+    files.writeUrl(text);
+    File file(files.urlFile());
+    file.open();
+    return file.read();
+  }
+
+  const TestSupport::ServiceFiles files;
+  TestSupport::LogRecorder log;
+};
+
+TEST_F(FileTest, ReadsTheWholeFileByteForByte) {
+  const std::string text = "first\nsecond\r\n\x1a\xff last";
+  EXPECT_EQ(readBack(text), text);
+  EXPECT_EQ(log.text(), "");
+}
+
+TEST_F(FileTest, EmptyFileIsAnEmptyText) {
+  EXPECT_EQ(readBack(""), "");
+}
+
+TEST_F(FileTest, TextEndsAtItsFirstNul) {
+  EXPECT_EQ(readBack(std::string("ab\0cd\0", 6)), "ab");
+  EXPECT_EQ(readBack(std::string("\0cd", 3)), "");
+}
+
+TEST_F(FileTest, LargeFileIsReadInOnePiece) {
+  const std::string text(5U << 20, 'x');
+  EXPECT_EQ(readBack(text), text);
+}
+
+TEST_F(FileTest, MissingFileIsADebugLineAndAnEmptyText) {
+  File file(files.urlFile());
+  file.open();
+  EXPECT_EQ(file.read(), "");
+  ASSERT_EQ(log.lines().size(), 1U) << log.text();
+  const std::string prefix = "DBG File::open() failed: ";
+  EXPECT_EQ(log.lines()[0].rfind(prefix, 0), 0U);
+  EXPECT_GT(log.lines()[0].size(), prefix.size());
+}
+
+TEST_F(FileTest, FileThatWasNotOpenedReadsEmpty) {
+  files.writeUrl("text");
+  File file(files.urlFile());
+  EXPECT_EQ(file.read(), "");
+}
+
+TEST_F(FileTest, ReadingClosesTheFile) {
+  files.writeUrl("text");
+  File file(files.urlFile());
+  file.open();
+  EXPECT_EQ(file.read(), "text");
+  EXPECT_EQ(file.read(), "");
+  file.close();
+}
+
+TEST_F(FileTest, DestructorClosesAnOpenFile) {
+  files.writeUrl("text");
+  {
+    File file(files.urlFile());
+    file.open();
+  }
+  // An open file could not be replaced.
+  files.removeUrl();
+  files.writeUrl("other");
+  EXPECT_EQ(readBack("third"), "third");
+}
+
+}  // namespace
+}  // namespace Vantrel::Web

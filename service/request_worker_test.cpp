@@ -1,0 +1,298 @@
+#include "service/request_worker.h"
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "core/error_texts.h"
+#include "service/testing.h"
+#include "service/vantrel_request.h"
+#include "tests/support/fake_platform.h"
+#include "tests/support/log_recorder.h"
+#include "tests/support/scripted_server.h"
+#include "tests/support/service_files.h"
+
+namespace Vantrel::Web {
+namespace {
+
+using TestSupport::Script;
+using TestSupport::ScriptedServer;
+
+// What the callbacks of one case heard, in order, and how many were destroyed.
+class Answers {
+ public:
+  void add(const std::string& answer) {
+    const std::lock_guard lock(mutex);
+    heard.push_back(answer);
+    changed.notify_all();
+  }
+  void countDestroyed() {
+    const std::lock_guard lock(mutex);
+    ++destroyedCount;
+    changed.notify_all();
+  }
+  std::vector<std::string> all() const {
+    const std::lock_guard lock(mutex);
+    return heard;
+  }
+  int destroyed() const {
+    const std::lock_guard lock(mutex);
+    return destroyedCount;
+  }
+  bool waitForDestroyed(int count) const {
+    std::unique_lock lock(mutex);
+    return changed.wait_for(lock, std::chrono::seconds(30),
+                            [&] { return destroyedCount >= count; });
+  }
+
+ private:
+  mutable std::mutex mutex;
+  mutable std::condition_variable changed;
+  std::vector<std::string> heard;
+  int destroyedCount = 0;
+};
+
+class RecordingCallback : public Callback {
+ public:
+  RecordingCallback(Answers& target, std::string callbackName, bool throwing = false)
+      : answers(target), name(std::move(callbackName)), throws(throwing) {}
+  ~RecordingCallback() override { answers.countDestroyed(); }
+
+  void handleCallback(void* argument) override {
+    const auto* response = static_cast<const HttpResponse*>(argument);
+    answers.add(name + ":" + (response ? response->body() : "null"));
+    if (throws) throw std::runtime_error("callback %s failed");
+  }
+  void returnMessage(const std::string&) override {}
+
+ private:
+  Answers& answers;
+  const std::string name;
+  const bool throws;
+};
+
+class RequestWorkerTest : public testing::Test {
+ protected:
+  RequestWorkerTest() { files.writeUrl(server.url() + "\nkey"); }
+
+  void add(const std::string& path, bool throwing = false) {
+    auto request = newVantrelRequest("POST", path, "{}", kFormatJson);
+    ASSERT_TRUE(request);
+    request->callback = std::make_unique<RecordingCallback>(answers, path, throwing);
+    worker->addRequest(std::move(request));
+  }
+
+  void finish() {
+    worker->stop();
+    worker->join();
+    worker.reset();
+  }
+
+  const TestSupport::ServiceFiles files;
+  TestSupport::FakePlatform platform;
+  TestSupport::LogRecorder log;
+  ScriptedServer server;
+  Answers answers;
+  std::unique_ptr<RequestWorker> worker = std::make_unique<RequestWorker>();
+};
+
+TEST_F(RequestWorkerTest, AnswersInOrderOfArrival) {
+  for (const char* path : {"/1", "/2", "/3"}) server.always(path, Script::reply(path));
+  add("/1");
+  add("/2");
+  worker->start();
+  add("/3");
+  ASSERT_TRUE(answers.waitForDestroyed(3));
+  finish();
+  EXPECT_EQ(answers.all(), (std::vector<std::string>{"/1:/1", "/2:/2", "/3:/3"}));
+  EXPECT_EQ(server.requests("/v5/vantrel/info/ping").size(), 3U);
+  EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
+}
+
+TEST_F(RequestWorkerTest, ErrorStatusReachesTheCallbackAsAReply) {
+  server.always("/1", Script().send(TestSupport::httpReply("{\"e\":1}", "500 Error")));
+  worker->start();
+  add("/1");
+  ASSERT_TRUE(answers.waitForDestroyed(1));
+  finish();
+  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:{\"e\":1}"});
+}
+
+TEST_F(RequestWorkerTest, NoReplyIsNullAndReported) {
+  server.always("/1", Script());
+  worker->start();
+  add("/1");
+  add("/2");
+  ASSERT_TRUE(answers.waitForDestroyed(2));
+  finish();
+  EXPECT_EQ(answers.all(), (std::vector<std::string>{"/1:null", "/2:{}"}));
+  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{kErrorContacting});
+}
+
+TEST_F(RequestWorkerTest, GarbageReplyIsNull) {
+  server.always("/1", Script().send("garbage"));
+  worker->start();
+  add("/1");
+  ASSERT_TRUE(answers.waitForDestroyed(1));
+  finish();
+  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:null"});
+}
+
+TEST_F(RequestWorkerTest, ClientThatCannotBeStartedIsNullAndReported) {
+  add("/1");
+  files.removeUrl();
+  resetServiceCaches(files.appDataDirectory());
+  worker->start();
+  ASSERT_TRUE(answers.waitForDestroyed(1));
+  finish();
+  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:null"});
+  EXPECT_EQ(log.count("DBG RequestWorker::processOneRequest - Vantrel couldn't be launched, error"),
+            1U);
+  EXPECT_EQ(log.count(std::string("ERR ") + kErrorContacting), 1U);
+}
+
+TEST_F(RequestWorkerTest, ClientThatMovedIsReachedAtItsNewPort) {
+  add("/1");
+  ScriptedServer moved;
+  moved.otherwise(Script::reply("moved"));
+  server.otherwise(Script());
+  files.writeUrl(moved.url() + "\nkey");
+  worker->start();
+  ASSERT_TRUE(answers.waitForDestroyed(1));
+  finish();
+  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:moved"});
+}
+
+TEST_F(RequestWorkerTest, ClientIsStartedForAQueuedRequest) {
+  add("/1");
+  files.removeUrl();
+  resetServiceCaches(files.appDataDirectory(), "orvanevantrel.exe");
+  platform.onStart = [this](const std::string&) {
+    files.writeUrl(server.url() + "\nkey");
+    return 0;
+  };
+  worker->start();
+  ASSERT_TRUE(answers.waitForDestroyed(1));
+  finish();
+  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:{}"});
+  EXPECT_EQ(platform.starts().size(), 1U);
+}
+
+TEST_F(RequestWorkerTest, RequestWithoutACallbackIsPerformed) {
+  worker->start();
+  worker->addRequest(newVantrelRequest("GET", "/quiet", "", kFormatJson));
+  add("/2");
+  ASSERT_TRUE(answers.waitForDestroyed(1));
+  finish();
+  EXPECT_EQ(server.requests("/quiet").size(), 1U);
+}
+
+TEST_F(RequestWorkerTest, CallbackThatThrowsCostsOnlyItsOwnAnswer) {
+  worker->start();
+  add("/1", true);
+  add("/2");
+  ASSERT_TRUE(answers.waitForDestroyed(2));
+  finish();
+  EXPECT_EQ(answers.all(), (std::vector<std::string>{"/1:{}", "/2:{}"}));
+  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{"callback %s failed"});
+}
+
+TEST_F(RequestWorkerTest, StopDuringAnExchangeDropsItsReplyAndTheRest) {
+  server.always("/1", Script().hold().send(TestSupport::httpReply("late")));
+  worker->start();
+  add("/1");
+  add("/2");
+  add("/3");
+  ASSERT_TRUE(server.waitForRequests("/1", 1));
+  worker->stop();
+  server.release();
+  worker->join();
+  EXPECT_EQ(answers.destroyed(), 1);
+  worker.reset();
+  EXPECT_TRUE(answers.all().empty());
+  EXPECT_EQ(answers.destroyed(), 3);
+  EXPECT_TRUE(server.requests("/2").empty());
+  EXPECT_EQ(log.countContaining("~RequestWorker() ["), 1U);
+  EXPECT_EQ(log.countContaining("] - size=2"), 1U);
+}
+
+TEST_F(RequestWorkerTest, StopDuringALaunchStillTellsTheFailure) {
+  add("/1");
+  files.removeUrl();
+  resetServiceCaches(files.appDataDirectory(), "orvanevantrel.exe");
+  platform.onStart = [this](const std::string&) {
+    worker->stop();
+    return 2;
+  };
+  worker->start();
+  ASSERT_TRUE(answers.waitForDestroyed(1));
+  finish();
+  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:null"});
+}
+
+TEST_F(RequestWorkerTest, StopBeforeTheStartServesNothing) {
+  add("/1");
+  worker->stop();
+  worker->start();
+  worker->join();
+  EXPECT_TRUE(worker->done());
+  worker.reset();
+  EXPECT_TRUE(answers.all().empty());
+  EXPECT_EQ(answers.destroyed(), 1);
+}
+
+TEST_F(RequestWorkerTest, NeverStartedWorkerDestroysItsQueueUnheard) {
+  add("/1");
+  finish();
+  EXPECT_TRUE(answers.all().empty());
+  EXPECT_EQ(answers.destroyed(), 1);
+}
+
+TEST_F(RequestWorkerTest, LogTellsEachStepOfItsLife) {
+  worker->start();
+  worker->stop();
+  worker->join();
+  EXPECT_TRUE(worker->done());
+  EXPECT_FALSE(worker->hasThread());
+  worker->stop();
+  worker.reset();
+  EXPECT_EQ(log.countContaining("DBG RequestWorker() ["), 1U);
+  EXPECT_EQ(log.count("DBG RequestWorker::run()"), 1U);
+  EXPECT_EQ(log.count("DBG RequestWorker::run() - done"), 1U);
+  EXPECT_EQ(log.countContaining("DBG RequestWorker::stop() - done?="), 2U);
+  EXPECT_EQ(log.count("DBG RequestWorker::stop() - done?=1"), 1U);
+  EXPECT_EQ(log.countContaining("] - size=0"), 1U);
+}
+
+TEST_F(RequestWorkerTest, RequestsFromManyThreadsAreAllAnswered) {
+  worker->start();
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([this] {
+      for (int round = 0; round < 10; ++round) add("/many");
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  ASSERT_TRUE(answers.waitForDestroyed(40));
+  finish();
+  EXPECT_EQ(answers.all(), std::vector<std::string>(40, "/many:{}"));
+}
+
+TEST_F(RequestWorkerTest, ManyShortLivesEndCleanly) {
+  for (int round = 0; round < 50; ++round) {
+    RequestWorker shortLived;
+    shortLived.start();
+    shortLived.stop();
+    shortLived.join();
+    EXPECT_TRUE(shortLived.done());
+  }
+  finish();
+}
+
+}  // namespace
+}  // namespace Vantrel::Web

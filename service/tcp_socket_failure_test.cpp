@@ -1,0 +1,193 @@
+// The socket classes over a platform that fails as told.
+#include "service/tcp_socket.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "service/socket_platform.h"
+#include "tests/support/log_recorder.h"
+
+namespace Vantrel::Web {
+
+namespace {
+
+// What the platform does, and what was asked of it.
+struct Platform {
+  uint64_t created = 77;
+  SocketPlatform::Resolution resolution = SocketPlatform::Resolution::kFound;
+  std::string dotted = "1.2.3.4";
+  int goodFromResolve = 0;  // earlier look-ups give an empty text
+  int resolves = 0;
+  bool connects = true;
+  uint32_t connectedAddress = 0;
+  uint16_t connectedPort = 0;
+  int32_t code = 0;
+  int32_t count = 0;
+  int32_t closeCode = 0;
+  std::vector<uint64_t> closed;
+};
+
+Platform platform;
+
+}  // namespace
+
+namespace SocketPlatform {
+
+uint64_t createTcp() {
+  return platform.created;
+}
+
+bool connectTcp(uint64_t, uint32_t address, uint16_t port, int32_t* code) {
+  platform.connectedAddress = address;
+  platform.connectedPort = port;
+  *code = platform.code;
+  return platform.connects;
+}
+
+int32_t receive(uint64_t, char*, int32_t, int32_t* code) {
+  *code = platform.code;
+  return platform.count;
+}
+
+int32_t transmit(uint64_t, const char*, int32_t, int32_t* code) {
+  *code = platform.code;
+  return platform.count;
+}
+
+int32_t closeSocket(uint64_t* handle) {
+  platform.closed.push_back(*handle);
+  return platform.closeCode;
+}
+
+Resolution resolveIpv4(const std::string&, std::string* dotted) {
+  if (++platform.resolves < platform.goodFromResolve) return Resolution::kFailed;
+  if (platform.resolution == Resolution::kFound) *dotted = platform.dotted;
+  return platform.resolution;
+}
+
+uint32_t parseIpv4(const std::string& dotted) {
+  return dotted == "1.2.3.4" ? 0x04030201U : kInvalidAddress;
+}
+
+}  // namespace SocketPlatform
+
+namespace {
+
+using TestSupport::LogRecorder;
+
+constexpr char kUnresolved[] = "TcpSocket::connect() Couldn't resolve address for: host%s";
+constexpr char kLookUpFailed[] = "IpAddress::resolve() Unable to resolve IP address";
+constexpr char kNoIpv4[] = "IpAddress::resolve() Unable to resolve IP address (AF_INET not found)";
+
+std::string handleText(uint64_t handle) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%p", reinterpret_cast<void*>(static_cast<uintptr_t>(handle)));
+  return text;
+}
+
+class TcpSocketFailureTest : public testing::Test {
+ protected:
+  TcpSocketFailureTest() { platform = Platform(); }
+
+  LogRecorder log;
+};
+
+TEST_F(TcpSocketFailureTest, NoSocketIsOne) {
+  platform.created = SocketPlatform::kClosedSocket;
+  TcpSocket socket;
+  EXPECT_EQ(socket.connect("host", 80), 1);
+  EXPECT_EQ(log.text(), "ERR TcpSocket::create() Failed to create TCP socket\n");
+  EXPECT_EQ(platform.resolves, 0);
+}
+
+TEST_F(TcpSocketFailureTest, ResolvingHostIsLookedUpTwiceAndConnectedOnce) {
+  TcpSocket socket;
+  EXPECT_EQ(socket.connect("host", 8080), 0);
+  EXPECT_EQ(platform.resolves, 2);
+  EXPECT_EQ(platform.connectedAddress, 0x04030201U);
+  EXPECT_EQ(platform.connectedPort, 8080);
+  EXPECT_EQ(log.text(), "");
+}
+
+TEST_F(TcpSocketFailureTest, UnresolvableHostIsToldThreeTimesAndConnectedAllTheSame) {
+  platform.resolution = SocketPlatform::Resolution::kFailed;
+  platform.connects = false;
+  platform.code = 10049;
+  TcpSocket socket;
+  EXPECT_EQ(socket.connect("host%s", 80), 10049);
+  EXPECT_EQ(platform.resolves, 5);
+  EXPECT_EQ(platform.connectedAddress, SocketPlatform::kInvalidAddress);
+  const std::vector<std::string> lines = log.lines("ERR");
+  ASSERT_EQ(lines.size(), 9U) << log.text();
+  const std::vector<std::string> expected = {kLookUpFailed, kLookUpFailed, kUnresolved,
+                                             kLookUpFailed, kUnresolved,   kLookUpFailed,
+                                             kUnresolved,   kLookUpFailed};
+  EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.end() - 1), expected);
+  EXPECT_NE(lines.back().find(" error: (10049) Address: host%s IP:  inet_addr: -1"),
+            std::string::npos)
+      << lines.back();
+}
+
+TEST_F(TcpSocketFailureTest, HostThatResolvesAtALaterPassIsConnected) {
+  platform.goodFromResolve = 4;
+  TcpSocket socket;
+  EXPECT_EQ(socket.connect("host%s", 80), 0);
+  EXPECT_EQ(platform.resolves, 4);
+  EXPECT_EQ(log.count(std::string("ERR ") + kUnresolved), 2U);
+  EXPECT_EQ(platform.connectedAddress, 0x04030201U);
+}
+
+TEST_F(TcpSocketFailureTest, HostThatResolvesAtTheLastPassIsConnected) {
+  platform.goodFromResolve = 5;
+  TcpSocket socket;
+  EXPECT_EQ(socket.connect("host%s", 80), 0);
+  EXPECT_EQ(log.count(std::string("ERR ") + kUnresolved), 3U);
+  EXPECT_EQ(platform.connectedAddress, 0x04030201U);
+}
+
+TEST_F(TcpSocketFailureTest, HostWithoutIpv4IsToldAsSuch) {
+  platform.resolution = SocketPlatform::Resolution::kNoIpv4;
+  EXPECT_EQ(IpAddress::resolve("host"), "");
+  EXPECT_EQ(log.text(), std::string("ERR ") + kNoIpv4 + "\n");
+}
+
+TEST_F(TcpSocketFailureTest, FailedConnectLeavesTheSocketToTheDestructor) {
+  platform.connects = false;
+  platform.code = 5;
+  {
+    TcpSocket socket;
+    EXPECT_EQ(socket.connect("host", 80), 5);
+    EXPECT_TRUE(platform.closed.empty());
+  }
+  EXPECT_EQ(platform.closed, std::vector<uint64_t>{77});
+}
+
+TEST_F(TcpSocketFailureTest, ReceiveAndSendReportHandleAndCode) {
+  TcpSocket socket;
+  ASSERT_EQ(socket.connect("host", 80), 0);
+  platform.count = -1;
+  platform.code = 10054;
+  char buffer[1] = "";
+  EXPECT_EQ(socket.recv(buffer, 1), -1);
+  EXPECT_EQ(socket.send(buffer, 1), -1);
+  EXPECT_EQ(log.text(), "ERR Socket::recv() [" + handleText(77) + "] - recv failed (10054)\n" +
+                            "ERR Socket::send() [" + handleText(77) + "] - send failed (10054)\n");
+}
+
+TEST_F(TcpSocketFailureTest, FailedCloseIsReportedAndCountsAsClosed) {
+  platform.closeCode = 10038;
+  {
+    TcpSocket socket;
+    ASSERT_EQ(socket.connect("host", 80), 0);
+    socket.close();
+    socket.close();
+  }
+  EXPECT_EQ(log.text(), "ERR Error closing socket " + handleText(77) + " (10038)\n");
+  EXPECT_EQ(platform.closed.size(), 1U);
+}
+
+}  // namespace
+}  // namespace Vantrel::Web

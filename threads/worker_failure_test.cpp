@@ -1,0 +1,154 @@
+// A worker over a platform that fails as told: COM is replaced here, the linker sends the thread
+// calls here.
+#include "threads/worker.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <vector>
+
+#include "tests/support/log_recorder.h"
+#include "threads/system_exception.h"
+#include "threads/thread_com.h"
+
+namespace {
+
+struct Platform {
+  int32_t comResult = 0;
+  std::atomic<int> comEnds{0};
+  ov_rc spawnCode = 0;
+  ov_rc joinCode = 0;
+};
+
+Platform* platform = nullptr;
+
+}  // namespace
+
+extern "C" {
+
+ov_rc __real_ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument);
+ov_rc __wrap_ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument) {
+  if (platform->spawnCode != 0) return platform->spawnCode;
+  return __real_ov_thread_spawn(thread, function, argument);
+}
+
+ov_rc __real_ov_thread_join(ov_thread* thread);
+ov_rc __wrap_ov_thread_join(ov_thread* thread) {
+  if (platform->joinCode != 0) return platform->joinCode;
+  return __real_ov_thread_join(thread);
+}
+
+}  // extern "C"
+
+namespace Vantrel::Web {
+
+int32_t initializeThreadCom() {
+  return platform->comResult;
+}
+void uninitializeThreadCom() {
+  ++platform->comEnds;
+}
+
+namespace {
+
+class BriefWorker : public Worker {
+ public:
+  bool done() override { return finished && reportsDone; }
+  void run() override { finished = true; }
+  void stop() override {}
+
+  std::atomic<bool> finished{false};
+  bool reportsDone = true;
+};
+
+class WorkerFailureTest : public testing::Test {
+ protected:
+  WorkerFailureTest() { platform = &fake; }
+
+  Platform fake;
+  TestSupport::LogRecorder log;
+  BriefWorker worker;
+};
+
+TEST_F(WorkerFailureTest, FailingComIsReportedAndTheWorkRunsAllTheSame) {
+  fake.comResult = static_cast<int32_t>(0x80010106U);
+  worker.start();
+  worker.reportsDone = false;
+  worker.join();
+  EXPECT_TRUE(worker.finished);
+  EXPECT_EQ(fake.comEnds, 1);
+  EXPECT_EQ(log.lines("ERR"),
+            std::vector<std::string>{"Worker start_helper() - CoInitialize failed: 80010106"});
+}
+
+TEST_F(WorkerFailureTest, ComThatWasUpAlreadyIsNoFailure) {
+  fake.comResult = 1;
+  worker.start();
+  worker.join();
+  EXPECT_EQ(fake.comEnds, 1);
+  EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
+}
+
+TEST_F(WorkerFailureTest, FailedStartThrowsAndLogsNothing) {
+  fake.spawnCode = 8;
+  const std::string expected = describeSystemError("Failed to spawn thread: ", 8);
+  try {
+    worker.start();
+    FAIL();
+  } catch (const SystemException& error) {
+    EXPECT_EQ(error.what(), expected);
+  }
+  EXPECT_EQ(log.text(), "");
+  EXPECT_FALSE(worker.hasThread());
+}
+
+TEST_F(WorkerFailureTest, JoinAfterAFailedStartReportsAndThrows) {
+  fake.spawnCode = 8;
+  EXPECT_THROW(worker.start(), SystemException);
+  const std::string expected = describeSystemError("Failed to join thread: ", 6) + "0";
+  try {
+    worker.join();
+    FAIL();
+  } catch (const SystemException& error) {
+    EXPECT_EQ(error.what(), expected);
+  }
+  EXPECT_EQ(log.lines("ERR").back(), expected);
+  EXPECT_FALSE(worker.hasThread());
+  EXPECT_EQ(log.countContaining("DBG Worker::join() - started?=1 done?=0"), 1U);
+}
+
+TEST_F(WorkerFailureTest, FailedJoinReportsTheThreadsIdAndKeepsTheThread) {
+  worker.reportsDone = false;
+  worker.start();
+  fake.joinCode = 6;
+  try {
+    worker.join();
+    FAIL();
+  } catch (const SystemException& error) {
+    const std::string text = error.what();
+    const std::string start = describeSystemError("Failed to join thread: ", 6);
+    EXPECT_EQ(text.rfind(start, 0), 0U) << text;
+    EXPECT_GT(std::stoul(text.substr(start.size())), 0U);
+    EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{text});
+  }
+  EXPECT_TRUE(worker.hasThread());
+  fake.joinCode = 0;
+  worker.join();
+  EXPECT_FALSE(worker.hasThread());
+}
+
+TEST_F(WorkerFailureTest, FailedWaitForAFinishedWorkerIsSilent) {
+  worker.start();
+  while (!worker.done()) ov_thread_sleep(1);
+  fake.joinCode = 6;
+  worker.join();
+  EXPECT_TRUE(worker.hasThread());
+  EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
+  fake.joinCode = 0;
+  worker.join();
+  EXPECT_FALSE(worker.hasThread());
+}
+
+}  // namespace
+}  // namespace Vantrel::Web
