@@ -21,3 +21,6 @@ add_library(yajl STATIC
     ${yajl_source}/src/yajl_parser.c ${yajl_source}/src/yajl_tree.c ${yajl_source}/src/yajl_version.c)
 target_include_directories(yajl SYSTEM PUBLIC ${yajl_include})
 target_compile_options(yajl PRIVATE -w)
+set_source_files_properties(${yajl_source}/src/yajl_tree.c PROPERTIES
+    COMPILE_OPTIONS "-include;${PROJECT_SOURCE_DIR}/cmake/yajl_growth.h"
+    OBJECT_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/yajl_growth.h)

@@ -39,7 +39,8 @@ void RunnableScheduler::scheduleRunnable(OneShotManager* oneShotManager,
     const std::lock_guard<Mutex> lock(*schedulerMutex);
     pending.emplace(runnable.get(), oneShotManager);
   }
-  auto pair = std::make_unique<RunnablePair>(std::move(runnable), std::move(callback));
+  auto pair =
+      std::make_unique<RunnablePair>(RunnablePair{std::move(runnable), std::move(callback)});
   try {
     oneShotManager->scheduleAsyncCallback(handleRunnablePair, pair.get());
   } catch (...) {

@@ -1,0 +1,91 @@
+#include "core/approved_files.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <stdexcept>
+
+#include "tests/support/log_recorder.h"
+
+namespace Vantrel::Web {
+namespace {
+
+using TestSupport::LogRecorder;
+
+// The set is one for the process and never shrinks, so every case names files of its own.
+
+TEST(ApprovedFilesTest, BackslashesAndSlashesAreTheSamePath) {
+  addToApprovedFileList({"C:\\slashes\\me\\f.txt"});
+  EXPECT_TRUE(isFileAllowed("C:/slashes/me/f.txt"));
+  EXPECT_TRUE(isFileAllowed("C:\\slashes/me\\f.txt"));
+}
+
+TEST(ApprovedFilesTest, CaseIsKept) {
+  addToApprovedFileList({"C:/case/f.txt"});
+  EXPECT_FALSE(isFileAllowed("C:\\case\\F.TXT"));
+}
+
+TEST(ApprovedFilesTest, AFolderApprovesItsOwnPathOnly) {
+  addToApprovedFileList({"C:\\folder\\"});
+  EXPECT_TRUE(isFileAllowed("C:/folder"));
+  EXPECT_TRUE(isFileAllowed("C:/folder/"));
+  EXPECT_FALSE(isFileAllowed("C:/folder/f.txt"));
+  EXPECT_FALSE(isFileAllowed("C:/fold"));
+}
+
+TEST(ApprovedFilesTest, OneTrailingSlashIsDropped) {
+  addToApprovedFileList({"C:/two//"});
+  EXPECT_TRUE(isFileAllowed("C:/two//"));
+  EXPECT_FALSE(isFileAllowed("C:/two"));
+  EXPECT_FALSE(isFileAllowed("C:/two/"));  // asked as C:/two
+}
+
+TEST(ApprovedFilesTest, SegmentsAreNotResolved) {
+  addToApprovedFileList({"C:/dots/a.txt"});
+  EXPECT_FALSE(isFileAllowed("C:/dots/./a.txt"));
+  EXPECT_FALSE(isFileAllowed("C:/dots/b/../a.txt"));
+}
+
+TEST(ApprovedFilesTest, AnApprovedFileStaysApprovedWhenAddedAgain) {
+  addToApprovedFileList({"C:/twice", "C:/twice"});
+  EXPECT_TRUE(isFileAllowed("C:/twice"));
+}
+
+TEST(ApprovedFilesTest, BytesBehindANulCount) {
+  addToApprovedFileList({std::string("C:/nul\0a", 8)});
+  EXPECT_FALSE(isFileAllowed("C:/nul"));
+  EXPECT_TRUE(isFileAllowed(std::string("C:/nul\0a", 8)));
+}
+
+void expectOutOfRange(const std::function<void()>& call) {
+  try {
+    call();
+    FAIL() << "no exception";
+  } catch (const std::out_of_range& exception) {
+    EXPECT_STREQ(exception.what(), "invalid string position");
+  }
+}
+
+TEST(ApprovedFilesTest, AnEmptyPathIsOutOfRangeAndKeepsTheEntriesBeforeIt) {
+  LogRecorder log;
+  expectOutOfRange([] { addToApprovedFileList({"C:/before", "", "C:/behind"}); });
+  expectOutOfRange([] { isFileAllowed(""); });
+  EXPECT_EQ(log.countContaining("PlugIn::"), 1u);
+  EXPECT_TRUE(isFileAllowed("C:/before"));
+  EXPECT_FALSE(isFileAllowed("C:/behind"));
+}
+
+TEST(ApprovedFilesTest, LogsTheNormalFormOnAddingAndThePathAsGivenOnARefusal) {
+  LogRecorder log;
+  addToApprovedFileList({"C:\\logged %s\\"});
+  EXPECT_TRUE(
+      log.has("DBG PlugIn::addToApprovedFileList() - added path to allowed list "
+              "C:/logged %s"))
+      << log.text();
+  EXPECT_FALSE(isFileAllowed("C:\\other %n\\"));
+  EXPECT_TRUE(log.has("DBG PlugIn::isFileAllowed() - path is not allowed C:\\other %n\\"))
+      << log.text();
+}
+
+}  // namespace
+}  // namespace Vantrel::Web

@@ -1,0 +1,226 @@
+#include "core/request_check.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <vector>
+
+#include "core/approved_files.h"
+#include "core/error_reply.h"
+
+namespace Vantrel::Web {
+namespace {
+
+const std::string kUnauthorizedFile =
+    "The website attempted to upload an unauthorized file or folder: ";
+const std::string kUnauthorizedDirectory =
+    "The website attempted to transfer to an unauthorized directory: ";
+
+class RequestCheckTest : public testing::Test {
+ protected:
+  // The error reply for the body; empty when it may go.
+  std::string check(const std::string& body) {
+    std::string error = "left from before";
+    const HostnameCheck hostname = [this](const std::string& id) {
+      askedIds.push_back(id);
+      return id == "refused" ? jsonErrorReply("host") : std::string();
+    };
+    const bool passed = checkRequestBody(body, hostname, consent, error);
+    EXPECT_EQ(passed, error.empty()) << error;
+    return error;
+  }
+  static std::string specs(const std::string& first) {
+    return "{\"transfer_specs\":[" + first + "]}";
+  }
+  static std::string send(const std::string& rest) {
+    return specs("{\"transfer_spec\":{\"direction\":\"send\"" + rest + "}}");
+  }
+  static std::string receive(const std::string& destination, const std::string& absolute = "true") {
+    return specs("{\"orvane_vantrel_settings\":{\"use_absolute_destination_path\":" + absolute +
+                 "},\"transfer_spec\":{\"direction\":\"receive\",\"destination_root\":" +
+                 destination + "}}");
+  }
+
+  DestinationConsent consent;
+  std::vector<std::string> askedIds;
+};
+
+TEST_F(RequestCheckTest, ABodyThatIsNoJsonIsRefusedWithTheParsersText) {
+  const std::string error = check("no json");
+  EXPECT_EQ(error.find(R"({"error":{"code":-1,"internal_message":"Invalid request",)"
+                       R"("user_message":"Error parsing JSON: )"),
+            0u);
+  EXPECT_NE(error.find("lexical error"), std::string::npos) << error;
+  EXPECT_NE(check(""), "");
+}
+
+TEST_F(RequestCheckTest, OtherJsonPasses) {
+  for (const char* const body : {"{}", "[]", "1", "null", "\"text\"", R"({"any":"thing"})"}) {
+    EXPECT_EQ(check(body), "") << body;
+  }
+}
+
+TEST_F(RequestCheckTest, AnApplicationIdIsJudgedByTheHostname) {
+  EXPECT_EQ(check(R"({"orvane_vantrel_settings":{"app_id":"refused"}})"), jsonErrorReply("host"));
+  EXPECT_EQ(check(R"({"orvane_vantrel_settings":{"app_id":"good"}})"), "");
+  EXPECT_EQ(check(R"({"orvane_vantrel_settings":{"app_id":12.50}})"), "");
+  EXPECT_EQ(askedIds, (std::vector<std::string>{"refused", "good", "12.50"}));
+}
+
+TEST_F(RequestCheckTest, AnEmptyOrUnreadableApplicationIdIsNotJudged) {
+  for (const char* const id : {"\"\"", "null", "true", "[]", "{}"}) {
+    EXPECT_EQ(check(std::string(R"({"orvane_vantrel_settings":{"app_id":)") + id + "}}"), "");
+  }
+  EXPECT_TRUE(askedIds.empty());
+}
+
+TEST_F(RequestCheckTest, TheApplicationIdIsJudgedBeforeTheSpecifications) {
+  EXPECT_EQ(check(R"({"transfer_specs":[{"transfer_spec":{"direction":"send"}}],)"
+                  R"("orvane_vantrel_settings":{"app_id":"refused"}})"),
+            jsonErrorReply("host"));
+}
+
+TEST_F(RequestCheckTest, SpecificationsThatAreNoFilledArrayAreNotChecked) {
+  for (const char* const value :
+       {"{}", "[]", "null", "1", R"({"0":{"transfer_spec":{"direction":"send"}}})"}) {
+    EXPECT_EQ(check(std::string("{\"transfer_specs\":") + value + "}"), "") << value;
+  }
+}
+
+TEST_F(RequestCheckTest, AFirstSpecificationThatIsNoObjectPasses) {
+  for (const char* const value : {"null", "1", "\"send\"", "[]"}) {
+    EXPECT_EQ(check(specs(value)), "") << value;
+  }
+}
+
+TEST_F(RequestCheckTest, AnAbsoluteReceiveNeedsTheSelectedDestination) {
+  consent.setLastSelectedPath("C:\\Users\\me\\Downloads");
+  EXPECT_EQ(check(receive("\"C:/Users/me/Downloads\"")), "");
+  EXPECT_EQ(check(receive(R"("C:\\Users\\me\\Downloads\\sub")")), "");
+  EXPECT_EQ(check(receive("\"C:/Users/me\"")),
+            jsonErrorReply(kUnauthorizedDirectory + "C:/Users/me"));
+  EXPECT_EQ(check(receive(R"("E:\\x")")), jsonErrorReply(kUnauthorizedDirectory + "E:\\\\x"));
+}
+
+TEST_F(RequestCheckTest, ADestinationThatCannotBeReadIsRefused) {
+  consent.setLastSelectedPath("C:/d");
+  for (const char* const destination : {"null", "{}", "\"\""}) {
+    EXPECT_EQ(check(receive(destination)), jsonErrorReply(kUnauthorizedDirectory));
+  }
+}
+
+TEST_F(RequestCheckTest, OneSelectionServesAnyNumberOfRequests) {
+  consent.setLastSelectedPath("C:/d");
+  EXPECT_EQ(check(receive("\"C:/d\"")), "");
+  EXPECT_EQ(check(receive("\"C:/d\"")), "");
+}
+
+TEST_F(RequestCheckTest, AReceiveIsCheckedOnlyForTheLiteralTrue) {
+  for (const char* const value : {"\"true\"", "1", "false", "null", "[]"}) {
+    EXPECT_EQ(check(receive("\"E:/x\"", value)), "") << value;
+  }
+  EXPECT_EQ(check(specs(R"({"transfer_spec":{"direction":"receive","destination_root":"E:/x"}})")),
+            "");
+}
+
+TEST_F(RequestCheckTest, TheDirectionIsComparedExactly) {
+  for (const char* const direction : {"Send", "SEND", "send ", "", "both", "Receive"}) {
+    EXPECT_EQ(check(specs(std::string(R"({"orvane_vantrel_settings":)"
+                                      R"({"use_absolute_destination_path":true},)"
+                                      R"("transfer_spec":{"direction":")") +
+                          direction + "\"}}")),
+              "")
+        << direction;
+  }
+}
+
+TEST_F(RequestCheckTest, ASendNeedsAnArrayOfPaths) {
+  const std::string invalid = jsonErrorReply("Invalid argument: paths");
+  EXPECT_EQ(check(send("")), invalid);
+  for (const char* const paths : {"{}", "null", "\"a\"", "1"}) {
+    EXPECT_EQ(check(send(std::string(",\"paths\":") + paths)), invalid) << paths;
+  }
+  EXPECT_EQ(check(send(",\"paths\":[]")), "");
+}
+
+TEST_F(RequestCheckTest, APathThatIsNoObjectIsAnInvalidArgument) {
+  const std::string invalid = jsonErrorReply("Invalid argument: paths");
+  for (const char* const entry : {"null", "\"C:/x\"", "1", "[]", "true"}) {
+    EXPECT_EQ(check(send(std::string(",\"paths\":[{},") + entry + "]")), invalid) << entry;
+  }
+}
+
+TEST_F(RequestCheckTest, APathWithoutASourcePasses) {
+  EXPECT_EQ(check(send(R"(,"paths":[{},{"destination":"x","Source":"y"}])")), "");
+}
+
+TEST_F(RequestCheckTest, EverySourceMustBeApproved) {
+  addToApprovedFileList({"C:\\send\\a.txt", "C:\\send\\b.txt"});
+  EXPECT_EQ(check(send(R"(,"paths":[{"source":"C:/send/a.txt"},{"source":"C:\\send\\b.txt"}])")),
+            "");
+  EXPECT_EQ(check(send(R"(,"paths":[{"source":"C:/send/a.txt"},{"source":"C:\\send\\c.txt"},)"
+                       R"({"source":"C:/send/d.txt"}])")),
+            jsonErrorReply(kUnauthorizedFile + "C:/send/c.txt"));
+}
+
+TEST_F(RequestCheckTest, TheSourceRootIsJoinedInFrontOfEachSource) {
+  addToApprovedFileList({"C:/root/in/a.txt"});
+  EXPECT_EQ(check(send(R"(,"source_root":"C:\\root\\","paths":[{"source":"/in/a.txt"}])")), "");
+  EXPECT_EQ(check(send(R"(,"source_root":"C:/root","paths":[{"source":"C:/root/in/a.txt"}])")),
+            jsonErrorReply(kUnauthorizedFile + "C:/root/C:/root/in/a.txt"));
+}
+
+TEST_F(RequestCheckTest, EverySourceOfAnEntryIsAsked) {
+  addToApprovedFileList({"C:/dup/a"});
+  EXPECT_EQ(check(send(R"(,"paths":[{"source":"C:/dup/a","source":"C:/dup/b"}])")),
+            jsonErrorReply(kUnauthorizedFile + "C:/dup/b"));
+}
+
+TEST_F(RequestCheckTest, ANumberIsASourceByItsDigits) {
+  addToApprovedFileList({"C:/numbers/1.50"});
+  EXPECT_EQ(check(send(R"(,"source_root":"C:/numbers","paths":[{"source":1.50}])")), "");
+  EXPECT_EQ(check(send(R"(,"source_root":"C:/numbers","paths":[{"source":1.5}])")),
+            jsonErrorReply(kUnauthorizedFile + "C:/numbers/1.5"));
+}
+
+TEST_F(RequestCheckTest, AnUnreadableSourceIsRefusedThoughItsRootIsApproved) {
+  addToApprovedFileList({"C:/approved"});
+  for (const char* const source : {"null", "true", "{}", "[]"}) {
+    EXPECT_EQ(check(send(std::string(R"(,"source_root":"C:\\approved","paths":[{"source":)") +
+                         source + "}]")),
+              jsonErrorReply(kUnauthorizedFile + "C:/approved"))
+        << source;
+    EXPECT_EQ(check(send(std::string(",\"paths\":[{\"source\":") + source + "}]")),
+              jsonErrorReply(kUnauthorizedFile))
+        << source;
+  }
+}
+
+TEST_F(RequestCheckTest, AnEmptySourceMeansItsRoot) {
+  addToApprovedFileList({"C:/whole"});
+  EXPECT_EQ(check(send(R"(,"source_root":"C:/whole","paths":[{"source":""}])")), "");
+}
+
+TEST_F(RequestCheckTest, AnEmptySourceWithoutARootIsOutOfRange) {
+  EXPECT_THROW(check(send(R"(,"paths":[{"source":""}])")), std::out_of_range);
+}
+
+TEST_F(RequestCheckTest, OnlyTheFirstSpecificationIsChecked) {
+  EXPECT_EQ(check(R"({"transfer_specs":[{"transfer_spec":{"direction":"send","paths":[]}},)"
+                  R"({"transfer_spec":{"direction":"send","paths":[{"source":"C:/no"}]}}]})"),
+            "");
+}
+
+TEST_F(RequestCheckTest, ManyPathsAreCheckedOnce) {
+  std::vector<std::string> files;
+  std::string paths;
+  for (int i = 0; i < 100000; ++i) {
+    files.push_back("C:/many/" + std::string(70, 'x') + std::to_string(i));
+    paths += (i ? ",{\"source\":\"" : "{\"source\":\"") + files.back() + "\"}";
+  }
+  addToApprovedFileList(files);
+  EXPECT_EQ(check(send(",\"paths\":[" + paths + "]")), "");
+}
+
+}  // namespace
+}  // namespace Vantrel::Web

@@ -1,0 +1,125 @@
+#include "core/transfer.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "core/error_texts.h"
+#include "service/service_url.h"
+#include "tests/support/fake_platform.h"
+#include "tests/support/log_recorder.h"
+#include "tests/support/scripted_server.h"
+#include "tests/support/service_files.h"
+
+namespace Vantrel::Web {
+namespace {
+
+using TestSupport::Script;
+using TestSupport::ScriptedServer;
+
+constexpr char kOpen[] = "<xferreq xmlns=\"https://orvane.example/xml/xferreq/\">";
+
+std::string documentOf(const std::vector<std::string>& files, const std::string& destination) {
+  Transfer transfer;
+  transfer.setFiles(files);
+  transfer.setDestination(destination);
+  return transfer.document();
+}
+
+TEST(TransferTest, SourcesThenDestinationWithNothingInBetween) {
+  EXPECT_EQ(documentOf({"a", "b"}, "c"),
+            std::string(kOpen) + "<src>a</src><src>b</src><dest>c</dest></xferreq>");
+}
+
+TEST(TransferTest, EmptyPartsLeaveNoTrace) {
+  EXPECT_EQ(documentOf({}, "c"), std::string(kOpen) + "<dest>c</dest></xferreq>");
+  EXPECT_EQ(documentOf({"a"}, ""), std::string(kOpen) + "<src>a</src></xferreq>");
+  EXPECT_EQ(documentOf({"", "a", ""}, ""), std::string(kOpen) + "<src>a</src></xferreq>");
+  EXPECT_EQ(documentOf({}, ""), std::string(kOpen) + "</xferreq>");
+}
+
+TEST(TransferTest, MarkupIsEscapedAndQuotesAreNot) {
+  EXPECT_EQ(documentOf({"h://x?a=1&b=2", "<\"'>"}, "&"),
+            std::string(kOpen) +
+                "<src>h://x?a=1&amp;b=2</src><src>&lt;\"'&gt;</src><dest>&amp;</dest></xferreq>");
+}
+
+TEST(TransferTest, ParametersStandInTheClientsForm) {
+  class WithParameters : public Transfer {
+   public:
+    WithParameters() { parameters = {{"b", "<2>"}, {"a", "1"}}; }
+  };
+  EXPECT_EQ(WithParameters().document(),
+            std::string(kOpen) +
+                "<param name=\"a value=\"1\"><param name=\"b value=\"<2>\">"
+                "</xferreq>");
+}
+
+class TransferPostTest : public testing::Test {
+ protected:
+  TransferPostTest() {
+    files.writeUrl(server.url() + "\nkey");
+    transfer.setFiles({"a?1&2"});
+    transfer.setDestination("d");
+  }
+
+  const TestSupport::ServiceFiles files;
+  TestSupport::FakePlatform platform;
+  TestSupport::LogRecorder log;
+  ScriptedServer server;
+  Transfer transfer;
+};
+
+TEST_F(TransferPostTest, BytesOnTheWire) {
+  EXPECT_TRUE(transfer.post());
+  const std::string document = std::string(kOpen) + "<src>a?1&amp;2</src><dest>d</dest></xferreq>";
+  EXPECT_EQ(server.requests("/transfers/"),
+            std::vector<std::string>{"POST /transfers/ HTTP/1.1\r\n"
+                                     "Authorization-key: key\r\n"
+                                     "Connection: close\r\n"
+                                     "Content-Length: " +
+                                     std::to_string(document.size()) +
+                                     "\r\n"
+                                     "Content-Type: application/vnd.orvane.xferreq+xml\r\n"
+                                     "User-Agent: Orvane Vantrel\r\n"
+                                     "\r\n" +
+                                     document});
+}
+
+TEST_F(TransferPostTest, ErrorStatusIsSuccess) {
+  server.always("/transfers/", Script().send(TestSupport::httpReply("no", "500 Error")));
+  EXPECT_TRUE(transfer.post());
+  EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
+}
+
+TEST_F(TransferPostTest, ClientThatCannotBeStartedIsLoggedOnceAndNotConnectedTo) {
+  files.removeUrl();
+  EXPECT_FALSE(transfer.post());
+  EXPECT_EQ(log.count(std::string("ERR ") + kErrorContacting), 1U);
+  EXPECT_EQ(server.connections(), 0U);
+}
+
+TEST_F(TransferPostTest, CloseWithoutAReplyIsFalseAndLoggedOnce) {
+  server.always("/transfers/", Script());
+  EXPECT_FALSE(transfer.post());
+  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{kErrorContacting});
+}
+
+TEST_F(TransferPostTest, AddressThatGoesAwayAfterTheLaunchIsFalseAndReported) {
+  constexpr char kPing[] = "/v5/vantrel/info/ping";
+  server.always(kPing, Script().hold().send(TestSupport::httpReply("{}")));
+  std::thread remover([&] {
+    server.waitForRequests(kPing, 1);
+    files.removeUrl();
+    clearVantrelUrl();
+    server.release();
+  });
+  EXPECT_FALSE(transfer.post());
+  remover.join();
+  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{kErrorCreatingRequest});
+}
+
+}  // namespace
+}  // namespace Vantrel::Web
