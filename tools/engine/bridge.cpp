@@ -2,10 +2,11 @@
 
 namespace engine {
 
-void Bridge::attach(Side side, std::function<void()> wake) {
+void Bridge::attach(Side side, Closure wake, std::function<void(const Closure&)> guard) {
   const std::lock_guard lock(mutex);
   thread(side).id = std::this_thread::get_id();
   thread(side).wake = std::move(wake);
+  thread(side).guard = std::move(guard);
 }
 
 void Bridge::detach(Side side) {
@@ -29,14 +30,17 @@ bool Bridge::runNext(Thread& own, std::unique_lock<std::mutex>& lock) {
   Job* job = own.jobs.front();
   own.jobs.pop_front();
   lock.unlock();
-  job->run();
+  if (own.guard)
+    own.guard(job->run);
+  else
+    job->run();
   lock.lock();
   job->done = true;
   (&own == &plugin ? engine : plugin).changed.notify_all();
   return true;
 }
 
-void Bridge::runOn(Side to, std::function<void()> run) {
+void Bridge::runOn(Side to, Closure run) {
   Job job{std::move(run)};
   std::unique_lock lock(mutex);
   Thread& target = thread(to);

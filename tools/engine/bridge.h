@@ -22,7 +22,9 @@ class Bridge {
 
   // Makes the calling thread this side's thread. wake is called, on either thread, when a call
   // is queued while this side's thread is in its event loop; it must make the loop call serve().
-  void attach(Side side, std::function<void()> wake);
+  // Every closure is run by guard, if there is one.
+  using Closure = std::function<void()>;
+  void attach(Side side, Closure wake, std::function<void(const Closure&)> guard = nullptr);
 
   // Ends the serving of this side: calls to it return at once from now on, with a zero result.
   void detach(Side side);
@@ -45,12 +47,13 @@ class Bridge {
 
  private:
   struct Job {
-    std::function<void()> run;
+    Closure run;
     bool done = false;
   };
   struct Thread {
     std::thread::id id;
-    std::function<void()> wake;
+    Closure wake;
+    std::function<void(const Closure&)> guard;
     std::deque<Job*> jobs;
     std::condition_variable changed;
     bool blocked = false;  // asleep in a call of its own, so no event loop runs here
@@ -68,7 +71,7 @@ class Bridge {
     }
   }
 
-  void runOn(Side to, std::function<void()> run);
+  void runOn(Side to, Closure run);
   bool runNext(Thread& own, std::unique_lock<std::mutex>& lock);
   Thread& thread(Side side) { return side == Side::Plugin ? plugin : engine; }
   Thread& other(Side side) { return side == Side::Plugin ? engine : plugin; }

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,8 @@
 #include "plugin_functions.h"
 #include "plugin_module.h"
 #include "plugin_windows.h"
+#include "process_end.h"
 #include "stub_link.h"
-#include "time_limit.h"
 #include "x_display.h"
 
 namespace {
@@ -89,6 +90,7 @@ void reportRun() {
 }
 
 int run(const Options& options) {
+  catchExit();
   endProcessAfter(options.limitSeconds + graceSeconds);
   std::string problem;
   if (!prepareDisplay(problem)) return fail(problem);
@@ -105,12 +107,28 @@ int run(const Options& options) {
   return status;
 }
 
+// The arguments as they were given: Wine has turned those of main() into a code page that lacks
+// most characters. In the process's own they stand behind the program, the rest is Wine's.
+std::vector<std::string> unixArguments(size_t count) {
+  std::ifstream file("/proc/self/cmdline", std::ios::binary);
+  const auto next = [&file] {
+    std::string argument;
+    std::getline(file, argument, '\0');
+    return argument;
+  };
+  while (file && !next().ends_with(".exe.so")) {
+  }
+  std::vector<std::string> arguments(count);
+  for (std::string& argument : arguments) argument = next();
+  return arguments;
+}
+
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char**) {
   std::string problem;
   const std::optional<Options> options =
-      parseOptions(std::vector<std::string>(argv + 1, argv + argc), problem);
+      parseOptions(unixArguments(static_cast<size_t>(argc) - 1), problem);
   const int status = options ? run(*options) : fail(problem);
   std::fflush(nullptr);
   // No clean-up of static objects: the engine's would run on the wrong thread.

@@ -5,6 +5,7 @@
 #include "bridge.h"
 #include "engine_functions.h"
 #include "paint_event.h"
+#include "process_end.h"
 
 namespace engine {
 namespace {
@@ -84,6 +85,7 @@ void usePlugin(PluginModule& module, PluginWindows& windows) {
 }
 
 NPError startPlugin(const NPNetscapeFuncs* browser, NPPluginFuncs* plugin) {
+  catchExit();
   NPNetscapeFuncs* forPlugin = adoptEngineFunctions(browser, pluginWindows->topLevel());
   pluginTable = {};
   pluginTable.size = sizeof pluginTable;

@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include "bridge.h"
+#include "fault_guard.h"
 
 namespace engine {
 namespace {
@@ -47,6 +48,14 @@ DWORD WINAPI postServeMessages(void* window) {
   }
 }
 
+void pumpMessages() {
+  MSG message;
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+}
+
 LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
   if (message == serveMessage) {
     bridge().serve(Bridge::Side::Plugin);
@@ -70,7 +79,8 @@ bool PluginWindows::create() {
   top = window;
   // The children of a hidden window are never painted.
   ShowWindow(window, SW_SHOWNOACTIVATE);
-  bridge().attach(Bridge::Side::Plugin, [] { bell.ring(); });
+  bridge().attach(
+      Bridge::Side::Plugin, [] { bell.ring(); }, runGuarded);
   HANDLE thread = CreateThread(nullptr, 0, postServeMessages, window, 0, nullptr);
   if (!thread) return false;
   CloseHandle(thread);
@@ -126,11 +136,7 @@ PluginWindows::Picture PluginWindows::picture(NPP instance) {
 }
 
 void PluginWindows::run() {
-  MSG message;
-  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-    TranslateMessage(&message);
-    DispatchMessageW(&message);
-  }
+  runGuarded(pumpMessages);
 }
 
 void PluginWindows::quit() {

@@ -19,6 +19,7 @@ LONG instancesMade = 0;
 LONG instancesDestroyed = 0;
 LONG asyncDelivered = 0;
 constexpr UINT callMessage = 1151;
+constexpr UINT faultMessage = 1152;
 
 struct Instance {
   NPP npp;
@@ -147,6 +148,7 @@ void startWorker(LPTHREAD_START_ROUTINE function, void* argument) {
 }
 
 LRESULT CALLBACK messageProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+  if (message == faultMessage) RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
   if (message != callMessage) return DefWindowProcW(window, message, wparam, lparam);
   auto* call = reinterpret_cast<LaterCall*>(lparam);
   callFunction(call->npp, call->function, call->left);
@@ -272,6 +274,22 @@ const std::map<std::string, Answer> methods = {
        Sleep(INFINITE);
        return true;
      }},
+    {"fault",
+     [](Instance&, const NPVariant*, uint32_t, NPVariant*) {
+       RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
+       return true;
+     }},
+    {"faultInMessage",
+     [](Instance&, const NPVariant*, uint32_t, NPVariant*) {
+       PostMessageW(messageWindow(), faultMessage, 0, 0);
+       return true;
+     }},
+    {"throwException", [](Instance&, const NPVariant*, uint32_t, NPVariant*) -> bool { throw 5; }},
+    {"abort",
+     [](Instance&, const NPVariant*, uint32_t, NPVariant*) {
+       std::abort();
+       return true;
+     }},
     {"calls",
      [](Instance&, const NPVariant*, uint32_t, NPVariant* result) {
        setNumber(result, calls);
@@ -305,6 +323,13 @@ const std::map<std::string, Answer> methods = {
     {"tableState",
      [](Instance&, const NPVariant*, uint32_t, NPVariant* result) {
        setText(result, tableState());
+       return true;
+     }},
+    {"environment",
+     [](Instance&, const NPVariant* args, uint32_t, NPVariant* result) {
+       char value[256] = "";
+       GetEnvironmentVariableA(textOf(args[0]).c_str(), value, sizeof value);
+       setText(result, value);
        return true;
      }},
     {"parameter",

@@ -1,14 +1,24 @@
-#include "time_limit.h"
+#include "process_end.h"
 
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <thread>
 
 #include "options.h"
 
 namespace engine {
+namespace {
+
+void endByFault(int status, void*) {
+  std::fprintf(stderr, "orvane-browser: ended by a fault of the plug-in, status %d\n", status);
+  std::fflush(nullptr);
+  _exit(exitFault);
+}
+
+}  // namespace
 
 void endProcessAfter(double seconds) {
   std::thread([seconds] {
@@ -16,6 +26,10 @@ void endProcessAfter(double seconds) {
     std::fprintf(stderr, "orvane-browser: the plug-in or the page does not return; ended\n");
     _exit(exitTimeLimit);
   }).detach();
+}
+
+void catchExit() {
+  on_exit(endByFault, nullptr);
 }
 
 }  // namespace engine
