@@ -56,6 +56,11 @@ std::vector<QString> injectedScripts(const Options& options) {
   return scripts;
 }
 
+void printLine(const std::string& line) {
+  std::fprintf(stdout, "%s\n", line.c_str());
+  std::fflush(stdout);
+}
+
 class Driver {
  public:
   explicit Driver(const Options& wanted)
@@ -88,8 +93,7 @@ class Driver {
     std::string line = text;
     for (size_t at = 0; (at = line.find('\n', at)) != std::string::npos; at += 2)
       line.replace(at, 1, "\\n");
-    std::fprintf(stdout, "%s\n", line.c_str());
-    std::fflush(stdout);
+    printLine(line);
     if (startsWith(line, commandPrefix))
       later(0, [this, command = line.substr(sizeof commandPrefix - 1)] { obey(command); });
     else if (startsWith(line, options.failOn))
@@ -109,6 +113,8 @@ class Driver {
       page->reload();
     else if (word == "picture" && !rest.empty())
       savePicture(pictureBeside(rest));
+    else if (word == "pixel")
+      printPixel(rest);
     else
       std::fprintf(stderr, "orvane-browser: unknown command: %s\n", command.c_str());
   }
@@ -125,9 +131,19 @@ class Driver {
   }
 
   void savePicture(const QString& name) {
-    if (page->savePicture(name)) return;
+    if (page->picture().save(name, "PNG")) return;
     std::fprintf(stderr, "orvane-browser: cannot write %s\n", qPrintable(name));
     if (status == exitPassed) status = exitSetUp;
+  }
+
+  // place: two numbers with a blank between.
+  void printPixel(const std::string& place) {
+    int x = 0, y = 0;
+    const QImage image = page->picture();
+    if (std::sscanf(place.c_str(), "%d %d", &x, &y) != 2 || !image.valid(x, y)) return;
+    char line[64];
+    std::snprintf(line, sizeof line, "pixel %d %d %06x", x, y, image.pixel(x, y) & 0xffffffU);
+    printLine(line);
   }
 
   // The first reason to end decides.

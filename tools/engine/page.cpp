@@ -1,6 +1,5 @@
 #include "page.h"
 
-#include <QImage>
 #include <QPainter>
 #include <QWebElement>
 #include <QWebFrame>
@@ -63,13 +62,12 @@ bool Page::removeElement(const QString& selector) {
   return true;
 }
 
-bool Page::savePicture(const QString& fileName) {
+QImage Page::picture() {
   QImage image(view.size(), QImage::Format_RGB32);
   image.fill(Qt::white);
   QPainter painter(&image);
   view.page()->mainFrame()->render(&painter, QWebFrame::ContentsLayer);
-  painter.end();
-  return image.save(fileName, "PNG");
+  return image;
 }
 
 void Page::message(QWebPage::MessageSource source, QWebPage::MessageLevel level,

@@ -2,6 +2,7 @@
 // by the driver; engine's thread.
 #pragma once
 
+#include <QImage>
 #include <QSize>
 #include <QWebPage>
 #include <QWebView>
@@ -34,8 +35,8 @@ class Page {
   void reload();
   // Takes the first element that matches the selector out of the document.
   bool removeElement(const QString& selector);
-  // Writes the page as it looks now; false if the file cannot be written.
-  bool savePicture(const QString& fileName);
+  // The page as it looks now.
+  QImage picture();
 
  private:
   void message(QWebPage::MessageSource source, QWebPage::MessageLevel level, const QString& text,
