@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cctype>
-#include <cstdlib>
 #include <string>
 #include <vector>
+
+#include "tests/support/slow_reply_reader.h"
 
 namespace Vantrel::Web {
 namespace {
@@ -183,29 +183,6 @@ TEST(HttpReplyReaderTest, EmptyPieceChangesNothing) {
   EXPECT_EQ(reader.text(), "");
 }
 
-// The reading rules once more, as one search from the front after every piece.
-struct SlowReader {
-  std::string text;
-
-  bool feed(const std::string& piece) {
-    text += piece.c_str();
-    const size_t label = text.find("Content-Length:");
-    if (label == std::string::npos || text.find("\r\n", label) == std::string::npos) return false;
-    size_t at = label + 15;
-    while (text[at] == ' ' || text[at] == '\t') ++at;
-    const bool number =
-        std::isdigit(static_cast<unsigned char>(text[at])) || text[at] == '-' || text[at] == '+';
-    const long long length = number ? std::strtoll(text.c_str() + at, nullptr, 10) : 0;
-    if (length < 0) return false;
-    if (length == 0) return true;
-    const size_t headEnd = text.find("\r\n\r\n");
-    if (headEnd == std::string::npos) return false;
-    if (text.size() - headEnd - 4 < static_cast<size_t>(length)) return false;
-    text.resize(headEnd + 4 + static_cast<size_t>(length));
-    return true;
-  }
-};
-
 TEST(HttpReplyReaderTest, AgreesWithASearchFromTheFrontOnRandomReplies) {
   const std::vector<std::string> parts = {
       "Content-Length:", "Content-", "Length:", " ", "\t", "\r", "\n",  "\r\n",
@@ -217,7 +194,7 @@ TEST(HttpReplyReaderTest, AgreesWithASearchFromTheFrontOnRandomReplies) {
   };
   for (int round = 0; round < 200000; ++round) {
     HttpReplyReader reader;
-    SlowReader slow;
+    TestSupport::SlowReplyReader slow;
     for (size_t pieces = 1 + next(6); pieces > 0; --pieces) {
       std::string piece;
       for (size_t count = next(5); count > 0; --count) piece += parts[next(parts.size())];
