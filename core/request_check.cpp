@@ -36,7 +36,7 @@ std::string checkSource(const std::string& sourceRoot, yajl_val source) {
 }
 
 std::string checkUpload(const JsonDocument& document, yajl_val spec) {
-  const std::string invalidPaths = jsonErrorReply(std::string(kErrorInvalidArgument) + ": paths");
+  std::string invalidPaths = jsonErrorReply(std::string(kErrorInvalidArgument) + ": paths");
   const std::string sourceRoot = document.getString(kSourceRoot, spec);
   const yajl_val paths = document.get(kPaths, spec);
   if (!YAJL_IS_ARRAY(paths)) return invalidPaths;

@@ -1,0 +1,255 @@
+// Answers and events on their way to page functions.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "browsers/gecko/async_call.h"
+#include "browsers/gecko/dialog_callback.h"
+#include "browsers/gecko/fake_browser.h"
+#include "browsers/gecko/page_calls.h"
+#include "browsers/gecko/request_callback.h"
+#include "browsers/gecko/transfer_event_handler.h"
+#include "core/approved_files.h"
+#include "core/error_reply.h"
+#include "core/error_texts.h"
+#include "service/http_response.h"
+#include "tests/support/log_recorder.h"
+
+namespace Vantrel::Web {
+namespace {
+
+using Calls = std::vector<std::vector<std::string>>;
+
+class CallbacksTest : public testing::Test {
+ protected:
+  ~CallbacksTest() override { freeUndeliveredCalls(); }
+
+  TestSupport::LogRecorder log;
+  FakeBrowser browser;
+};
+
+TEST_F(CallbacksTest, EventsHaveFixedNames) {
+  EXPECT_STREQ(pageEventName(PageEvent::kDrop), "drop");
+  EXPECT_STREQ(pageEventName(PageEvent::kDropEx), "dropex");
+  EXPECT_STREQ(pageEventName(PageEvent::kTransfer), "transfer");
+  EXPECT_STREQ(pageEventName(PageEvent::kDragLeave), "dragleave");
+  EXPECT_STREQ(pageEventName(PageEvent::kDragOver), "dragover");
+}
+
+TEST_F(CallbacksTest, AnEventCallsItsTargetWithNameAndPayload) {
+  NPObject* const target = browser.newObject();
+  sendEvent(&browser.instance, target, PageEvent::kTransfer, "{\"a\":1}");
+  sendEvent(&browser.instance, target, PageEvent::kDragOver, "");
+  sendEvent(&browser.instance, nullptr, PageEvent::kDrop, "[]");
+  EXPECT_EQ(browser.invocations, (Calls{{"transfer", "{\"a\":1}"}, {"dragover", ""}}));
+}
+
+TEST_F(CallbacksTest, OnlyAResultThatIsNoStringIsReleased) {
+  NPObject* const target = browser.newObject();
+  browser.onInvokeDefault = [this](NPObject*, const std::vector<std::string>&) {
+    return browser.text("kept");
+  };
+  callPage(&browser.instance, target, "x");
+  EXPECT_EQ(browser.releasedVariants, 0);
+  browser.onInvokeDefault = [](NPObject*, const std::vector<std::string>&) {
+    return FakeBrowser::number(1);
+  };
+  callPage(&browser.instance, target, "x");
+  EXPECT_EQ(browser.releasedVariants, 1);
+  browser.invokeResult = false;
+  callPage(&browser.instance, target, "x");
+  EXPECT_EQ(browser.releasedVariants, 1);
+}
+
+TEST_F(CallbacksTest, AnAnswerReachesThePageFunctionOnce) {
+  NPObject* const function = browser.newObject();
+  {
+    RequestCallback callback(&browser.instance, function);
+    EXPECT_EQ(function->referenceCount, 1u);
+    HttpResponse response;
+    response.body_ = "{\"ok\":\"%s\"}";
+    callback.handleCallback(&response);
+    callback.returnMessage("a second answer is none");
+  }
+  EXPECT_TRUE(browser.invocations.empty());
+  EXPECT_EQ(browser.runAsyncCalls(), 1);
+  EXPECT_EQ(browser.invocations, Calls{{"{\"ok\":\"%s\"}"}});
+  EXPECT_EQ(function->referenceCount, 0u);
+  EXPECT_TRUE(log.has("DBG RequestCallback::returnMessage() - response={\"ok\":\"%s\"}"));
+  EXPECT_TRUE(log.has("DBG callbackBrowser - msg={\"ok\":\"%s\"}")) << log.text();
+}
+
+TEST_F(CallbacksTest, NoResponseIsTheContactError) {
+  RequestCallback callback(&browser.instance, browser.newObject());
+  callback.handleCallback(nullptr);
+  browser.runAsyncCalls();
+  EXPECT_EQ(browser.invocations, Calls{{jsonErrorReply(kErrorContacting)}});
+}
+
+TEST_F(CallbacksTest, AnAnswerFromAWorkerTouchesNoReferenceThere) {
+  NPObject* const function = browser.newObject();
+  auto callback = std::make_unique<RequestCallback>(&browser.instance, function);
+  std::thread([&callback] {
+    callback->handleCallback(nullptr);
+    callback.reset();
+  }).join();
+  EXPECT_EQ(function->referenceCount, 1u);
+  EXPECT_EQ(browser.runAsyncCalls(), 1);
+  EXPECT_EQ(function->referenceCount, 0u);
+}
+
+TEST_F(CallbacksTest, ARequestDroppedWithoutAnAnswerKeepsItsReference) {
+  NPObject* const function = browser.newObject();
+  RequestCallback(&browser.instance, function);
+  EXPECT_EQ(function->referenceCount, 1u);
+  browser.expectReferencesLeft(1);
+}
+
+TEST_F(CallbacksTest, WhatTheBrowserNeverRunsIsFreedAtTheEndOfTheModule) {
+  RequestCallback callback(&browser.instance, browser.newObject());
+  callback.handleCallback(nullptr);
+  browser.dropAsyncCalls();
+  freeUndeliveredCalls();
+  browser.expectReferencesLeft(1);
+}
+
+TEST_F(CallbacksTest, ACallThatTheBrowserRunsTooLateDoesNothing) {
+  RequestCallback callback(&browser.instance, browser.newObject());
+  callback.handleCallback(nullptr);
+  freeUndeliveredCalls();
+  EXPECT_EQ(browser.runAsyncCalls(), 1);
+  EXPECT_TRUE(browser.invocations.empty());
+  browser.expectReferencesLeft(1);
+}
+
+TEST_F(CallbacksTest, TransferEventsWithoutATargetAreDropped) {
+  TransferEventHandler handler(&browser.instance, nullptr);
+  handler.transferEventOccurred("{}");
+  EXPECT_EQ(browser.waitingCalls(), 0u);
+  EXPECT_EQ(log.countContaining("DBG TransferEventHandler() ["), 1u) << log.text();
+}
+
+TEST_F(CallbacksTest, ATransferEventGoesToTheTargetOfItsDelivery) {
+  NPObject* const first = browser.newObject();
+  NPObject* const second = browser.newObject();
+  const RetainedObject held(second);
+  std::vector<NPObject*> called;
+  browser.onInvokeDefault = [&called](NPObject* function, const std::vector<std::string>&) {
+    called.push_back(function);
+    return NPVariant{NPVariantType_Void, {}};
+  };
+  TransferEventHandler handler(&browser.instance, nullptr);
+  handler.setTarget(first);
+  handler.transferEventOccurred("{\"n\":1}");
+  handler.setTarget(second);
+  EXPECT_EQ(browser.runAsyncCalls(), 1);
+  EXPECT_EQ(called, std::vector<NPObject*>{second});
+  EXPECT_EQ(browser.invocations, (Calls{{"transfer", "{\"n\":1}"}}));
+}
+
+TEST_F(CallbacksTest, AnEventDeliveredAfterItsHandlerIsGoneReachesNobody) {
+  NPObject* const target = browser.newObject();
+  auto handler = std::make_unique<TransferEventHandler>(&browser.instance, target);
+  handler->transferEventOccurred("{}");
+  handler.reset();
+  EXPECT_EQ(browser.runAsyncCalls(), 1);
+  EXPECT_TRUE(browser.invocations.empty());
+  EXPECT_EQ(log.countContaining("DBG ~TransferEventHandler() ["), 1u) << log.text();
+}
+
+TEST_F(CallbacksTest, AKeptTargetLivesUntilAnotherOrTheEnd) {
+  NPObject* const target = browser.newObject();
+  NPObject* const other = browser.newObject();
+  TransferEventHandler handler(&browser.instance, target);
+  handler.keepTarget(other);  // not the target
+  EXPECT_EQ(other->referenceCount, 0u);
+  handler.keepTarget(target);
+  handler.keepTarget(target);
+  EXPECT_EQ(target->referenceCount, 1u);
+  handler.transferEventOccurred("{}");
+  EXPECT_EQ(browser.runAsyncCalls(), 1);
+  EXPECT_EQ(browser.invocations.size(), 1u);
+  handler.setTarget(other);
+  EXPECT_EQ(target->referenceCount, 0u);
+  handler.keepTarget(other);
+  EXPECT_EQ(other->referenceCount, 1u);  // released by the destructor, or the case fails
+}
+
+TEST_F(CallbacksTest, ThePageMayEndTheHandlerInsideItsEvent) {
+  auto handler = std::make_unique<TransferEventHandler>(&browser.instance, nullptr);
+  NPObject* const target = browser.newObject();
+  handler->setTarget(target);
+  browser.onInvokeDefault = [&handler](NPObject*, const std::vector<std::string>&) {
+    handler.reset();
+    return NPVariant{NPVariantType_Void, {}};
+  };
+  handler->transferEventOccurred("{}");
+  EXPECT_EQ(browser.runAsyncCalls(), 1);
+  EXPECT_FALSE(handler);
+}
+
+// A dialog that has run.
+class FinishedDialog : public FileDialog {
+ public:
+  FinishedDialog(int32_t code, std::string reply, std::vector<std::string> paths)
+      : outcome(code), text(std::move(reply)), chosen(std::move(paths)) {}
+  bool stopped() const override { return false; }
+  int32_t result() const override { return outcome; }
+  std::string resultText() const override { return text; }
+  void run() override {}
+  void stop() override {}
+  const std::vector<std::string>& chosenPaths() const override { return chosen; }
+
+ private:
+  int32_t outcome;
+  std::string text;
+  std::vector<std::string> chosen;
+};
+
+class DialogCallbackTest : public CallbacksTest {
+ protected:
+  void finish(DialogKind kind, NPObject* function, int32_t result,
+              const std::vector<std::string>& chosen) {
+    FinishedDialog dialog(result, "[reply %s]", chosen);
+    DialogCallback callback(&browser.instance, function, kind);
+    callback.handleCallback(static_cast<Runnable*>(&dialog));
+  }
+};
+
+TEST_F(DialogCallbackTest, ChosenFilesAreApprovedAndTheReplyReachesThePageAtOnce) {
+  finish(DialogKind::kOpenFile, browser.newObject(), 4, {"C:\\dialog\\file"});
+  EXPECT_TRUE(isFileAllowed("C:/dialog/file"));
+  EXPECT_EQ(browser.invocations, Calls{{"[reply %s]"}});
+  EXPECT_TRUE(log.has("DBG DialogCallback::handleCallback() - result=4 resultStr=[reply %s]"))
+      << log.text();
+}
+
+TEST_F(DialogCallbackTest, ACancelledDialogStillCallsThePage) {
+  finish(DialogKind::kSaveFile, browser.newObject(), 4, {});
+  EXPECT_EQ(browser.invocations, Calls{{"[reply %s]"}});
+}
+
+TEST_F(DialogCallbackTest, AResultOfZeroIsTheEndOfIt) {
+  finish(DialogKind::kOpenFile, browser.newObject(), 0, {"C:/dialog/zero"});
+  EXPECT_FALSE(isFileAllowed("C:/dialog/zero"));
+  EXPECT_TRUE(browser.invocations.empty());
+}
+
+TEST_F(DialogCallbackTest, WithoutAPageObjectTheChoiceIsRecordedAndNothingCalled) {
+  finish(DialogKind::kOpenFile, nullptr, 4, {"C:/dialog/no page"});
+  EXPECT_TRUE(isFileAllowed("C:/dialog/no page"));
+  EXPECT_TRUE(browser.invocations.empty());
+}
+
+TEST_F(DialogCallbackTest, ASavePathIsNotApprovedAsAFile) {
+  finish(DialogKind::kSaveFile, browser.newObject(), 4, {"C:/dialog/saved"});
+  EXPECT_FALSE(isFileAllowed("C:/dialog/saved"));
+}
+
+TEST_F(DialogCallbackTest, AFolderIsApprovedThoughItsInstanceIsGone) {
+  finish(DialogKind::kOpenFolder, browser.newObject(), 4, {"C:/dialog/folder"});
+  EXPECT_TRUE(isFileAllowed("C:/dialog/folder"));
+}
+
+}  // namespace
+}  // namespace Vantrel::Web

@@ -1,0 +1,147 @@
+#include "browsers/gecko/variant.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "browsers/gecko/fake_browser.h"
+
+namespace Vantrel::Web {
+namespace {
+
+class VariantTest : public testing::Test {
+ protected:
+  // What the browser gets of a text; it owns the characters.
+  std::string roundTrip(const std::string& text) {
+    NPVariant variant;
+    stringToVariant(text, &variant);
+    EXPECT_EQ(variant.type, NPVariantType_String);
+    const NPString string = variant.value.stringValue;
+    std::string result(string.UTF8Characters, string.UTF8Length);
+    EXPECT_EQ(string.UTF8Characters[string.UTF8Length], '\0');
+    browserFuncs.memfree(const_cast<char*>(string.UTF8Characters));
+    return result;
+  }
+
+  FakeBrowser browser;
+};
+
+TEST_F(VariantTest, BooleansAndTheTwoWordsAreBooleanLike) {
+  EXPECT_TRUE(isBooleanLike(FakeBrowser::boolean(false)));
+  EXPECT_TRUE(isBooleanLike(browser.text("true")));
+  EXPECT_TRUE(isBooleanLike(browser.text("false")));
+  EXPECT_TRUE(isBooleanLike(browser.text(std::string("true\0x", 6))));
+  for (const char* const text : {"", "True", "truex", "tru", "1"}) {
+    EXPECT_FALSE(isBooleanLike(browser.text(text))) << text;
+  }
+  EXPECT_FALSE(isBooleanLike(FakeBrowser::number(1)));
+  EXPECT_FALSE(isBooleanLike(FakeBrowser::number(1.0)));
+  EXPECT_FALSE(isBooleanLike(browser.object()));
+  EXPECT_FALSE(isBooleanLike({NPVariantType_Void, {}}));
+  EXPECT_FALSE(isBooleanLike({NPVariantType_Null, {}}));
+}
+
+TEST_F(VariantTest, AWordInsideALargerBufferIsReadByItsLength) {
+  NPVariant variant = browser.text("trueish");
+  variant.value.stringValue.UTF8Length = 4;
+  EXPECT_TRUE(isBooleanLike(variant));
+  EXPECT_TRUE(toBool(variant));
+}
+
+TEST_F(VariantTest, OnlyTrueIsTrue) {
+  EXPECT_TRUE(toBool(FakeBrowser::boolean(true)));
+  EXPECT_FALSE(toBool(FakeBrowser::boolean(false)));
+  EXPECT_TRUE(toBool(browser.text("true")));
+  EXPECT_FALSE(toBool(browser.text("false")));
+  EXPECT_FALSE(toBool(browser.text("TRUE")));
+  EXPECT_FALSE(toBool(FakeBrowser::number(1)));
+}
+
+TEST_F(VariantTest, TextEndsAtItsFirstNulUnlessItsLengthCounts) {
+  const NPVariant variant = browser.text(std::string("ab\0cd", 5));
+  EXPECT_EQ(textOf(variant), "ab");
+  EXPECT_EQ(countedTextOf(variant), std::string("ab\0cd", 5));
+  EXPECT_EQ(textOf(browser.text("")), "");
+  EXPECT_EQ(countedTextOf(FakeBrowser::number(5)), "");
+}
+
+TEST_F(VariantTest, NullCharactersReadAsEmptyWhateverTheirLength) {
+  NPVariant variant = {NPVariantType_String, {}};
+  variant.value.stringValue = {nullptr, 5};
+  EXPECT_EQ(textOf(variant), "");
+  EXPECT_EQ(countedTextOf(variant), "");
+  EXPECT_FALSE(isBooleanLike(variant));
+}
+
+TEST_F(VariantTest, NumbersGiveTheirLow32BitsTruncatedTowardZero) {
+  const struct {
+    double number;
+    uint32_t low;
+  } kRows[] = {
+      {0.0, 0},
+      {1.9, 1},
+      {-1.9, 0xFFFFFFFFu},
+      {-0.5, 0},
+      {4294967295.0, 0xFFFFFFFFu},
+      {4294967296.0, 0},
+      {4294967297.5, 1},
+      {9007199254740991.0, 0xFFFFFFFFu},
+      {-9223372036854775808.0, 0},
+      {9223372036854775808.0, 0},
+      {1e300, 0},
+      {std::numeric_limits<double>::infinity(), 0},
+      {-std::numeric_limits<double>::infinity(), 0},
+      {std::numeric_limits<double>::quiet_NaN(), 0},
+  };
+  for (const auto& row : kRows) {
+    EXPECT_EQ(low32Of(FakeBrowser::number(row.number)), row.low) << row.number;
+  }
+  EXPECT_EQ(low32Of(FakeBrowser::number(-1)), 0xFFFFFFFFu);
+  EXPECT_EQ(low32Of(FakeBrowser::number(7)), 7u);
+}
+
+TEST_F(VariantTest, OnlyIntegersAndDoublesAreNumbers) {
+  EXPECT_TRUE(isNumber(FakeBrowser::number(1)));
+  EXPECT_TRUE(isNumber(FakeBrowser::number(1.5)));
+  EXPECT_FALSE(isNumber(browser.text("1")));
+  EXPECT_FALSE(isNumber(FakeBrowser::boolean(true)));
+}
+
+TEST_F(VariantTest, TextForTheBrowserIsACopyWithAClosingNul) {
+  EXPECT_EQ(roundTrip("text"), "text");
+  EXPECT_EQ(roundTrip(""), "");
+  EXPECT_EQ(roundTrip(std::string("a\0b", 3)), std::string("a\0b", 3));
+}
+
+TEST_F(VariantTest, ANullTextHasNullCharacters) {
+  NPVariant variant;
+  stringToVariant(nullptr, &variant);
+  EXPECT_EQ(variant.type, NPVariantType_String);
+  EXPECT_EQ(variant.value.stringValue.UTF8Characters, nullptr);
+  EXPECT_EQ(variant.value.stringValue.UTF8Length, 0u);
+}
+
+TEST_F(VariantTest, WithoutMemoryTheTextIsEmpty) {
+  browser.outOfMemory = true;
+  NPVariant variant;
+  stringToVariant(std::string("text"), &variant);
+  EXPECT_EQ(variant.type, NPVariantType_String);
+  EXPECT_EQ(variant.value.stringValue.UTF8Characters, nullptr);
+  EXPECT_EQ(variant.value.stringValue.UTF8Length, 0u);
+}
+
+TEST_F(VariantTest, ArgumentsAreCheckedByCountThenType) {
+  using enum Argument;
+  const NPVariant args[] = {browser.text("a"), browser.object(), browser.text("")};
+  EXPECT_TRUE(argumentsAre({kNonEmptyText, kObject, kText}, args, 3));
+  EXPECT_FALSE(argumentsAre({kNonEmptyText, kObject}, args, 3));
+  EXPECT_FALSE(argumentsAre({kNonEmptyText, kObject, kText, kText}, args, 3));
+  EXPECT_FALSE(argumentsAre({kNonEmptyText, kObject, kNonEmptyText}, args, 3));
+  EXPECT_FALSE(argumentsAre({kObject, kObject, kText}, args, 3));
+  EXPECT_TRUE(argumentsBegin({kText}, args, 3));
+  EXPECT_FALSE(argumentsBegin({kText}, args, 0));
+  EXPECT_TRUE(argumentsAre({}, nullptr, 0));
+}
+
+}  // namespace
+}  // namespace Vantrel::Web

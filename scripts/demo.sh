@@ -1,0 +1,42 @@
+#!/bin/sh
+# The demo itself, in the browser's Wine session: installs the stand-in client, runs the page with no
+# client running, and looks whether everything was so.
+# usage: tools/engine/with-display BUILD scripts/demo.sh BUILD
+set -eu
+build=$(cd "$1" && pwd)
+repository=$(cd "$(dirname "$0")/.." && pwd)
+demo=$repository/build/demo
+fail() { echo "demo: $1" >&2; exit 1; }
+windows() { "$repository/scripts/wine-run.sh" "$build" "$@"; }
+
+rm -rf "$demo"
+# A folder with a blank in its name, as real installations have one.
+client="$demo/Orvane Vantrel"
+mkdir -p "$client/bin" "$demo/remote" "$demo/downloads"
+cp "$build/tools/client/orvanevantrel.exe" "$client/bin/"
+printf 'remote_root=%s\ndownload_root=%s\n' "$demo/remote" "$demo/downloads" |
+  sed 's|=/|=Z:/|' >"$client/bin/orvanevantrel.conf"
+head -c 3145728 /dev/urandom >"$demo/remote/demo.bin"
+windows reg add 'HKCU\SOFTWARE\Orvane\Orvane Vantrel\v2' /v InstallDir \
+  /d "Z:$(printf %s "$client/" | tr / '\\')" /f >/dev/null
+
+# What a client of an earlier run left behind: the session that it ran in has ended.
+data="$build/wine-engine/prefix/drive_c/users/$(id -un)/AppData/Local/Orvane/Orvane Vantrel"
+rm -rf "$data/var"
+
+echo "the page says:"
+{
+  "$repository/tools/engine/orvane-browser" --build "$build" \
+    --page "$repository/examples/receive.html" \
+    --base-url 'http://demo.orvane.test/receive.html?source=/demo.bin&start=1' \
+    --until 'transfer completed' --fail-on 'error: ' --limit 60 --picture "$demo/finished.png" ||
+    echo "$?" >"$demo/status"
+} | sed 's/^/  /'
+[ ! -f "$demo/status" ] || fail "the page did not finish (browser's exit status $(cat "$demo/status"))"
+log=$(ls "$data/var/log/"*.log 2>/dev/null | head -n 1)
+[ -n "$log" ] || fail "the plug-in wrote no log"
+grep -q 'Launching Orvane Vantrel' "$log" || fail "the plug-in did not start the client"
+cmp "$demo/remote/demo.bin" "$demo/downloads/demo.bin" || fail "the file did not arrive whole"
+[ -s "$demo/finished.png" ] || fail "there is no picture"
+echo "the client was started by the plug-in; the file arrived byte for byte"
+echo "picture of the finished page: build/demo/finished.png"

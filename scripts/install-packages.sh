@@ -1,0 +1,18 @@
+#!/bin/sh
+# Installs the packages of packages.txt that are missing. Needs root or sudo only if any are.
+set -eu
+list=$(dirname "$0")/packages.txt
+missing=
+for package in $(sed 's/#.*//' "$list"); do
+  status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) || status=
+  [ "$status" = installed ] || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+as_root=
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null || { echo "neither root nor sudo; missing:$missing" >&2; exit 1; }
+  as_root=sudo
+fi
+$as_root apt-get update
+# shellcheck disable=SC2086 # one word each
+$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $missing
