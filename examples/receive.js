@@ -42,7 +42,7 @@
     show("error", text);
     show("status", "Failed");
     element("card").className = "failed";
-    element("receive").disabled = false;
+    element("receive").disabled = !order.appId;  // nothing works without a session
     print("error: " + text);
   }
 
