@@ -8,6 +8,7 @@ namespace Vantrel::StandIn {
 namespace {
 
 constexpr int kAcceptWaitMs = 20;
+constexpr int kReceiveStepMs = 50;
 constexpr int kReceiveBytes = 16384;
 
 }  // namespace
@@ -25,7 +26,6 @@ HttpServer::~HttpServer() {
     stopped_ = true;
   }
   changed_.notify_all();
-  for (Connection& connection : connections_) connection.socket.interrupt();
   reap(true);
 }
 
@@ -111,7 +111,7 @@ bool HttpServer::readRequest(Connection& connection, RequestReader& reader) {
   std::array<char, kReceiveBytes> buffer{};
   auto state = RequestReader::State::reading;
   while (state == RequestReader::State::reading) {
-    int received = connection.socket.receive(buffer.data(), kReceiveBytes);
+    int received = receive(connection, buffer);
     if (received <= 0) return false;
     std::string_view bytes(buffer.data(), static_cast<size_t>(received));
     connection.record.add(bytes);
@@ -136,9 +136,18 @@ void HttpServer::waitForPeer(Connection& connection) {
   std::array<char, kReceiveBytes> buffer{};
   int received = 1;
   while (received > 0) {
-    received = connection.socket.receive(buffer.data(), kReceiveBytes);
+    received = receive(connection, buffer);
     if (received > 0) connection.record.add({buffer.data(), static_cast<size_t>(received)});
   }
+}
+
+// As a socket's receive; the end of the server counts as the peer's end.
+int HttpServer::receive(const Connection& connection, std::span<char> buffer) {
+  while (sleepUnlessStopped(0)) {
+    if (!connection.socket.readableWithin(kReceiveStepMs)) continue;
+    return connection.socket.receive(buffer.data(), static_cast<int>(buffer.size()));
+  }
+  return 0;
 }
 
 // False when the server stopped meanwhile.

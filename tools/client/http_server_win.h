@@ -10,6 +10,7 @@
 #include <functional>
 #include <list>
 #include <mutex>
+#include <span>
 #include <string>
 #include <thread>
 
@@ -53,6 +54,7 @@ class HttpServer {
   bool readRequest(Connection& connection, RequestReader& reader);
   void carryOut(Connection& connection, const ReplyPlan& plan);
   void waitForPeer(Connection& connection);
+  int receive(const Connection& connection, std::span<char> buffer);
   bool sleepUnlessStopped(std::int64_t milliseconds);
 
   const Knobs& knobs_;

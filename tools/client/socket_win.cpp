@@ -2,13 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <stdexcept>
 #include <string>
 
 namespace Vantrel::StandIn {
 namespace {
 
-constexpr int kFinishWaitMs = 2000;
+constexpr std::chrono::seconds kFinishWait{2};
+constexpr int kFinishStepMs = 100;
 constexpr size_t kMostPerSend = 1 << 20;
 
 [[noreturn]] void fail(const char* what) {
@@ -49,12 +51,22 @@ bool Socket::sendAll(std::string_view bytes) const {
   return true;
 }
 
+bool Socket::readableWithin(int milliseconds) const {
+  fd_set set;
+  set.fd_count = 1;
+  set.fd_array[0] = handle_;
+  timeval wait{milliseconds / 1000, (milliseconds % 1000) * 1000};
+  return select(0, &set, nullptr, nullptr, &wait) > 0;
+}
+
 void Socket::finish() const {
   shutdown(handle_, SD_SEND);
-  DWORD wait = kFinishWaitMs;
-  setsockopt(handle_, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&wait), sizeof wait);
+  auto deadline = std::chrono::steady_clock::now() + kFinishWait;
   std::array<char, 4096> dropped{};
-  while (receive(dropped.data(), static_cast<int>(dropped.size())) > 0) continue;
+  while (std::chrono::steady_clock::now() < deadline) {
+    if (!readableWithin(kFinishStepMs)) continue;
+    if (receive(dropped.data(), static_cast<int>(dropped.size())) <= 0) return;
+  }
 }
 
 Socket listenOn(std::uint16_t port) {
@@ -77,11 +89,7 @@ std::uint16_t portOf(const Socket& listener) {
 }
 
 Socket acceptWithin(const Socket& listener, int milliseconds) {
-  fd_set set;
-  set.fd_count = 1;
-  set.fd_array[0] = listener.handle();
-  timeval wait{milliseconds / 1000, (milliseconds % 1000) * 1000};
-  if (select(0, &set, nullptr, nullptr, &wait) <= 0) return {};
+  if (!listener.readableWithin(milliseconds)) return {};
   Socket connection(accept(listener.handle(), nullptr, nullptr));
   // The pieces of a split reply must not be joined again on their way.
   BOOL atOnce = TRUE;

@@ -18,7 +18,8 @@ class WinsockSession {
   WinsockSession& operator=(const WinsockSession&) = delete;
 };
 
-// Owns one socket; its own thread uses it, and any thread may call interrupt.
+// Owns one socket; used by one thread at a time. A blocked receive cannot be ended from another
+// thread everywhere, so a thread that must be able to stop waits in short steps instead.
 class Socket {
  public:
   Socket() = default;
@@ -30,8 +31,8 @@ class Socket {
   SOCKET handle() const { return handle_; }
   bool open() const { return handle_ != INVALID_SOCKET; }
 
-  // Ends a receive that another thread is blocked in.
-  void interrupt() const { shutdown(handle_, SD_BOTH); }
+  // Whether data, an end or a connection is there within that time.
+  bool readableWithin(int milliseconds) const;
 
   // False when the peer is gone.
   bool sendAll(std::string_view bytes) const;
