@@ -145,7 +145,8 @@ TEST_F(CopierTest, TheEndOfTheCopierEndsALongPause) {
   {
     Copier copier(knobs_, book_);
     copier.enqueue(uuid, made);
-    while (record(uuid).bytesWritten == 0) std::this_thread::yield();
+    while (record(uuid).bytesWritten == 0)
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
     EXPECT_TRUE(copier.busy());
   }
   EXPECT_EQ(record(uuid).status, TransferStatus::running);
@@ -161,7 +162,7 @@ TEST_F(CopierTest, TransfersAreDoneInTheirOrder) {
     uuids.push_back(book_.add(made, "r"));
     copier.enqueue(uuids.back(), made);
   }
-  while (copier.busy()) std::this_thread::yield();
+  while (copier.busy()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   auto records = book_.changedSince(0, "").transfers;
   ASSERT_EQ(records.size(), 5U);
   for (size_t i = 0; i < records.size(); ++i) {

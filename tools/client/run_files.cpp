@@ -12,8 +12,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* kUriFile = "http.uri";
 constexpr const char* kPidFile = "process.pid";
-constexpr int kRenameTries = 100;
-constexpr std::chrono::milliseconds kRenamePause{20};
+constexpr int kRenameTries = 1000;
+constexpr std::chrono::milliseconds kRenamePause{5};
 
 }  // namespace
 
