@@ -32,10 +32,11 @@ uint16_t portIn(const std::string& uriText) {
   return static_cast<uint16_t>(std::strtoul(uriText.c_str() + colon + 1, nullptr, 10));
 }
 
+// With a blank in its name, as real installations have one.
 fs::path freshFolder() {
   static std::atomic<unsigned> count = 0;
   return fs::temp_directory_path() /
-         ("ov-client-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count));
+         ("ov client-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count));
 }
 
 }  // namespace

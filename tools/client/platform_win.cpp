@@ -5,6 +5,7 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <stdexcept>
@@ -39,10 +40,25 @@ std::filesystem::path ownProgram() {
   return path;
 }
 
+namespace {
+
+// The command line, the program's name as one word. The plug-in starts the client by its bare path,
+// without quotes, so that blanks in it would make arguments of its parts.
+std::wstring commandLineOfWords() {
+  std::wstring line = GetCommandLineW();
+  std::wstring path = ownProgram().wstring();
+  std::wstring start = line.substr(0, path.size());
+  std::replace(start.begin(), start.end(), L'/', L'\\');
+  if (_wcsicmp(start.c_str(), path.c_str()) != 0) return line;
+  return L"orvanevantrel" + line.substr(path.size());
+}
+
+}  // namespace
+
 std::vector<std::string> commandLineArguments() {
   int count = 0;
   std::unique_ptr<LPWSTR, decltype(&LocalFree)> arguments(
-      CommandLineToArgvW(GetCommandLineW(), &count), &LocalFree);
+      CommandLineToArgvW(commandLineOfWords().c_str(), &count), &LocalFree);
   std::vector<std::string> texts;
   for (int i = 1; arguments && i < count; ++i) {
     std::u8string text = std::filesystem::path(arguments.get()[i]).u8string();
