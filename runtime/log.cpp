@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "runtime/log_file.h"
+#include "runtime/log_line.h"
 #include "runtime/log_lock.h"
 #include "runtime/ov_errors.h"
 #include "runtime/saved_error.h"
@@ -16,6 +18,9 @@ namespace ov {
 std::atomic<int32_t> log_state = log_state_none;
 
 namespace {
+
+// Numbers of MiB from here on do not set the size.
+constexpr int32_t megabytes_end = 4096;
 
 using Sink = void (*)(const char*);
 std::atomic<Sink> log_sink = nullptr;
@@ -45,6 +50,16 @@ OV_PRINTF(2, 0) ov_rc send_to_sink(int32_t level, const char* format, va_list ar
   return 0;
 }
 
+// Composed before the lock is taken, which then covers the fold, the stamp, the write and a
+// rotation.
+OV_PRINTF(2, 0) void write_to_file(int32_t level, const char* format, va_list arguments) {
+  LogLine line;
+  if (!line.compose(level, format, arguments)) return;
+  const LogLock lock;
+  // The log may have been closed meanwhile; then no file is open.
+  log_file.write(line, level, lock.nested());
+}
+
 }  // namespace
 
 const char* log_level_name(int32_t level) {
@@ -56,9 +71,16 @@ const char* log_level_name(int32_t level) {
 
 ov_rc ov_log_vmsg(int32_t level, const char* format, va_list arguments) {
   if (!ov::level_passes(level)) return 0;
-  if (ov::log_state.load() != ov::log_state_sink) return OV_EINVAL;
   const ov::SavedError keep;
-  return ov::send_to_sink(level, format, arguments);
+  switch (ov::log_state.load()) {
+    case ov::log_state_file:
+      ov::write_to_file(level, format, arguments);
+      return 0;
+    case ov::log_state_sink:
+      return ov::send_to_sink(level, format, arguments);
+    default:
+      return OV_EINVAL;
+  }
 }
 
 ov_rc ov_log_msg(int32_t level, const char* format, ...) {
@@ -106,11 +128,39 @@ ov_rc ov_log_init_function(void (*sink)(const char*)) {
   return 0;
 }
 
+ov_rc ov_log_init(int32_t mode, const char* path) {
+  const ov::SavedError keep;
+  const ov::LogLock lock;
+  if (ov::log_state.load() != ov::log_state_none) return 0;
+  if (mode == ov::log_state_sink) return OV_EINVAL;
+  // The state holds whatever becomes of the path, so that a later call changes nothing.
+  ov::log_state.store(ov::log_state_file);
+  return ov::log_file.open(path);
+}
+
+void ov_log_flush(void) {
+  const ov::SavedError keep;
+  const ov::LogLock lock;
+  if (ov::log_state.load() == ov::log_state_file) ov::log_file.flush();
+}
+
 void ov_log_cleanup(void) {
   const ov::SavedError keep;
   const ov::LogLock lock;
+  ov::log_file.close();
   ov::log_sink.store(nullptr);
   ov::log_state.store(ov::log_state_none);
+}
+
+void ov_log_set_echo(int32_t level) {
+  ov::log_file.set_echo_level(level);
+}
+
+void ov_log_set_logfile_size(int32_t megabytes) {
+  if (megabytes >= ov::megabytes_end) return;
+  // Shifted in 32 bits, so that from 2048 on, and below 0, the limit lies beyond any file.
+  const uint32_t shifted = static_cast<uint32_t>(megabytes) << 20;
+  ov::log_file.set_max_size(static_cast<uint64_t>(int64_t{static_cast<int32_t>(shifted)}));
 }
 
 void ov_log_set(int32_t enabled) {

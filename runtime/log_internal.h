@@ -9,7 +9,7 @@
 
 namespace ov {
 
-// How the log is set up; the numbers are those that ov_log_init takes as its mode.
+// How the log is set up. The sink's number is refused as a mode by ov_log_init.
 constexpr int32_t log_state_none = 0;
 constexpr int32_t log_state_file = 2;
 constexpr int32_t log_state_sink = 3;
@@ -17,7 +17,7 @@ constexpr int32_t log_state_sink = 3;
 // Written under the log's lock.
 extern std::atomic<int32_t> log_state;
 
-// Room for a composed message, its terminator included.
+// Room for a message to a sink, its terminator included.
 constexpr size_t log_message_room = 4096;
 // Bound of the level name and its blank, and of the text behind them in a sink's message.
 constexpr size_t log_level_bound = 5;

@@ -2,9 +2,12 @@
 
 #include <windows.h>
 
+#include <io.h>
+
 namespace ov {
 namespace {
 SRWLOCK log_lock = SRWLOCK_INIT;
+constexpr int standard_error = 2;
 }  // namespace
 
 uint32_t process_id() {
@@ -13,6 +16,18 @@ uint32_t process_id() {
 
 uint32_t thread_id() {
   return GetCurrentThreadId();
+}
+
+void write_standard_error(std::string_view text) {
+  _write(standard_error, text.data(), static_cast<unsigned>(text.size()));
+}
+
+ov_rc open_file_size(void* file, uint64_t* size) {
+  LARGE_INTEGER value = {};
+  // A failure for which the system has no number counts as an empty file.
+  if (!GetFileSizeEx(file, &value)) return static_cast<ov_rc>(GetLastError());
+  *size = static_cast<uint64_t>(value.QuadPart);
+  return 0;
 }
 
 void acquire_log_lock() {

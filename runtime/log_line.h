@@ -1,0 +1,61 @@
+// One line of the log: its composed text with room for the stamp in front, and the folding of lines
+// that repeat. Plain values without a lock of their own.
+#pragma once
+
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+#include <ctime>
+#include <string_view>
+
+#include "runtime/ov_log.h"
+
+namespace ov {
+
+// Room for the stamp, and for the text with its line end and a terminator.
+constexpr size_t log_header_room = 256;
+constexpr size_t log_text_room = 4096;
+// Bound of the text behind the level's name, and the length to which both together are cut.
+constexpr size_t log_text_bound = 4090;
+constexpr size_t log_text_limit = 4093;
+
+class LogLine {
+ public:
+  // Composes level, blank and text; false when the text cannot be formatted.
+  bool compose(int32_t level, const char* format, va_list arguments) OV_PRINTF(3, 0);
+
+  // The composed text, without and with the line end.
+  std::string_view text() const { return {start(), length_}; }
+  std::string_view text_and_end() const { return {start(), length_ + 2}; }
+  // Puts the stamp directly in front of the text, so that the whole line leaves in one write; false
+  // when it cannot be formatted. With `repeats` it opens with the note of that many repeats.
+  bool stamp(int32_t repeats, const std::tm& time, uint32_t process, uint32_t thread);
+  // Stamp, text and line end.
+  std::string_view whole() const {
+    return {start() - header_length_, header_length_ + length_ + 2};
+  }
+
+ private:
+  const char* start() const { return room_ + log_header_room; }
+
+  char room_[log_header_room + log_text_room];
+  size_t header_length_ = 0;
+  size_t length_ = 0;
+};
+
+// Remembers the last text; it outlives a log that is closed and opened again.
+class LogFold {
+ public:
+  // Whether `text` repeats the last one, and then counts it.
+  bool repeats(std::string_view text);
+  // The number of repeats since the last different text, and its end.
+  int32_t count() const { return count_; }
+  void clear_count() { count_ = 0; }
+
+ private:
+  char last_[log_text_room] = {};
+  size_t length_ = 0;
+  int32_t count_ = 0;
+};
+
+}  // namespace ov
