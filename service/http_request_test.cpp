@@ -193,13 +193,13 @@ TEST_F(HttpRequestTest, CloseWithoutAReplyIsNull) {
 }
 
 TEST_F(HttpRequestTest, ResetWhileWaitingIsReportedAndNull) {
-  EXPECT_FALSE(exchange(Script().pause(200).reset()));
+  EXPECT_FALSE(exchange(Script().pause(500).reset()));
   EXPECT_EQ(log.countContaining("] - recv failed ("), 1U) << log.text();
   EXPECT_EQ(log.count("ERR HttpRequest::invoke() - socket.recv() returned -1"), 1U);
 }
 
 TEST_F(HttpRequestTest, ResetBehindAUsableReplyKeepsIt) {
-  const auto response = exchange(Script().send("HTTP/1.1 200 OK\r\n\r\nbody").pause(200).reset());
+  const auto response = exchange(Script().send("HTTP/1.1 200 OK\r\n\r\nbody").pause(500).reset());
   ASSERT_TRUE(response);
   EXPECT_EQ(response->body(), "body");
 }

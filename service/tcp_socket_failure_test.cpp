@@ -1,12 +1,15 @@
-// The socket classes over a platform that fails as told.
+// The socket classes and the exchange above them over a platform that fails as told.
 #include "service/tcp_socket.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <new>
 #include <string>
 #include <vector>
 
+#include "service/http_request.h"
 #include "service/socket_platform.h"
 #include "tests/support/log_recorder.h"
 
@@ -26,6 +29,10 @@ struct Platform {
   uint16_t connectedPort = 0;
   int32_t code = 0;
   int32_t count = 0;
+  int32_t sendLimit = 0;  // bytes taken by one call, if not 0
+  bool memoryEnds = false;
+  std::string reply;
+  std::string sent;
   int32_t closeCode = 0;
   std::vector<uint64_t> closed;
 };
@@ -47,14 +54,22 @@ bool connectTcp(uint64_t, uint32_t address, uint16_t port, int32_t* code) {
   return platform.connects;
 }
 
-int32_t receive(uint64_t, char*, int32_t, int32_t* code) {
+int32_t receive(uint64_t, char* buffer, int32_t size, int32_t* code) {
+  if (platform.memoryEnds) throw std::bad_alloc();
   *code = platform.code;
-  return platform.count;
+  if (platform.reply.empty()) return platform.count;
+  const size_t count = std::min(platform.reply.size(), static_cast<size_t>(size));
+  platform.reply.copy(buffer, count);
+  platform.reply.erase(0, count);
+  return static_cast<int32_t>(count);
 }
 
-int32_t transmit(uint64_t, const char*, int32_t, int32_t* code) {
+int32_t transmit(uint64_t, const char* buffer, int32_t size, int32_t* code) {
   *code = platform.code;
-  return platform.count;
+  if (platform.sendLimit == 0) return platform.count;
+  const int32_t count = std::min(platform.sendLimit, size);
+  platform.sent.append(buffer, static_cast<size_t>(count));
+  return count;
 }
 
 int32_t closeSocket(uint64_t* handle) {
@@ -186,6 +201,53 @@ TEST_F(TcpSocketFailureTest, FailedCloseIsReportedAndCountsAsClosed) {
     socket.close();
   }
   EXPECT_EQ(log.text(), "ERR Error closing socket " + handleText(77) + " (10038)\n");
+  EXPECT_EQ(platform.closed.size(), 1U);
+}
+
+class ExchangeFailureTest : public TcpSocketFailureTest {
+ protected:
+  ExchangeFailureTest() {
+    platform.sendLimit = 3;
+    platform.reply = "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nbody";
+    request.setBody("text");
+  }
+
+  HttpRequest request{"host", 80};
+};
+
+TEST_F(ExchangeFailureTest, RequestTakenInSmallPartsGoesOutWhole) {
+  const auto response = request.invoke();
+  ASSERT_TRUE(response);
+  EXPECT_EQ(response->body(), "body");
+  EXPECT_EQ(platform.sent,
+            "GET  HTTP/1.1\r\nConnection: close\r\nContent-Length: 4\r\n"
+            "User-Agent: Orvane Vantrel\r\n\r\ntext");
+  EXPECT_EQ(platform.closed.size(), 1U);
+}
+
+TEST_F(ExchangeFailureTest, SendThatTakesNothingEndsTheExchange) {
+  platform.sendLimit = 0;
+  EXPECT_FALSE(request.invoke());
+  EXPECT_EQ(platform.closed.size(), 1U);
+}
+
+TEST_F(ExchangeFailureTest, FailedReceiveKeepsAWholeReply) {
+  platform.reply = "HTTP/1.1 200 OK\r\n\r\nbody";
+  platform.count = -1;
+  platform.code = 10054;
+  const auto response = request.invoke();
+  ASSERT_TRUE(response);
+  EXPECT_EQ(response->body(), "body");
+  EXPECT_EQ(log.lines("ERR"), (std::vector<std::string>{
+                                  "Socket::recv() [" + handleText(77) + "] - recv failed (10054)",
+                                  "HttpRequest::invoke() - socket.recv() returned -1"}));
+}
+
+TEST_F(ExchangeFailureTest, EndOfMemoryIsAFailedExchange) {
+  platform.memoryEnds = true;
+  EXPECT_FALSE(request.invoke());
+  EXPECT_EQ(log.lines("ERR").size(), 1U);
+  EXPECT_EQ(log.countContaining("ERR HttpRequest::invoke() - "), 1U);
   EXPECT_EQ(platform.closed.size(), 1U);
 }
 

@@ -54,7 +54,7 @@ TEST_F(TcpSocketTest, ResetWhileReceivingIsAFailure) {
   TestSocket peer = listener.accept();
   // The reset must come while the call waits; one that is there before may read as an orderly end.
   std::thread reset([&peer] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
     peer.reset();
   });
   char buffer[8];
