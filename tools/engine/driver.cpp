@@ -14,6 +14,7 @@
 #include <stdexcept>
 
 #include "bridge.h"
+#include "console_output.h"
 #include "engine_start.h"
 #include "local_site.h"
 #include "page.h"
@@ -56,11 +57,6 @@ std::vector<QString> injectedScripts(const Options& options) {
   return scripts;
 }
 
-void printLine(const std::string& line) {
-  std::fprintf(stdout, "%s\n", line.c_str());
-  std::fflush(stdout);
-}
-
 class Driver {
  public:
   explicit Driver(const Options& wanted)
@@ -89,11 +85,8 @@ class Driver {
     QTimer::singleShot(ms, &timers, function);
   }
 
-  void consoleLine(const std::string& text) {
-    std::string line = text;
-    for (size_t at = 0; (at = line.find('\n', at)) != std::string::npos; at += 2)
-      line.replace(at, 1, "\\n");
-    printLine(line);
+  void consoleLine(const std::string& line) {
+    printConsoleLine(line);
     if (startsWith(line, commandPrefix))
       later(0, [this, command = line.substr(sizeof commandPrefix - 1)] { obey(command); });
     else if (startsWith(line, options.failOn))
@@ -143,7 +136,7 @@ class Driver {
     if (std::sscanf(place.c_str(), "%d %d", &x, &y) != 2 || !image.valid(x, y)) return;
     char line[64];
     std::snprintf(line, sizeof line, "pixel %d %d %06x", x, y, image.pixel(x, y) & 0xffffffU);
-    printLine(line);
+    printConsoleLine(line);
   }
 
   // The first reason to end decides.

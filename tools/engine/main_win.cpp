@@ -10,6 +10,7 @@
 
 #include "async_calls.h"
 #include "bridge.h"
+#include "console_output.h"
 #include "driver.h"
 #include "engine_functions.h"
 #include "options.h"
@@ -90,6 +91,7 @@ void reportRun() {
 }
 
 int run(const Options& options) {
+  usePageConsole(options.consoleDescriptor);
   catchExit();
   endProcessAfter(options.limitSeconds + graceSeconds);
   std::string problem;

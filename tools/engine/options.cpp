@@ -55,6 +55,10 @@ bool setOption(Options& options, const std::string& name, const std::string& val
     options.inject.push_back(value);
     return true;
   }
+  if (name == "--console-descriptor") {
+    options.consoleDescriptor = number(value).value_or(-1);
+    return options.consoleDescriptor >= 0;
+  }
   if (name == "--limit") return readSeconds(value, options.limitSeconds);
   if (name == "--size") return readSize(value, options);
   return false;

@@ -24,6 +24,7 @@ struct Options {
   std::string failOn;   // console line that ends the run as failed; empty: none
   std::string picture;  // PNG to write when the page is finished; empty: none
   std::vector<std::string> inject;  // scripts to run before those of the page
+  int consoleDescriptor = 1;        // where console lines go
   double limitSeconds = 60;
   int width = 1024;
   int height = 768;

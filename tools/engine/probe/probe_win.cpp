@@ -332,6 +332,21 @@ const std::map<std::string, Answer> methods = {
        setText(result, value);
        return true;
      }},
+    {"start",
+     [](Instance&, const NPVariant* args, uint32_t, NPVariant* result) {
+       STARTUPINFOA startup{};
+       startup.cb = sizeof startup;
+       PROCESS_INFORMATION process{};
+       std::string command = textOf(args[0]);
+       const BOOL started = CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0,
+                                           nullptr, nullptr, &startup, &process);
+       if (started) {
+         CloseHandle(process.hThread);
+         CloseHandle(process.hProcess);
+       }
+       setText(result, started ? "started" : "not started");
+       return true;
+     }},
     {"parameter",
      [](Instance& instance, const NPVariant* args, uint32_t, NPVariant* result) {
        setText(result, instance.parameters[textOf(args[0])]);
