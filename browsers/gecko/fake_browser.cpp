@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 namespace Vantrel::Web {
 
@@ -45,6 +47,53 @@ FakeBrowser::FakeBrowser() {
     if (current->onInvokeDefault) *result = current->onInvokeDefault(function, values);
     return current->invokeResult;
   };
+  browserFuncs.invoke = [](NPP npp, NPObject* object, NPIdentifier name, const NPVariant* args,
+                           uint32_t count, NPVariant* result) {
+    EXPECT_EQ(npp, &current->instance);
+    EXPECT_EQ(count, 1u);
+    const NPString& string = args[0].value.stringValue;
+    const std::vector<std::string> values = {*static_cast<const std::string*>(name),
+                                             {string.UTF8Characters, string.UTF8Length}};
+    current->invocations.push_back(values);
+    if (current->onInvokeDefault) *result = current->onInvokeDefault(object, values);
+    return current->invokeResult;
+  };
+  browserFuncs.hasmethod = [](NPP, NPObject* object, NPIdentifier name) {
+    const std::vector<std::string>& known = current->methods[object];
+    return std::count(known.begin(), known.end(), *static_cast<const std::string*>(name)) != 0;
+  };
+  browserFuncs.getstringidentifier = [](const char* name) { return current->identifier(name); };
+  browserFuncs.identifierisstring = [](NPIdentifier name) { return name != nullptr; };
+  browserFuncs.utf8fromidentifier = [](NPIdentifier name) -> char* {
+    const std::string& text = *static_cast<const std::string*>(name);
+    const auto size = static_cast<uint32_t>(text.size() + 1);
+    auto* const copy = static_cast<char*>(browserFuncs.memalloc(size));
+    if (copy) std::memcpy(copy, text.c_str(), size);
+    return copy;
+  };
+  browserFuncs.createobject = [](NPP npp, NPClass* objectClass) {
+    current->created = objectClass->allocate(npp, objectClass);
+    current->created->_class = objectClass;
+    current->created->referenceCount = 1;
+    return current->created;
+  };
+  browserFuncs.uagent = [](NPP) { return current->userAgent; };
+  browserFuncs.getvalue = [](NPP, NPNVariable, void* value) {
+    if (!current->hasWindow) return NPERR_GENERIC_ERROR;
+    *static_cast<NPObject**>(value) = current->newObject();
+    return NPERR_NO_ERROR;
+  };
+  browserFuncs.getproperty = [](NPP, NPObject*, NPIdentifier name, NPVariant* result) {
+    const std::string& text = *static_cast<const std::string*>(name);
+    const NPVariant& value = text == "location" ? current->location : current->hostname;
+    if (value.type == NPVariantType_Void) return false;
+    *result = value;
+    return true;
+  };
+  browserFuncs.geturlnotify = [](NPP, const char* url, const char*, void*) {
+    current->requestedUrls.emplace_back(url);
+    return current->urlResult;
+  };
   browserFuncs.pluginthreadasynccall = [](NPP npp, NPAsyncCallFunction function, void* argument) {
     EXPECT_EQ(npp, &current->instance);
     current->asyncCalls.emplace_back(function, argument);
@@ -62,6 +111,16 @@ FakeBrowser::~FakeBrowser() {
 
 NPObject* FakeBrowser::newObject() {
   return objects.emplace_back(std::make_unique<NPObject>()).get();
+}
+
+NPObject* FakeBrowser::newObjectWithMethods(const std::vector<std::string>& names) {
+  NPObject* const object = newObject();
+  methods[object] = names;
+  return object;
+}
+
+NPIdentifier FakeBrowser::identifier(const std::string& name) {
+  return const_cast<std::string*>(&*identifiers.insert(name).first);
 }
 
 NPVariant FakeBrowser::text(const std::string& value) {

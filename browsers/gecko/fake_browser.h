@@ -4,7 +4,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -36,6 +38,21 @@ class FakeBrowser {
   void dropAsyncCalls() { asyncCalls.clear(); }
   size_t waitingCalls() const { return asyncCalls.size(); }
 
+  // A page object with methods, whose calls are noted like those of functions, behind the name.
+  NPObject* newObjectWithMethods(const std::vector<std::string>& methods);
+  // The object that the instance has created for the page.
+  NPObject* scriptObject() const { return created; }
+  NPIdentifier identifier(const std::string& name);
+
+  // What the browser tells of itself and of the page; null or a void variant for nothing.
+  const char* userAgent = "Mozilla/5.0 Firefox/44.0";
+  bool hasWindow = true;
+  NPVariant location = {NPVariantType_Void, {}};
+  NPVariant hostname = {NPVariantType_Void, {}};
+  // Pages given to NPN_GetURLNotify, and its result.
+  std::vector<std::string> requestedUrls;
+  NPError urlResult = NPERR_NO_ERROR;
+
   // The page function: called with the texts of its arguments, returns its result.
   std::function<NPVariant(NPObject* function, const std::vector<std::string>& args)>
       onInvokeDefault;
@@ -52,6 +69,9 @@ class FakeBrowser {
   int expectedReferences = 0;
   std::vector<std::pair<NPAsyncCallFunction, void*>> asyncCalls;
   std::vector<std::unique_ptr<NPObject>> objects;
+  std::map<NPObject*, std::vector<std::string>> methods;
+  std::set<std::string> identifiers;
+  NPObject* created = nullptr;
   std::vector<std::vector<char>> texts;
 };
 

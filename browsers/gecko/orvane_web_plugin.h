@@ -12,7 +12,9 @@
 
 #include "browsers/gecko/browser_functions.h"
 #include "browsers/gecko/orvane_web_view.h"
+#include "browsers/gecko/page_calls.h"
 #include "browsers/gecko/transfer_event_handler.h"
+#include "browsers/gecko/view_delegate.h"
 #include "core/plugin.h"
 #include "service/callback.h"
 #include "threads/one_shot_manager.h"
@@ -24,13 +26,13 @@ struct ovOrvaneWebScriptObject;
 // What the instance does with a drop.
 enum class DropMode : int32_t { kNone = 0, kUpload = 1, kCallback = 2 };
 
-class ovOrvaneWebPlugin {
+class ovOrvaneWebPlugin : public ovIOrvaneWebViewDelegate {
  public:
   using Parameters = std::map<std::string, std::string>;
 
   // Starts the desktop client if none answers. Throws what the core and the windows throw.
   ovOrvaneWebPlugin(NPP instance, Parameters& pluginParameters);
-  ~ovOrvaneWebPlugin();
+  ~ovOrvaneWebPlugin() override;
   ovOrvaneWebPlugin(const ovOrvaneWebPlugin&) = delete;
   ovOrvaneWebPlugin& operator=(const ovOrvaneWebPlugin&) = delete;
 
@@ -43,6 +45,12 @@ class ovOrvaneWebPlugin {
   bool createStream(NPMIMEType type, NPStream* stream, NPBool seekable, uint16_t* stype);
   int32_t write(NPStream* stream, int32_t offset, int32_t length, void* buffer);
   bool destroyStream(NPStream* stream, NPReason reason);
+
+  // What the view tells. Every drop approves its files; the rest is up to the drop mode.
+  void doDrop(std::vector<std::string>& files) override;
+  void doDropex(std::string& json) override;
+  void doDragOver() override;
+  void doDragLeave() override;
 
   // The page's properties that hold an object. Setting a value that is no object clears them.
   void setDropObserver(const NPVariant& value);
@@ -87,10 +95,14 @@ class ovOrvaneWebPlugin {
  private:
   void initialize(const Parameters& parameters);
   void createScriptObject();
+  // Sends an event that only a page with drop mode "callback" gets.
+  void tellPage(PageEvent event, const std::string& payload);
   // Ends everything that initialize() made, as far as it came.
   void teardown() noexcept;
 
   NPP npp;
+  // Expires with the instance, for code that calls a page function and then goes on.
+  std::shared_ptr<bool> lifeToken = std::make_shared<bool>(true);
   std::unique_ptr<OneShotManager> oneShotManager;
   std::unique_ptr<TransferEventHandler> transferEventHandler;
   std::string imageUrl;

@@ -29,14 +29,15 @@ class StringArgument {
 };
 
 // A returned string is left to the browser as it is; any other value is released.
+void release(bool returned, NPVariant& result) {
+  if (returned && result.type != NPVariantType_String) browserFuncs.releasevariantvalue(&result);
+}
+
 void invokeDefault(NPP npp, NPObject* function, const NPVariant* args, uint32_t count) {
   // The page may replace the function while it runs; it stays alive until it has returned.
   const RetainedObject running(function);
   NPVariant result = {NPVariantType_Void, {}};
-  if (browserFuncs.invokeDefault(npp, function, args, count, &result) &&
-      result.type != NPVariantType_String) {
-    browserFuncs.releasevariantvalue(&result);
-  }
+  release(browserFuncs.invokeDefault(npp, function, args, count, &result), result);
 }
 
 }  // namespace
@@ -50,6 +51,16 @@ const char* pageEventName(PageEvent event) {
 void callPage(NPP npp, NPObject* function, const std::string& text) {
   const StringArgument argument(text);
   invokeDefault(npp, function, &argument.get(), 1);
+}
+
+void callMethod(NPP npp, NPObject* object, const char* method, const std::string& text) {
+  if (!object) return;
+  const NPIdentifier name = browserFuncs.getstringidentifier(method);
+  if (!browserFuncs.hasmethod(npp, object, name)) return;
+  const RetainedObject running(object);
+  const StringArgument argument(text);
+  NPVariant result = {NPVariantType_Void, {}};
+  release(browserFuncs.invoke(npp, object, name, &argument.get(), 1, &result), result);
 }
 
 void sendEvent(NPP npp, NPObject* target, PageEvent event, const std::string& payload) {

@@ -17,6 +17,9 @@ const char* pageEventName(PageEvent event);
 // Calls function(text).
 void callPage(NPP npp, NPObject* function, const std::string& text);
 
+// Calls object.method(text) if `object` is not null and has such a method.
+void callMethod(NPP npp, NPObject* object, const char* method, const std::string& text);
+
 // Calls target(name of the event, payload); a null target is no call.
 void sendEvent(NPP npp, NPObject* target, PageEvent event, const std::string& payload);
 
