@@ -30,6 +30,18 @@ size_t ascii_run(const uint8_t* text, size_t length) {
   return run;
 }
 
+size_t well_formed_bytes(const uint8_t* bytes, size_t length) {
+  size_t at = 0;
+  while (at < length) {
+    at += ascii_run(bytes + at, length - at);
+    if (at == length) break;
+    const size_t sequence = well_formed_sequence(bytes + at, length - at);
+    if (sequence == 0) break;
+    at += sequence;
+  }
+  return at;
+}
+
 // Writes pieces into a buffer, keeping room for the terminator.
 struct Writer {
   char* dst;
@@ -53,21 +65,11 @@ size_t ov_utf8_len(const char* text) {
 int32_t ov_utf8_is_valid(const char* text, size_t max) {
   if (!text) return 0;
   const size_t length = ov_str_nlen(text, max);
-  return ov_utf8_well_formed_length(text, length) == length ? 1 : 0;
+  return well_formed_bytes(as_bytes(text), length) == length ? 1 : 0;
 }
 
 size_t ov_utf8_well_formed_length(const char* text, size_t max) {
-  const size_t length = ov_str_nlen(text, max);
-  const uint8_t* const bytes = as_bytes(text);
-  size_t at = 0;
-  while (at < length) {
-    at += ascii_run(bytes + at, length - at);
-    if (at == length) break;
-    const size_t sequence = well_formed_sequence(bytes + at, length - at);
-    if (sequence == 0) break;
-    at += sequence;
-  }
-  return at;
+  return well_formed_bytes(as_bytes(text), ov_str_nlen(text, max));
 }
 
 ov_rc ov_utf8_trim_trailing_partial(char* text, size_t* length) {
