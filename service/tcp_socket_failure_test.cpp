@@ -231,6 +231,16 @@ TEST_F(ExchangeFailureTest, SendThatTakesNothingEndsTheExchange) {
   EXPECT_EQ(platform.closed.size(), 1U);
 }
 
+TEST_F(ExchangeFailureTest, FailedSendEndsTheExchangeAndIsReported) {
+  platform.sendLimit = 0;
+  platform.count = -1;
+  platform.code = 10054;
+  EXPECT_FALSE(request.invoke());
+  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{"Socket::send() [" + handleText(77) +
+                                                       "] - send failed (10054)"});
+  EXPECT_EQ(platform.closed.size(), 1U);
+}
+
 TEST_F(ExchangeFailureTest, FailedReceiveKeepsAWholeReply) {
   platform.reply = "HTTP/1.1 200 OK\r\n\r\nbody";
   platform.count = -1;
