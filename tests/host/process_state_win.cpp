@@ -1,0 +1,144 @@
+#include "tests/host/process_state.h"
+
+#include <windows.h>
+#include <tlhelp32.h>
+#include <winternl.h>
+
+#include <memory>
+#include <vector>
+
+namespace Vantrel::Web::Host {
+
+namespace {
+
+struct CloseHandleOnExit {
+  using pointer = HANDLE;
+  void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using Handle = std::unique_ptr<void, CloseHandleOnExit>;
+
+// The records of the extended handle list, as the platform publishes them.
+struct HandleEntry {
+  void* object;
+  ULONG_PTR processId;
+  ULONG_PTR handle;
+  ULONG access;
+  USHORT creatorBackTrace;
+  USHORT objectType;
+  ULONG attributes;
+  ULONG reserved;
+};
+struct HandleList {
+  ULONG_PTR count;
+  ULONG_PTR reserved;
+  HandleEntry entries[1];
+};
+constexpr int kExtendedHandleInformation = 64;
+constexpr int kThreadStartAddress = 9;
+
+template <typename Function>
+Function systemFunction(const char* name) {
+  const FARPROC address = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name);
+  Function function;
+  static_assert(sizeof function == sizeof address);
+  __builtin_memcpy(&function, &address, sizeof function);
+  return function;
+}
+
+const void* startOf(uint32_t threadId) {
+  const Handle thread(OpenThread(THREAD_QUERY_INFORMATION, FALSE, threadId));
+  if (thread.get() == nullptr) return nullptr;
+  using Query = NTSTATUS(NTAPI*)(HANDLE, int, PVOID, ULONG, PULONG);
+  static const auto query = systemFunction<Query>("NtQueryInformationThread");
+  const void* start = nullptr;
+  query(thread.get(), kThreadStartAddress, &start, sizeof start, nullptr);
+  return start;
+}
+
+}  // namespace
+
+std::set<uint32_t> threadIds() {
+  std::set<uint32_t> ids;
+  const Handle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+  THREADENTRY32 entry{};
+  entry.dwSize = sizeof entry;
+  for (BOOL more = Thread32First(snapshot.get(), &entry); more != FALSE;
+       more = Thread32Next(snapshot.get(), &entry)) {
+    if (entry.th32OwnerProcessID == GetCurrentProcessId()) ids.insert(entry.th32ThreadID);
+  }
+  return ids;
+}
+
+std::set<uint32_t> threadsStartedIn(const void* base) {
+  std::set<uint32_t> ids;
+  for (const uint32_t id : threadIds()) {
+    MEMORY_BASIC_INFORMATION region{};
+    if (VirtualQuery(startOf(id), &region, sizeof region) == 0) continue;
+    if (region.AllocationBase == base) ids.insert(id);
+  }
+  return ids;
+}
+
+size_t handleCount() {
+  using Query = NTSTATUS(NTAPI*)(int, PVOID, ULONG, PULONG);
+  static const auto query = systemFunction<Query>("NtQuerySystemInformation");
+  // GetProcessHandleCount answers 0 under Wine; the list of all handles is right everywhere.
+  std::vector<char> buffer(1 << 16);
+  ULONG needed = 0;
+  while (query(kExtendedHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()),
+               &needed) < 0) {
+    buffer.resize(buffer.size() * 2);
+  }
+  const auto* list = static_cast<const HandleList*>(static_cast<const void*>(buffer.data()));
+  size_t count = 0;
+  for (size_t i = 0; i < list->count; ++i) {
+    if (list->entries[i].processId == GetCurrentProcessId()) ++count;
+  }
+  return count;
+}
+
+bool moduleMapped(const std::wstring& path) {
+  return GetModuleHandleW(path.c_str()) != nullptr;
+}
+
+HeapUse heapUse() {
+  HANDLE heaps[64];
+  const DWORD count = GetProcessHeaps(64, heaps);
+  HeapUse use;
+  for (DWORD i = 0; i < count && i < 64; ++i) {
+    HeapLock(heaps[i]);
+    PROCESS_HEAP_ENTRY entry{};
+    while (HeapWalk(heaps[i], &entry) != FALSE) {
+      if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) == 0) continue;
+      ++use.blocks;
+      use.bytes += entry.cbData;
+    }
+    HeapUnlock(heaps[i]);
+  }
+  return use;
+}
+
+void pumpMessages() {
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+}
+
+void pause() {
+  Sleep(1);
+}
+
+uint64_t milliseconds() {
+  return GetTickCount64();
+}
+
+std::wstring programDirectory() {
+  wchar_t path[MAX_PATH];
+  const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+  const std::wstring file(path, length);
+  return file.substr(0, file.find_last_of(L'\\') + 1);
+}
+
+}  // namespace Vantrel::Web::Host
