@@ -92,6 +92,19 @@ ov_rc ov_dir_close(ov_dir* dir) {
   return 0;
 }
 
+ov_rc ov::remove_directory(const char* path) {
+  const WidePath wide(path);
+  return wide.error != 0 ? wide.error : code_of(RemoveDirectoryW(wide.text));
+}
+
+bool ov::is_directory_link(const char* path) {
+  const WidePath wide(path);
+  if (wide.error != 0) return false;
+  const DWORD attributes = GetFileAttributesW(wide.text);
+  constexpr DWORD kLink = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kLink) == kLink;
+}
+
 ov_rc ov::make_directory(const char* path) {
   const WidePath wide(path);
   return wide.error != 0 ? wide.error : code_of(CreateDirectoryW(wide.text, nullptr));

@@ -25,4 +25,12 @@ constexpr int32_t kEmptyDirectory = 7;
 // Makes one directory; 183 if something is there already. An operation of the platform.
 ov_rc make_directory(const char* path);
 
+// Removes one empty directory, or the link itself of a link to a directory. An operation of the
+// platform.
+ov_rc remove_directory(const char* path);
+
+// Whether a link to a directory is at `path` that ov_file_stat shows as its target. An operation of
+// the platform.
+bool is_directory_link(const char* path);
+
 }  // namespace ov

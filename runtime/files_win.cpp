@@ -23,7 +23,11 @@ constexpr uint32_t kTruncate = 0x200;
 
 constexpr uint32_t kOpenRead = kRead | kShareRead;
 constexpr uint32_t kOpenWrite = kWrite | kShareRead | kShareWrite | kCreate | kTruncate;
+constexpr uint32_t kOpenBoth = kRead | kWrite | kShareRead | kShareWrite;
 constexpr uint32_t kOpenAppend = kWrite | kAppend | kShareRead | kShareWrite | kCreate;
+
+// The mode of ov_file_openrw that does not create.
+constexpr int32_t kExistingOnly = 7;
 
 // Waits in milliseconds before the retries of a read that found no system resources.
 constexpr DWORD kReadDelays[] = {0, 0, 0, 0, 0, 10, 10, 10, 10, 10};
@@ -53,6 +57,14 @@ ov_rc open_file(const char* path, ov_file* file, uint32_t flags) {
   return 0;
 }
 
+ov_rc move_to(ov_file* file, int64_t offset, DWORD whence, const char* name) {
+  LARGE_INTEGER distance;
+  distance.QuadPart = offset;
+  const ov_rc error = code_of(SetFilePointerEx(*file, distance, nullptr, whence));
+  if (error != 0) ov_log("%s: SetFilePointerEx failed, error=%d", name, error);
+  return error;
+}
+
 }  // namespace
 
 ov_rc ov_file_openread(const char* path, ov_file* file) {
@@ -61,6 +73,10 @@ ov_rc ov_file_openread(const char* path, ov_file* file) {
 
 ov_rc ov_file_openwrite(const char* path, ov_file* file, int32_t) {
   return open_file(path, file, kOpenWrite);
+}
+
+ov_rc ov_file_openrw(const char* path, ov_file* file, int32_t mode) {
+  return open_file(path, file, mode == kExistingOnly ? kOpenBoth : kOpenBoth | kCreate);
 }
 
 ov_rc ov_file_openappend(const char* path, ov_file* file, int32_t) {
@@ -105,6 +121,28 @@ ov_rc ov_file_write(ov_file* file, const void* buffer, uint32_t length, uint32_t
   return 0;
 }
 
+ov_rc ov_file_pwrite(ov_file* file, const void* buffer, uint32_t length, int64_t offset,
+                     uint32_t* written) {
+  if (file == nullptr || buffer == nullptr || written == nullptr) return OV_EINVAL;
+  *written = 0;
+  const ov_rc error = move_to(file, offset, FILE_BEGIN, "ov_file_seek");
+  return error != 0 ? error : ov_file_write(file, buffer, length, written);
+}
+
+ov_rc ov_file_seek(ov_file* file, int64_t offset, int32_t whence) {
+  if (file == nullptr) return OV_EINVAL;
+  return move_to(file, offset, static_cast<DWORD>(whence), "ov_file_seek");
+}
+
+ov_rc ov_file_truncate(ov_file* file, int64_t size) {
+  if (file == nullptr) return OV_EINVAL;
+  ov_rc error = move_to(file, size, FILE_BEGIN, "ov_filetruncate");
+  if (error != 0) return error;
+  error = code_of(SetEndOfFile(*file));
+  if (error != 0) ov_log("ov_filetruncate: SetFileEnd failed, error=%d", error);
+  return error;
+}
+
 ov_rc ov_file_flush(ov_file* file) {
   return file == nullptr ? OV_EINVAL : code_of(FlushFileBuffers(*file));
 }
@@ -112,6 +150,14 @@ ov_rc ov_file_flush(ov_file* file) {
 ov_rc ov_file_delete(const char* path) {
   const WidePath wide(path);
   return wide.error != 0 ? wide.error : code_of(DeleteFileW(wide.text));
+}
+
+ov_rc ov_file_rename(const char* from, const char* to) {
+  const WidePath source(from);
+  if (source.error != 0) return source.error;
+  const WidePath target(to);
+  if (target.error != 0) return target.error;
+  return code_of(MoveFileExW(source.text, target.text, MOVEFILE_REPLACE_EXISTING));
 }
 
 ov_rc ov_file_hardlink(const char* existing, const char* link) {

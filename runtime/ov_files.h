@@ -70,6 +70,9 @@ ov_rc ov_file_openread(const char* path, ov_file* file);
 /* Opens for writing; creates the file or empties it. `mode` has no effect. */
 ov_rc ov_file_openwrite(const char* path, ov_file* file, int32_t mode);
 
+/* Opens for reading and writing; creates the file if need be, but with a `mode` of 7 does not. */
+ov_rc ov_file_openrw(const char* path, ov_file* file, int32_t mode);
+
 /* Opens for appending; creates the file if need be. `mode` has no effect. */
 ov_rc ov_file_openappend(const char* path, ov_file* file, int32_t mode);
 
@@ -78,6 +81,16 @@ ov_rc ov_file_read(ov_file* file, void* buffer, uint32_t length, uint32_t* read)
 
 /* Writes once; `*written` may be less than `length`. */
 ov_rc ov_file_write(ov_file* file, const void* buffer, uint32_t length, uint32_t* written);
+
+/* Writes once at `offset` from the start; the file's position stays behind what was written. */
+ov_rc ov_file_pwrite(ov_file* file, const void* buffer, uint32_t length, int64_t offset,
+                     uint32_t* written);
+
+/* Moves the file's position: `whence` 0 from the start, 1 from the position, 2 from the end. */
+ov_rc ov_file_seek(ov_file* file, int64_t offset, int32_t whence);
+
+/* Cuts or extends the file to `size` bytes; the position is left at its end. */
+ov_rc ov_file_truncate(ov_file* file, int64_t size);
 
 /* Brings what was written to the disk. */
 ov_rc ov_file_flush(ov_file* file);
@@ -94,6 +107,13 @@ ov_rc ov_file_exist(const char* path, int32_t flags);
 /* Deletes a file. */
 ov_rc ov_file_delete(const char* path);
 
+/* Renames, over a file that is in the way. */
+ov_rc ov_file_rename(const char* from, const char* to);
+
+/* Copies the content, over a file that is in the way; `mode` has no effect. On failure `to` keeps
+   what was written. */
+ov_rc ov_file_copy(const char* from, const char* to, int32_t mode);
+
 /* Makes `link` another name of the file `existing`. */
 ov_rc ov_file_hardlink(const char* existing, const char* link);
 
@@ -103,6 +123,18 @@ void ov_file_tounixpath(char* path);
 /* Writes `dir`, a slash unless it is empty or ends in one, and `name`. `size` counts bytes; a size
    of 0 is 0, and 28677 says that the result was cut. */
 ov_rc ov_file_append_path(const char* dir, const char* name, char* out, size_t size);
+
+/* Points `*result` at what is behind the last slash; null and 28674 if that is nothing. */
+ov_rc ov_file_basename(const char* path, const char** result);
+
+/* Cuts the last part off, in place; what is left is at least the root or ".". */
+void ov_file_dirname(char* path);
+
+/* Writes the path with its long names. 122 if it has more than 520 characters or does not fit. */
+ov_rc ov_file_realpath(const char* path, char* out, size_t size);
+
+/* 0 if the paths are equal or `a` is a directory above `b`; else 28675. Case matters. */
+ov_rc ov_file_path_compare(const char* a, const char* b);
 
 /* Opens a directory for ov_dir_next. The record is to be closed with ov_dir_close after success. */
 ov_rc ov_dir_open(const char* path, ov_dir* dir);
@@ -126,5 +158,32 @@ ov_rc ov_dir_create_callback(const char* path, int32_t mode, int32_t recursive, 
                              void* argument);
 ov_rc ov_dir_create_callback2(const char* path, int32_t mode, int32_t recursive, ov_dir_cb callback,
                               void* argument);
+
+/* Removes a directory, with `recursive` with all it holds; a link to a directory is removed itself.
+   The first error ends the work. */
+ov_rc ov_dir_delete(const char* path, int32_t recursive);
+
+/* What ov_dir_walk_iterate delivers. */
+#define OV_WALK_FILE 1
+#define OV_WALK_DIRECTORY 2
+#define OV_WALK_UP 3
+#define OV_WALK_OTHER 6
+
+/* A walk through a directory and all below it. */
+struct ov_dir_walk;
+
+/* Starts a walk at a directory or a file; it is to be released. On failure `*walk` is null; 267 for
+   what is neither. */
+ov_rc ov_dir_walk_init(struct ov_dir_walk** walk, const char* path);
+
+/* Delivers the next path and its kind, a directory before what it holds. The end of each directory,
+   the first one included, is the path ".." of kind OV_WALK_UP; 28678 behind the last. */
+ov_rc ov_dir_walk_iterate(struct ov_dir_walk* walk, char* out, size_t size, int32_t* type);
+
+/* Leaves the directory that is being read, as if its end were reached; 28678 if there is none. */
+ov_rc ov_dir_walk_pop(struct ov_dir_walk* walk);
+
+/* Ends the walk, frees it and sets null. */
+void ov_dir_walk_release(struct ov_dir_walk** walk);
 
 OV_END_DECLS

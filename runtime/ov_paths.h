@@ -10,7 +10,25 @@
 /* The usual size of a path buffer, and the size of every prefix buffer below. */
 #define OV_PATH_SIZE 520
 
+/* The most segments that an ov_path holds. */
+#define OV_PATH_SEGMENTS 260
+
 OV_BEGIN_DECLS
+
+/* One segment of a path: it points into the caller's text. */
+typedef struct {
+  const char* text;
+  uint32_t length;
+  uint32_t reserved; /* always 0 */
+} ov_path_segment;
+
+/* A path in segments, for walking it step by step; the texts it was made of must outlive it. The
+   entry behind the last is cleared. */
+typedef struct {
+  char prefix[OV_PATH_SIZE];
+  int32_t count;
+  ov_path_segment segments[OV_PATH_SEGMENTS + 1];
+} ov_path;
 
 /* Writes the canonical form of `in`: forward slashes, no ".", no "..", no doubled or trailing
    slash. A relative path keeps the ".." it starts with; an empty text stays empty; anything that
@@ -103,5 +121,51 @@ int32_t ov_path_find_file_in_paths(const char* name, const char* const* dirs, ch
 
 /* The name of the file that marks the product's root: "product-info.mf". */
 const char* ov_path_product_info_file_name(void);
+
+/* The same in a text of directories with ":" between them, a drive's colon included. */
+int32_t ov_path_find_file_in_string_of_paths(const char* name, const char* text, char* out,
+                                             size_t size);
+
+/* 1 if a directory is at `path`; else 0. */
+int32_t ov_path_is_dir(const char* path);
+
+/* Looks for `name` in the parent of `path`, in its "etc", and likewise in the two directories
+   above, and writes the first path that exists. Its length, or -1. */
+int32_t ov_path_etc_file(const char* name, const char* path, char* out, size_t size);
+
+/* Writes the directory of the "orvane.conf" that belongs to `path`, else "etc" below the product's
+   root. Its length or -1. */
+int32_t ov_path_etc_dir(const char* path, char* out, size_t size);
+
+/* Writes "lib" below the directory above that of "orvane.conf", else below the product's root. Its
+   length or -1. */
+int32_t ov_path_lib_dir(const char* path, char* out, size_t size);
+
+/* Writes the present directory as the platform tells it. 0 or an error code. */
+ov_rc ov_path_getcwd(char* out, size_t size);
+
+/* Writes the canonical home directory of this process's user. Its length or -1. */
+int32_t ov_path_home_dir(char* out, size_t size);
+
+/* Writes the home or profile directory of `user`, which may be "DOMAIN\user". 0 or an error code;
+   22 for null arguments. */
+ov_rc ov_path_user_home_dir(const char* user, char* out, size_t size);
+
+/* Makes the path empty; the caller may then fill in `prefix`. */
+void ov_path_init(ov_path* path);
+
+/* Walks from where the path stands along each segment of `text`. */
+void ov_path_string_to_path(ov_path* path, const char* text);
+
+/* One step: an empty segment and "." do nothing, ".." goes up if it can, is dropped at a prefix and
+   kept elsewhere; all else goes down. Beyond OV_PATH_SEGMENTS nothing more is stored. */
+void ov_path_change_directory(ov_path* path, const char* segment, size_t length);
+
+/* 1 if ".." leads to a place above; 0 if the path is empty or made of ".." only. */
+int32_t ov_path_can_go_up_a_directory(const ov_path* path);
+
+/* Writes the prefix and the segments with slashes between them, "." for nothing at all. 0, or -1 if
+   that does not fit. */
+int32_t ov_path_path_to_string(const ov_path* path, char* out, size_t size);
 
 OV_END_DECLS

@@ -93,6 +93,36 @@ ov_rc ov_cond_signal(ov_cond* c);
 /* Wakes all waiters and returns when each of them has left its sleep. 0. */
 ov_rc ov_cond_signal_all(ov_cond* c);
 
+/* A semaphore, and a lock that threads of several processes share; all ones when destroyed. */
+typedef void* ov_sem;
+typedef void* ov_named_mutex;
+
+/* A semaphore with a count of `initial` and at most 32767. */
+ov_rc ov_sem_init(ov_sem* s, int32_t initial);
+ov_rc ov_sem_destroy(ov_sem* s);
+
+/* Raises the count by one. */
+ov_rc ov_sem_post(ov_sem* s);
+
+/* Lowers the count by one, waiting while it is 0: without limit, or at most so many milliseconds,
+   and then 10035. */
+ov_rc ov_sem_wait(ov_sem* s);
+ov_rc ov_sem_trywait(ov_sem* s, int32_t milliseconds);
+
+/* Opens or makes the lock of this name, for the machine or for the session. It has no owner: any
+   thread may release it. */
+ov_rc ov_named_mutex_init(ov_named_mutex* m, const char* name);
+ov_rc ov_named_local_mutex_init(ov_named_mutex* m, const char* name);
+
+/* Close the lock in this process; the two are one. */
+ov_rc ov_named_mutex_destroy(ov_named_mutex* m);
+ov_rc ov_named_mutex_force_destroy(ov_named_mutex* m);
+
+/* Waits for the lock; 258, without waiting, from the second form if it is held. */
+ov_rc ov_named_mutex_acquire(ov_named_mutex* m);
+ov_rc ov_named_mutex_acquire_nb(ov_named_mutex* m);
+ov_rc ov_named_mutex_release(ov_named_mutex* m);
+
 /* Starts a thread. With a null record it is detached, otherwise it is to be joined. 22 for a null
    function. */
 ov_rc ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument);

@@ -23,6 +23,14 @@ int32_t find_below(const char* dir, const char* const* relatives, size_t count, 
   return -1;
 }
 
+constexpr char kConfiguration[] = "orvane.conf";
+
+// Adds "/etc" or the like behind the text that is there. The new length or -1.
+int32_t add_below(const char* name, int32_t length, char* out, size_t size) {
+  if (length < 0 || ov_str_ncat(out, name, size) != 0) return -1;
+  return static_cast<int32_t>(strlen(out));
+}
+
 // Writes "dir/name". False when it does not fit.
 bool compose(const char* dir, size_t dirLength, const char* name, char* out, size_t size) {
   if (dirLength + 1 + strlen(name) + 1 > size) return false;
@@ -36,6 +44,11 @@ bool compose(const char* dir, size_t dirLength, const char* name, char* out, siz
 int32_t ov_path_exists(const char* path) {
   ov_stat record;
   return ov_file_stat(path, &record, 0) == 0;
+}
+
+int32_t ov_path_is_dir(const char* path) {
+  ov_stat record;
+  return ov_file_stat(path, &record, 0) == 0 && record.type == OV_TYPE_DIRECTORY;
 }
 
 const char* ov_path_product_info_file_name(void) {
@@ -62,4 +75,45 @@ int32_t ov_path_find_file_in_paths(const char* name, const char* const* dirs, ch
     if (ov_path_exists(out)) return 0;
   }
   return -1;
+}
+
+int32_t ov_path_find_file_in_string_of_paths(const char* name, const char* text, char* out,
+                                             size_t size) {
+  if (name == nullptr || name[0] == '\0' || text == nullptr || text[0] == '\0') return -1;
+  if (out == nullptr) return -1;
+  for (;;) {
+    const size_t length = strcspn(text, ":");
+    if (!compose(text, length, name, out, size)) return -1;
+    if (ov_path_exists(out)) return 0;
+    if (text[length] == '\0') return -1;
+    text += length + 1;
+  }
+}
+
+int32_t ov_path_etc_file(const char* name, const char* path, char* out, size_t size) {
+  char parent[OV_PATH_SIZE];
+  if (name == nullptr || out == nullptr) return -1;
+  if (ov_path_parent_dir(path, parent, sizeof parent) < 0) return -1;
+  constexpr const char* kPlaces[] = {".", "etc", "..", "../etc", "../..", "../../etc"};
+  return find_below(parent, kPlaces, 6, name, out, size);
+}
+
+int32_t ov_path_etc_dir(const char* path, char* out, size_t size) {
+  char found[OV_PATH_SIZE];
+  if (ov_path_etc_file(kConfiguration, path, found, sizeof found) >= 0) {
+    return ov_path_parent_dir(found, out, size);
+  }
+  return add_below("/etc", ov_path_root_dir(path, out, size), out, size);
+}
+
+int32_t ov_path_lib_dir(const char* path, char* out, size_t size) {
+  char found[OV_PATH_SIZE];
+  int32_t length = ov_path_etc_file(kConfiguration, path, found, sizeof found);
+  if (length >= 0) {
+    length = ov_path_parent_dir(found, out, size);
+    if (length >= 0) length = ov_path_parent_dir(out, out, size);
+  } else {
+    length = ov_path_root_dir(path, out, size);
+  }
+  return add_below("/lib", length, out, size);
 }

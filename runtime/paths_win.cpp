@@ -3,6 +3,11 @@
 #include <windows.h>
 #include <psapi.h>
 
+#include <direct.h>
+
+#include "runtime/last_code_win.h"
+#include "runtime/ov_errors.h"
+#include "runtime/ov_process.h"
 #include "runtime/ov_strings.h"
 #include "runtime/paths_internal.h"
 
@@ -22,4 +27,12 @@ int32_t ov_path_executable_path_from_arg(void) {
 
 int32_t ov_path_executable_dir(char* out, size_t size) {
   return ov_path_executable_path(out, size) < 0 ? -1 : ov_path_parent_dir(out, out, size);
+}
+
+ov_rc ov_path_getcwd(char* out, size_t size) {
+  if (out == nullptr) return OV_EINVAL;
+  wchar_t wide[OV_PATH_SIZE];
+  errno = 0;
+  if (_wgetcwd(wide, OV_PATH_SIZE) == nullptr) return errno != 0 ? errno : ov::last_code();
+  return ov_wchar_to_utf8(wide, out, &size);
 }

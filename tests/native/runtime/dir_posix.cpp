@@ -2,6 +2,7 @@
 // directory stream.
 #include <dirent.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "runtime/files_internal.h"
 #include "runtime/ov_errors.h"
@@ -33,6 +34,15 @@ ov_rc ov_dir_close(ov_dir* dir) {
   if (dir->handle != kClosedHandle) closedir(static_cast<DIR*>(dir->handle));
   dir->handle = kClosedHandle;
   return 0;
+}
+
+ov_rc ov::remove_directory(const char* path) {
+  return code_of_call(rmdir(path));
+}
+
+// ov_file_stat makes the distinction here.
+bool ov::is_directory_link(const char*) {
+  return false;
 }
 
 ov_rc ov::make_directory(const char* path) {

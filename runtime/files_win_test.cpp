@@ -1,0 +1,345 @@
+// Files and directories where only this platform shows them, and failures that do not happen by
+// themselves: the import is replaced by one of ours.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "runtime/captured_log.h"
+#include "runtime/ov_files.h"
+#include "runtime/ov_paths.h"
+#include "runtime/temp_folder.h"
+
+namespace {
+
+using ov::TempFolder;
+using Messages = std::vector<std::string>;
+
+struct Faults {
+  DWORD read = 0;
+  int readFailures = 0;
+  DWORD setEnd = 0;
+  DWORD findFirst = 0;
+  DWORD findNext = 0;
+  DWORD fileInformation = 0;
+  DWORD fileType = FILE_TYPE_UNKNOWN;
+  bool mountPoint = false;
+  std::vector<DWORD> slept;
+} faults;
+
+template <typename Function>
+Function real(const char* name) {
+  return reinterpret_cast<Function>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), name)));
+}
+
+BOOL WINAPI readFile(HANDLE file, LPVOID buffer, DWORD length, LPDWORD read, LPOVERLAPPED o) {
+  if (faults.readFailures > 0) {
+    --faults.readFailures;
+    SetLastError(faults.read);
+    return FALSE;
+  }
+  return real<decltype(&ReadFile)>("ReadFile")(file, buffer, length, read, o);
+}
+
+void WINAPI sleepFor(DWORD milliseconds) {
+  faults.slept.push_back(milliseconds);
+}
+
+BOOL WINAPI setEndOfFile(HANDLE file) {
+  if (faults.setEnd == 0) return real<decltype(&SetEndOfFile)>("SetEndOfFile")(file);
+  SetLastError(faults.setEnd);
+  return FALSE;
+}
+
+HANDLE WINAPI findFirstFile(LPCWSTR path, LPWIN32_FIND_DATAW data) {
+  if (faults.findFirst == 0) return real<decltype(&FindFirstFileW)>("FindFirstFileW")(path, data);
+  SetLastError(faults.findFirst);
+  return INVALID_HANDLE_VALUE;
+}
+
+BOOL WINAPI findNextFile(HANDLE handle, LPWIN32_FIND_DATAW data) {
+  if (faults.findNext == 0) return real<decltype(&FindNextFileW)>("FindNextFileW")(handle, data);
+  SetLastError(faults.findNext);
+  return FALSE;
+}
+
+HANDLE WINAPI findFirstFileEx(LPCWSTR path, FINDEX_INFO_LEVELS level, LPVOID data,
+                              FINDEX_SEARCH_OPS search, LPVOID filter, DWORD flags) {
+  const HANDLE found = real<decltype(&FindFirstFileExW)>("FindFirstFileExW")(path, level, data,
+                                                                             search, filter, flags);
+  if (faults.mountPoint) {
+    static_cast<WIN32_FIND_DATAW*>(data)->dwReserved0 = IO_REPARSE_TAG_MOUNT_POINT;
+  }
+  return found;
+}
+
+BOOL WINAPI getFileAttributesEx(LPCWSTR path, GET_FILEEX_INFO_LEVELS level, LPVOID data) {
+  const BOOL good =
+      real<decltype(&GetFileAttributesExW)>("GetFileAttributesExW")(path, level, data);
+  if (good && faults.mountPoint) {
+    auto* const attributes = static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(data);
+    attributes->dwFileAttributes = FILE_ATTRIBUTE_REPARSE_POINT;
+    attributes->ftCreationTime = {};  // before 1970: the library's status is not asked
+  }
+  return good;
+}
+
+BOOL WINAPI fileInformation(HANDLE file, LPBY_HANDLE_FILE_INFORMATION data) {
+  if (faults.fileInformation == 0) {
+    return real<decltype(&GetFileInformationByHandle)>("GetFileInformationByHandle")(file, data);
+  }
+  SetLastError(faults.fileInformation);
+  return FALSE;
+}
+
+DWORD WINAPI fileType(HANDLE) {
+  return faults.fileType;
+}
+
+}  // namespace
+
+extern "C" {
+decltype(&ReadFile) __imp_ReadFile = readFile;
+decltype(&Sleep) __imp_Sleep = sleepFor;
+decltype(&SetEndOfFile) __imp_SetEndOfFile = setEndOfFile;
+decltype(&FindFirstFileW) __imp_FindFirstFileW = findFirstFile;
+decltype(&FindNextFileW) __imp_FindNextFileW = findNextFile;
+decltype(&FindFirstFileExW) __imp_FindFirstFileExW = findFirstFileEx;
+decltype(&GetFileAttributesExW) __imp_GetFileAttributesExW = getFileAttributesEx;
+decltype(&GetFileInformationByHandle) __imp_GetFileInformationByHandle = fileInformation;
+decltype(&GetFileType) __imp_GetFileType = fileType;
+}
+
+namespace {
+
+class FilesWinTest : public ::testing::Test {
+ protected:
+  FilesWinTest() : path(folder.path("file")) {
+    faults = {};
+    TempFolder::write(path, "content");
+  }
+  ~FilesWinTest() override { faults = {}; }
+
+  const TempFolder folder;
+  const std::string path;
+  ov::CapturedLog log;
+};
+
+TEST_F(FilesWinTest, ReadIsRetriedTenTimesWhenResourcesAreShort) {
+  ov_file file;
+  ASSERT_EQ(0, ov_file_openread(path.c_str(), &file));
+  char buffer[16];
+  uint32_t count = 0;
+  faults.read = ERROR_NO_SYSTEM_RESOURCES;
+  faults.readFailures = 10;
+  EXPECT_EQ(0, ov_file_read(&file, buffer, sizeof buffer, &count));
+  EXPECT_EQ(7U, count);
+  Messages expected;
+  for (int i = 0; i < 10; ++i) {
+    expected.push_back("ERR ov_fileread: resource error 1450, retrying after " +
+                       std::to_string(i < 5 ? 0 : 10) + " ms");
+  }
+  EXPECT_EQ(expected, log.take());
+  EXPECT_EQ(std::vector<DWORD>(5, 10), faults.slept);  // a delay of 0 does not sleep
+
+  faults.readFailures = 11;
+  EXPECT_EQ(1450, ov_file_read(&file, buffer, sizeof buffer, &count));
+  EXPECT_EQ(0U, count);
+  expected.push_back("ERR ov_fileread: ReadFile failed. error=1450");
+  EXPECT_EQ(expected, log.take());
+  EXPECT_EQ(0, faults.readFailures);
+  EXPECT_EQ(0, ov_file_close(&file));
+}
+
+TEST_F(FilesWinTest, OtherReadErrorsAreLoggedAndReturned) {
+  ov_file file;
+  ASSERT_EQ(0, ov_file_openread(path.c_str(), &file));
+  char buffer[16];
+  uint32_t count = 9;
+  faults.read = ERROR_CRC;
+  faults.readFailures = 1;
+  EXPECT_EQ(ERROR_CRC, ov_file_read(&file, buffer, sizeof buffer, &count));
+  EXPECT_EQ(0U, count);
+  EXPECT_EQ(Messages{"ERR ov_fileread: ReadFile failed. error=23"}, log.take());
+  faults.readFailures = 1;
+  EXPECT_EQ(ERROR_CRC, ov_file_copy(path.c_str(), folder.path("to").c_str(), 0));
+  EXPECT_EQ(0, ov_file_close(&file));
+}
+
+TEST_F(FilesWinTest, PipeWhoseOtherEndHasGoneIsAtItsEnd) {
+  HANDLE out = nullptr;
+  ov_file in = nullptr;
+  ASSERT_TRUE(CreatePipe(&in, &out, nullptr, 0));
+  CloseHandle(out);
+  char buffer[4];
+  uint32_t count = 9;
+  EXPECT_EQ(0, ov_file_read(&in, buffer, sizeof buffer, &count));
+  EXPECT_EQ(0U, count);
+  EXPECT_EQ(0, ov_file_close(&in));
+  EXPECT_EQ(Messages{}, log.take());
+}
+
+TEST_F(FilesWinTest, OpenWriteThatCannotEmptyTheFileClosesIt) {
+  faults.setEnd = ERROR_DISK_FULL;
+  ov_file file;
+  EXPECT_EQ(ERROR_DISK_FULL, ov_file_openwrite(path.c_str(), &file, 0));
+  EXPECT_EQ(0, ov_file_valid(&file));
+  EXPECT_EQ(0, ov_file_delete(path.c_str()));  // nothing holds it open
+}
+
+TEST_F(FilesWinTest, OpenReadWriteCreatesUnlessTheModeIsSeven) {
+  ov_file file;
+  EXPECT_EQ(2, ov_file_openrw(folder.path("new").c_str(), &file, 7));
+  EXPECT_EQ(0, ov_file_openrw(folder.path("new").c_str(), &file, 0));
+  EXPECT_EQ(0, ov_file_close(&file));
+  EXPECT_EQ(0, ov_file_openrw(path.c_str(), &file, 7));
+  char buffer[8] = {};
+  uint32_t count = 0;
+  EXPECT_EQ(0, ov_file_read(&file, buffer, 7, &count));
+  EXPECT_STREQ("content", buffer);
+  EXPECT_EQ(0, ov_file_close(&file));
+}
+
+TEST_F(FilesWinTest, SeekWriteAndTruncate) {
+  ov_file file;
+  ASSERT_EQ(0, ov_file_openrw(path.c_str(), &file, 0));
+  uint32_t count = 0;
+  EXPECT_EQ(0, ov_file_pwrite(&file, "XY", 2, 3, &count));
+  EXPECT_EQ(2U, count);
+  char next = 0;
+  EXPECT_EQ(0, ov_file_read(&file, &next, 1, &count));
+  EXPECT_EQ('n', next);  // the position stays behind what was written
+  EXPECT_EQ(0, ov_file_seek(&file, -2, 2));
+  EXPECT_EQ(0, ov_file_write(&file, "!", 1, &count));
+  EXPECT_EQ(0, ov_file_seek(&file, -1, 1));
+  EXPECT_EQ(0, ov_file_read(&file, &next, 1, &count));
+  EXPECT_EQ('!', next);
+  EXPECT_EQ(0, ov_file_truncate(&file, 4));
+  EXPECT_EQ(0, ov_file_close(&file));
+  EXPECT_EQ("conX", TempFolder::read(path));
+}
+
+TEST_F(FilesWinTest, SeekFailuresAreLogged) {
+  ov_file file;
+  uint32_t count = 0;
+  ASSERT_EQ(0, ov_file_openrw(path.c_str(), &file, 0));
+  EXPECT_EQ(131, ov_file_seek(&file, -1, 0));
+  EXPECT_EQ(131, ov_file_pwrite(&file, "x", 1, -1, &count));
+  EXPECT_EQ(131, ov_file_truncate(&file, -1));
+  faults.setEnd = 112;
+  EXPECT_EQ(112, ov_file_truncate(&file, 1));
+  EXPECT_EQ((Messages{"LOG ov_file_seek: SetFilePointerEx failed, error=131",
+                      "LOG ov_file_seek: SetFilePointerEx failed, error=131",
+                      "LOG ov_filetruncate: SetFilePointerEx failed, error=131",
+                      "LOG ov_filetruncate: SetFileEnd failed, error=112"}),
+            log.take());
+  EXPECT_EQ(0, ov_file_close(&file));
+  EXPECT_EQ(22, ov_file_seek(nullptr, 0, 0));
+  EXPECT_EQ(22, ov_file_truncate(nullptr, 0));
+  EXPECT_EQ(22, ov_file_pwrite(&file, nullptr, 0, 0, &count));
+}
+
+TEST_F(FilesWinTest, RenameReplaces) {
+  TempFolder::write(folder.path("other"), "other");
+  EXPECT_EQ(0, ov_file_rename(path.c_str(), folder.path("other").c_str()));
+  EXPECT_EQ("content", TempFolder::read(folder.path("other")));
+  EXPECT_EQ(2, ov_file_rename(path.c_str(), folder.path("x").c_str()));
+  EXPECT_EQ(22, ov_file_rename(nullptr, "x"));
+  EXPECT_EQ(22, ov_file_rename("x", nullptr));
+}
+
+TEST_F(FilesWinTest, OpenReadKeepsWritersOut) {
+  ov_file reader;
+  ov_file other;
+  ASSERT_EQ(0, ov_file_openread(path.c_str(), &reader));
+  EXPECT_EQ(32, ov_file_openwrite(path.c_str(), &other, 0));
+  EXPECT_EQ(0, ov_file_openread(path.c_str(), &other));
+  EXPECT_EQ(0, ov_file_close(&other));
+  EXPECT_EQ(0, ov_file_close(&reader));
+}
+
+TEST_F(FilesWinTest, LongPathsWork) {
+  std::string deep = folder.path();
+  while (deep.size() < 440) deep += "/" + std::string(40, 'd');
+  EXPECT_EQ(0, ov_dir_create(deep.c_str(), 0, 1));
+  TempFolder::write(deep + "/f", "");
+  EXPECT_EQ(0, ov_file_exist((deep + "/f").c_str(), 0));
+  EXPECT_EQ(0, ov_dir_delete((folder.path() + "/" + std::string(40, 'd')).c_str(), 1));
+  EXPECT_EQ(28677, ov_file_exist(("C:/" + std::string(560, 'x')).c_str(), 0));
+}
+
+TEST_F(FilesWinTest, RealPathHasForwardSlashesAndNoMark) {
+  char out[OV_PATH_SIZE];
+  EXPECT_EQ(0, ov_file_realpath(path.c_str(), out, sizeof out));
+  EXPECT_STREQ(path.c_str(), out);
+  EXPECT_EQ(122, ov_file_realpath(path.c_str(), out, 4));
+  EXPECT_EQ(2, ov_file_realpath("C:/none", out, sizeof out));
+  EXPECT_EQ(22, ov_file_realpath(path.c_str(), nullptr, 0));
+}
+
+TEST_F(FilesWinTest, EmptyRootOfAVolumeIsAnEmptyDirectory) {
+  faults.findFirst = ERROR_FILE_NOT_FOUND;
+  ov_dir dir;
+  ov_dirent entry;
+  ASSERT_EQ(0, ov_dir_open(folder.path().c_str(), &dir));
+  EXPECT_EQ(28678, ov_dir_next(&dir, &entry));
+  EXPECT_EQ(0, ov_dir_close(&dir));
+  EXPECT_EQ(2, ov_dir_open(path.c_str(), &dir));
+  faults.findFirst = ERROR_ACCESS_DENIED;
+  EXPECT_EQ(5, ov_dir_open(folder.path().c_str(), &dir));
+}
+
+TEST_F(FilesWinTest, DirectoryReadFailures) {
+  ov_dir dir;
+  ov_dirent entry;
+  ASSERT_EQ(0, ov_dir_open(folder.path().c_str(), &dir));
+  EXPECT_EQ(0, ov_dir_next(&dir, &entry));
+  faults.findNext = ERROR_ACCESS_DENIED;
+  EXPECT_EQ(5, ov_dir_next(&dir, &entry));
+  EXPECT_EQ(Messages{}, log.take());
+  faults.findNext = ERROR_INVALID_PARAMETER;
+  EXPECT_EQ(28678, ov_dir_next(&dir, &entry));
+  EXPECT_EQ(Messages{"LOG WARNING: FindNextFile returned ERROR_INVALID_PARAMETER. Assuming "
+                     "ERROR_NO_MORE_FILES."},
+            log.take());
+  EXPECT_EQ(0, ov_dir_close(&dir));
+}
+
+TEST_F(FilesWinTest, MountPointCountsAsADirectory) {
+  faults.mountPoint = true;
+  ov_stat record;
+  ASSERT_EQ(0, ov_file_stat(path.c_str(), &record, 0));
+  EXPECT_EQ(OV_TYPE_DIRECTORY, record.type);
+  EXPECT_EQ(16895, record.mode);
+  EXPECT_GT(0, record.created);
+}
+
+TEST_F(FilesWinTest, StatusOfAHandle) {
+  ov_file file;
+  ov_stat record;
+  ASSERT_EQ(0, ov_file_openread(path.c_str(), &file));
+  ASSERT_EQ(0, ov_file_fstat(&file, &record));
+  EXPECT_EQ(33206, record.mode);
+  EXPECT_EQ(1, record.links);
+  faults.fileInformation = ERROR_INVALID_FUNCTION;
+  EXPECT_EQ(ERROR_INVALID_FUNCTION, ov_file_fstat(&file, &record));
+  faults.fileType = FILE_TYPE_CHAR;
+  EXPECT_EQ(0, ov_file_fstat(&file, &record));
+  EXPECT_EQ(OV_TYPE_CHARACTER_DEVICE, record.type);
+  EXPECT_EQ(0x2000, record.mode);
+  faults.fileInformation = 5;
+  EXPECT_EQ(5, ov_file_stat(path.c_str(), &record, OV_STAT_IDENTITY));
+  EXPECT_EQ(0, ov_file_close(&file));
+}
+
+TEST_F(FilesWinTest, CloseThatFailsKeepsTheRecord) {
+  ov_file file = reinterpret_cast<ov_file>(uintptr_t{0x7FFFFFF0});
+  EXPECT_EQ(6, ov_file_close(&file));
+  EXPECT_EQ(1, ov_file_valid(&file));
+  EXPECT_EQ(6, ov_file_flush(&file));
+}
+
+}  // namespace

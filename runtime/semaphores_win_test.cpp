@@ -1,0 +1,168 @@
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "runtime/captured_log.h"
+#include "runtime/ov_threads.h"
+
+namespace {
+
+using Messages = std::vector<std::string>;
+
+// What the next waits give instead of the real result, and the last error they leave.
+DWORD waitResult = WAIT_OBJECT_0;
+DWORD waitError = 0;
+
+DWORD WINAPI waitForSingleObject(HANDLE handle, DWORD milliseconds) {
+  if (waitResult == WAIT_OBJECT_0) return WaitForSingleObjectEx(handle, milliseconds, FALSE);
+  SetLastError(waitError);
+  return waitResult;
+}
+
+}  // namespace
+
+extern "C" {
+decltype(&WaitForSingleObject) __imp_WaitForSingleObject = waitForSingleObject;
+}
+
+namespace {
+
+class SemaphoresTest : public ::testing::Test {
+ protected:
+  SemaphoresTest() { waitResult = WAIT_OBJECT_0; }
+  ~SemaphoresTest() override { waitResult = WAIT_OBJECT_0; }
+  ov::CapturedLog log;
+};
+
+TEST_F(SemaphoresTest, CountsDownToZero) {
+  ov_sem s;
+  ASSERT_EQ(0, ov_sem_init(&s, 2));
+  EXPECT_EQ(0, ov_sem_wait(&s));
+  EXPECT_EQ(0, ov_sem_trywait(&s, 0));
+  EXPECT_EQ(10035, ov_sem_trywait(&s, 0));
+  EXPECT_EQ(10035, ov_sem_trywait(&s, 10));
+  EXPECT_EQ(0, ov_sem_post(&s));
+  EXPECT_EQ(0, ov_sem_trywait(&s, -1));
+  std::thread poster([&s] { EXPECT_EQ(0, ov_sem_post(&s)); });
+  EXPECT_EQ(0, ov_sem_wait(&s));
+  poster.join();
+  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(0, ov_sem_destroy(&s));
+  EXPECT_EQ(INVALID_HANDLE_VALUE, s);
+}
+
+TEST_F(SemaphoresTest, WaitOnADestroyedOneFailsAtOnce) {
+  ov_sem s = INVALID_HANDLE_VALUE;
+  EXPECT_EQ(6, ov_sem_wait(&s));
+  EXPECT_EQ(6, ov_sem_trywait(&s, 10));
+  s = nullptr;
+  EXPECT_EQ(6, ov_sem_wait(&s));
+  EXPECT_EQ(Messages(3, "LOG ov_sem_wait, not signalled, err=6"), log.take());
+}
+
+TEST_F(SemaphoresTest, Failures) {
+  ov_sem s;
+  EXPECT_EQ(87, ov_sem_init(&s, 32768));
+  EXPECT_EQ(Messages{"LOG ov_sem_init failed, err=87"}, log.take());
+  ASSERT_EQ(0, ov_sem_init(&s, 32767));
+  EXPECT_EQ(298, ov_sem_post(&s));
+  EXPECT_EQ(Messages{"LOG ov_sem_post, ReleaseSemaphore failed, err=298"}, log.take());
+  waitResult = WAIT_FAILED;
+  waitError = 5;
+  EXPECT_EQ(5, ov_sem_wait(&s));
+  waitResult = WAIT_ABANDONED;
+  EXPECT_EQ(128, ov_sem_trywait(&s, 1));
+  EXPECT_EQ((Messages{"LOG ov_sem_wait, not signalled, err=5",
+                      "LOG ov_sem_wait, not signalled, err=128"}),
+            log.take());
+  ov_sem stale = reinterpret_cast<ov_sem>(uintptr_t{0x7FFFFFF0});
+  EXPECT_EQ(6, ov_sem_destroy(&stale));
+  EXPECT_EQ(Messages{"LOG ov_sem_destroy, CloseHandle failed, err=6"}, log.take());
+  EXPECT_EQ(0, ov_sem_destroy(&s));
+  EXPECT_EQ(22, ov_sem_init(nullptr, 0));
+  EXPECT_EQ(22, ov_sem_destroy(nullptr));
+  EXPECT_EQ(22, ov_sem_post(nullptr));
+  EXPECT_EQ(22, ov_sem_wait(nullptr));
+}
+
+TEST_F(SemaphoresTest, NamedLockIsSharedByItsName) {
+  ov_named_mutex a;
+  ov_named_mutex b;
+  ASSERT_EQ(0, ov_named_local_mutex_init(&a, "one"));
+  ASSERT_EQ(0, ov_named_local_mutex_init(&b, "one"));
+  EXPECT_EQ(0, ov_named_mutex_acquire(&a));
+  EXPECT_EQ(258, ov_named_mutex_acquire_nb(&b));
+  EXPECT_EQ(Messages{"LOG ov_named_mutex_acquire_nb: unknown err=258:"}, log.take());
+  std::thread([&b] { EXPECT_EQ(0, ov_named_mutex_release(&b)); }).join();  // it has no owner
+  EXPECT_EQ(0, ov_named_mutex_acquire_nb(&b));
+  EXPECT_EQ(0, ov_named_mutex_release(&b));
+  EXPECT_EQ(0, ov_named_mutex_destroy(&a));
+  EXPECT_EQ(INVALID_HANDLE_VALUE, a);
+  EXPECT_EQ(0, ov_named_mutex_force_destroy(&b));
+  EXPECT_EQ(Messages{}, log.take());
+}
+
+TEST_F(SemaphoresTest, NamedLockMayBeNamedByAPath) {
+  ov_named_mutex a;
+  ov_named_mutex b;
+  ASSERT_EQ(0, ov_named_mutex_init(&a, R"(C:\dir\file)"));
+  ASSERT_EQ(0, ov_named_mutex_init(&b, "C:/dir/file"));
+  EXPECT_EQ(0, ov_named_mutex_acquire(&a));
+  EXPECT_EQ(258, ov_named_mutex_acquire_nb(&b));
+  const HANDLE same = CreateSemaphoreA(nullptr, 1, 1, R"(Global\ov_mutex_C:/dir/file)");
+  EXPECT_EQ(DWORD{ERROR_ALREADY_EXISTS}, GetLastError());
+  CloseHandle(same);
+  EXPECT_EQ(0, ov_named_mutex_destroy(&a));
+  EXPECT_EQ(0, ov_named_mutex_destroy(&b));
+}
+
+TEST_F(SemaphoresTest, NamedLockFailures) {
+  ov_named_mutex m;
+  EXPECT_EQ(28677, ov_named_mutex_init(&m, std::string(520, 'x').c_str()));
+  EXPECT_EQ(nullptr, m);
+  const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, R"(Local\ov_mutex_event)");
+  EXPECT_EQ(6, ov_named_local_mutex_init(&m, "event"));
+  CloseHandle(event);
+  EXPECT_EQ((Messages{"LOG ov_named_mutex_init failed, err=28677",
+                      "LOG ov_named_mutex_init failed, err=6"}),
+            log.take());
+  ASSERT_EQ(0, ov_named_local_mutex_init(&m, "two"));
+  EXPECT_EQ(298, ov_named_mutex_release(&m));
+  char line[160];
+  snprintf(line, sizeof line,
+           "LOG ov_named_mutex_release failed. err=298 &m->sem=0x%p, m->sem=0x%llx",
+           static_cast<void*>(&m), reinterpret_cast<unsigned long long>(m));
+  EXPECT_EQ(Messages{line}, log.take());
+  waitResult = WAIT_FAILED;
+  waitError = 5;
+  EXPECT_EQ(5, ov_named_mutex_acquire(&m));
+  waitResult = WAIT_ABANDONED;
+  EXPECT_EQ(128, ov_named_mutex_acquire(&m));
+  EXPECT_EQ(128, ov_named_mutex_acquire_nb(&m));
+  waitResult = WAIT_OBJECT_0;
+  EXPECT_EQ((Messages{"LOG ov_named_mutex_acquire failed, err=5",
+                      "LOG ov_named_mutex_acquire: wait abandoned",
+                      "LOG ov_named_mutex_acquire_nb: wait abandoned"}),
+            log.take());
+  EXPECT_EQ(0, ov_named_mutex_destroy(&m));
+  EXPECT_EQ(6, ov_named_mutex_acquire(&m));
+  m = reinterpret_cast<ov_named_mutex>(uintptr_t{0x7FFFFFF0});
+  EXPECT_EQ(6, ov_named_mutex_destroy(&m));
+  m = reinterpret_cast<ov_named_mutex>(uintptr_t{0x7FFFFFF0});
+  EXPECT_EQ(6, ov_named_mutex_force_destroy(&m));
+  EXPECT_EQ((Messages{"LOG ov_named_mutex_acquire failed, err=6",
+                      "LOG ov_named_mutex_destroy, CloseHandle failed, err=6",
+                      "LOG ov_named_mutex_force_destroy, CloseHandle failed, err=6"}),
+            log.take());
+  EXPECT_EQ(22, ov_named_mutex_init(nullptr, "x"));
+  EXPECT_EQ(22, ov_named_mutex_init(&m, nullptr));
+  EXPECT_EQ(22, ov_named_mutex_acquire(nullptr));
+  EXPECT_EQ(22, ov_named_mutex_release(nullptr));
+  EXPECT_EQ(22, ov_named_mutex_destroy(nullptr));
+}
+
+}  // namespace
