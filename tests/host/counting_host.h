@@ -88,6 +88,9 @@ class CountingHost {
   int instances = 0;
 
  private:
+  // Threads that came since the construction, those of the test program itself left out.
+  size_t extraThreads() const;
+
   const std::wstring path_;
   const std::set<uint32_t> threadsBefore_;
   void* module_ = nullptr;

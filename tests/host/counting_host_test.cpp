@@ -2,7 +2,7 @@
 // seen, and nothing else is.
 #include <gmock/gmock.h>
 
-#include "tests/host/host_test.h"
+#include "tests/host/host_fixture.h"
 #include "tests/host/process_state.h"
 
 namespace Vantrel::Web::Host {

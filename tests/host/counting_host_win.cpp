@@ -101,11 +101,6 @@ std::vector<std::string> CountingHost::finish() {
   FreeLibrary(static_cast<HMODULE>(std::exchange(module_, nullptr)));
   if (moduleMapped(path_)) faults.add("the library is still mapped");
   // A joined thread leaves the system's list a moment after its handle is signalled.
-  const auto extraThreads = [this] {
-    size_t count = 0;
-    for (const uint32_t id : threadIds()) count += threadsBefore_.contains(id) ? 0U : 1U;
-    return count;
-  };
   const uint64_t deadline = milliseconds() + kThreadEndMs;
   while (extraThreads() != 0 && milliseconds() < deadline) pause();
   if (extraThreads() != 0) faults.add(std::to_string(extraThreads()) + " threads more than before");
@@ -117,6 +112,15 @@ std::vector<std::string> CountingHost::finish() {
   for (const std::string& line : objects.describe()) faults.add("live object - " + line);
   if (async.waiting() != 0) faults.add("queued calls are left");
   return faults.take();
+}
+
+size_t CountingHost::extraThreads() const {
+  const std::set<uint32_t> ofTheTest = threadsStartedIn(GetModuleHandleW(nullptr));
+  size_t count = 0;
+  for (const uint32_t id : threadIds()) {
+    if (!threadsBefore_.contains(id) && !ofTheTest.contains(id)) ++count;
+  }
+  return count;
 }
 
 void CountingHost::pumpOnce() {

@@ -1,4 +1,4 @@
-#include "tests/host/host_test.h"
+#include "tests/host/host_fixture.h"
 
 #include "tests/host/process_state.h"
 
