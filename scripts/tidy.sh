@@ -39,4 +39,4 @@ if [ "${1:-}" = --one ]; then
   exit
 fi
 git ls-files -z -- '*.cpp' ':!*_test.cpp' ':!*_test_win.cpp' ':!tests/plugin' ':!tools/engine' |
-  xargs -0 -n 1 -P "$(nproc)" "$0" --one "$common"
+  xargs -0 -n 1 -P "${OV_TIDY_JOBS:-$(nproc)}" "$0" --one "$common"

@@ -39,7 +39,7 @@ class FakeBrowser {
   size_t waitingCalls() const { return asyncCalls.size(); }
 
   // A page object with methods, whose calls are noted like those of functions, behind the name.
-  NPObject* newObjectWithMethods(const std::vector<std::string>& methods);
+  NPObject* newObjectWithMethods(const std::vector<std::string>& names);
   // The object that the instance has created for the page.
   NPObject* scriptObject() const { return created; }
   NPIdentifier identifier(const std::string& name);
