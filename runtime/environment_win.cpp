@@ -32,3 +32,17 @@ ov_rc ov_process_getenv(const char* name, char* buffer, size_t size) {
   if (length >= wideSize) return OV_EBUFFER;
   return ov_wchar_to_utf8(value, buffer, &size);
 }
+
+ov_rc ov_process_setenv(const char* name, const char* value) {
+  if (name == nullptr) return OV_EINVAL;
+  const std::unique_ptr<wchar_t[]> wide(new (std::nothrow) wchar_t[3 * kNameSize]);
+  if (wide == nullptr) return OV_ENOMEM;
+  size_t bytes = kNameSize * sizeof(wchar_t);
+  ov_rc error = ov_utf8_to_wchar(name, wide.get(), &bytes);
+  if (error != 0) return error;
+  wchar_t* const wideValue = wide.get() + kNameSize;
+  bytes = 2 * kNameSize * sizeof(wchar_t);
+  if (value != nullptr) error = ov_utf8_to_wchar(value, wideValue, &bytes);
+  if (error != 0) return error;
+  return ov::code_of(SetEnvironmentVariableW(wide.get(), value == nullptr ? nullptr : wideValue));
+}

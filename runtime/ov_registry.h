@@ -22,4 +22,15 @@ OV_BEGIN_DECLS
    value that is no text. On failure `out` is empty. */
 ov_rc ov_reg_get(void* hive, const char* key, const char* name, char* out, uint32_t* length);
 
+/* Reads the bytes of a value of any type; sizes and codes are those of ov_reg_get. */
+ov_rc ov_reg_get_binary(void* hive, const char* key, const char* name, void* out, uint32_t* length);
+
+/* Write a text or `length` bytes, in the 64-bit view, making the key if need be. */
+ov_rc ov_reg_set(void* hive, const char* key, const char* name, const char* value);
+ov_rc ov_reg_set_binary(void* hive, const char* key, const char* name, const void* data,
+                        uint32_t length);
+
+/* Removes a value, in the 64-bit view; 2 if the key or the value is missing. */
+ov_rc ov_reg_del(void* hive, const char* key, const char* name);
+
 OV_END_DECLS

@@ -1,4 +1,4 @@
-// Watching other processes.
+// Watching and ending other processes.
 #include <windows.h>
 
 #include "runtime/last_code_win.h"
@@ -40,4 +40,29 @@ ov_rc ov_process_exited(ov_process* process, int32_t* state, int32_t* exitCode) 
   process->process = nullptr;
   process->thread = nullptr;
   return 0;
+}
+
+ov_rc ov_process_kill(ov_process* process) {
+  if (process == nullptr) return OV_EINVAL;
+  // All ones stands for this process in the system's eyes.
+  if (process->process == INVALID_HANDLE_VALUE) return OV_EBADF;
+  return code_of(TerminateProcess(process->process, 0));
+}
+
+ov_rc ov_process_wait(ov_process* process, int32_t milliseconds, int32_t* state) {
+  if (process == nullptr || state == nullptr) return OV_EINVAL;
+  const bool open = process->process != nullptr && process->process != INVALID_HANDLE_VALUE;
+  const DWORD result =
+      open ? WaitForSingleObject(process->process, static_cast<DWORD>(milliseconds)) : WAIT_FAILED;
+  if (result == WAIT_OBJECT_0) {
+    *state = 0;
+    close_token(process);
+    return 0;
+  }
+  if (result == WAIT_TIMEOUT || result == WAIT_ABANDONED) {
+    *state = result == WAIT_TIMEOUT ? 1 : 2;
+    return 0;
+  }
+  *state = 3;
+  return open ? last_code() : OV_EBADF;
 }

@@ -1,4 +1,4 @@
-// Values of the Windows registry.
+// Reading values of the Windows registry.
 #include <windows.h>
 
 #include <memory>
@@ -8,61 +8,11 @@
 #include "runtime/ov_log.h"
 #include "runtime/ov_registry.h"
 #include "runtime/ov_strings.h"
+#include "runtime/registry_key_win.h"
+
+using namespace ov;
 
 namespace {
-
-// A text of the system's codes, for log lines.
-struct ErrorText {
-  explicit ErrorText(ov_rc code) : text(ov_platform_errstr_inline(code, buffer, sizeof buffer)) {}
-  char buffer[512];
-  const char* text;
-};
-
-void log_failure(const char* call, const char* what, ov_rc error) {
-  ov_log("%s() %s failed, errno:%d, err desc:%s", call, what, error, ErrorText(error).text);
-}
-
-// UTF-8 text as wide text on the heap; null of `text()` with the reason in `error`.
-class WideText {
- public:
-  explicit WideText(const char* source) {
-    size_t bytes = 0;
-    error_ = source == nullptr ? OV_EINVAL : ov_utf8_to_wchar(source, nullptr, &bytes);
-    if (error_ != OV_ERANGE) return;
-    text_.reset(new (std::nothrow) wchar_t[bytes / sizeof(wchar_t)]);
-    error_ = text_ == nullptr ? OV_ENOMEM : ov_utf8_to_wchar(source, text_.get(), &bytes);
-  }
-  ov_rc error() const { return error_; }
-  const wchar_t* text() const { return text_.get(); }
-
- private:
-  std::unique_ptr<wchar_t[]> text_;
-  ov_rc error_;
-};
-
-// An open key, closed at the end.
-class Key {
- public:
-  Key() = default;
-  ~Key() {
-    if (key_ != nullptr) RegCloseKey(key_);
-  }
-  Key(const Key&) = delete;
-  Key& operator=(const Key&) = delete;
-
-  // Opens for reading, in the 64-bit view and failing that in the 32-bit one.
-  ov_rc openForQuery(HKEY hive, const wchar_t* path) {
-    LSTATUS error = RegOpenKeyExW(hive, path, 0, KEY_QUERY_VALUE | KEY_WOW64_64KEY, &key_);
-    if (error == ERROR_FILE_NOT_FOUND) {
-      error = RegOpenKeyExW(hive, path, 0, KEY_QUERY_VALUE | KEY_WOW64_32KEY, &key_);
-    }
-    return static_cast<ov_rc>(error);
-  }
-  HKEY get() const { return key_; }
-
- private:
-  HKEY key_ = nullptr;
-};
 
 // Opens the key and reads the value into `data`, which may be null, of `*length` bytes.
 ov_rc query(void* hive, const char* key, const char* name, DWORD* type, void* data,
@@ -152,4 +102,11 @@ ov_rc ov_reg_get(void* hive, const char* key, const char* name, char* out, uint3
   const ov_rc error = get_text(hive, key, name, out, length);
   if (error != 0 && size > 0) out[0] = '\0';
   return error;
+}
+
+ov_rc ov_reg_get_binary(void* hive, const char* key, const char* name, void* out,
+                        uint32_t* length) {
+  if (length == nullptr) return OV_EINVAL;
+  DWORD type = 0;
+  return query(hive, key, name, &type, out, length);
 }
