@@ -9,6 +9,7 @@ namespace {
 OV_PRINTF(3, 0)
 int32_t format_bounded(char* dst, size_t size, const char* format, va_list arguments) {
   if (!format || (!dst && size > 0)) return -1;
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the callers have started the list
   const int length = std::vsnprintf(dst, size, format, arguments);
   if (length < 0 && size > 0) dst[size - 1] = 0;
   return length;

@@ -16,6 +16,7 @@ void report(const char* format, ...) {
   char text[log_path_room + 64];
   va_list arguments;
   va_start(arguments, format);
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): it does not see the start above
   const int length = std::vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
   if (length > 0 && static_cast<size_t>(length) < sizeof text) {

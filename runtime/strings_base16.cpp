@@ -32,7 +32,7 @@ ov_rc ov_str_buf_to_base16(const void* src, size_t len, char* dst, size_t dstSiz
   if (!dst || (!src && len > 0)) return OV_EINVAL;
   // 2 * len + 1 > dstSize, without the overflow.
   if (dstSize == 0 || len > (dstSize - 1) / 2) return OV_EBUFFER;
-  const uint8_t* from = static_cast<const uint8_t*>(src);
+  const auto* from = static_cast<const uint8_t*>(src);
   for (size_t i = 0; i < len; ++i) {
     *dst++ = digits[from[i] >> 4];
     *dst++ = digits[from[i] & 15];
@@ -47,7 +47,8 @@ ov_rc ov_str_base16_to_buf(const char* src, size_t len, void* dst, size_t dstSiz
   if (len % 2 != 0) return OV_EINVAL;
   if (outLen) *outLen = len / 2;
   if (dstSize < len / 2) return OV_EBUFFER;
-  uint8_t* to = static_cast<uint8_t*>(dst);
+  if (!dst) return 0;
+  auto* to = static_cast<uint8_t*>(dst);
   uint8_t first = 0;
   for (size_t i = 0; i < len; ++i) {
     const uint8_t value = _ov_str_base16_lookup[static_cast<uint8_t>(src[i])];

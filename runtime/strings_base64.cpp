@@ -15,13 +15,13 @@ char* base64_encode(const Base64Alphabet& alphabet, const uint8_t* src, size_t l
     dst += pair.size();
   };
   for (; len >= 3; len -= 3, src += 3) {
-    const uint32_t bits = static_cast<uint32_t>(src[0] << 16 | src[1] << 8 | src[2]);
+    const auto bits = static_cast<uint32_t>(src[0] << 16 | src[1] << 8 | src[2]);
     put(alphabet.pairs[bits >> 12]);
     put(alphabet.pairs[bits & 0xfff]);
   }
   if (len == 1) put(alphabet.pairs[static_cast<size_t>(src[0] << 4)]);
   if (len == 2) {
-    const uint32_t bits = static_cast<uint32_t>(src[0] << 10 | src[1] << 2);
+    const auto bits = static_cast<uint32_t>(src[0] << 10 | src[1] << 2);
     put(alphabet.pairs[bits >> 6]);
     *dst++ = alphabet.pairs[bits & 0x3f][1];
   }
@@ -56,7 +56,7 @@ struct Output {
   Output(void* dst, size_t size)
       : begin(static_cast<uint8_t*>(dst)), cursor(begin), end(begin + size) {}
 
-  ov_rc finish(size_t* outLen) {
+  ov_rc finish(size_t* outLen) const {
     if (cursor < end) *cursor = 0;
     if (outLen) *outLen = static_cast<size_t>(cursor - begin);
     return 0;
@@ -130,6 +130,7 @@ ov_rc ov_str_base64_to_buf_impl(const char* src, size_t len, void* dst, size_t d
   return decode_groups(src, src + length, false, Output(dst, dstSize), outLen);
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): the public prototype has it so
 ov_rc ov_str_base64_chars_to_buf(const char four[4], uint8_t** cursor, uint8_t* end) {
   if (!four || !cursor || !*cursor || !end) return OV_EINVAL;
   if (four[0] == padding) return 0;

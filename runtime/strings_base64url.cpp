@@ -22,7 +22,7 @@ ov_rc ov_str_base64url_to_buf(const char* src, size_t len, void* dst, size_t dst
   if (len == SIZE_MAX) len = std::strlen(src);
   if (len % 4 == 1) return OV_EINVAL;
   if (len > 0 && dstSize <= (len + 2) / 4 * 3) return OV_EBUFFER;
-  uint8_t* out = static_cast<uint8_t*>(dst);
+  auto* out = static_cast<uint8_t*>(dst);
   const uint8_t* const begin = out;
   uint32_t bits = 0;
   for (size_t i = 0; i < len; ++i) {

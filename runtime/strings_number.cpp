@@ -3,11 +3,12 @@
 #include <bit>
 #include <cerrno>
 #include <cinttypes>
-#include <cstdio>
+#include <cstdarg>
 #include <cstdlib>
 #include <limits>
 
 #include "runtime/ov_errors.h"
+#include "runtime/ov_log.h"
 #include "runtime/ov_strings.h"
 #include "runtime/string_space.h"
 
@@ -67,6 +68,17 @@ ov_rc read_small_number(const char* text, Number* value, const char** end) {
   return 0;
 }
 
+// Writes as much as fits.
+OV_PRINTF(3, 4)
+char* write_number(char* buffer, size_t size, const char* format, ...) {
+  if (!buffer || size == 0) return buffer;
+  va_list arguments;
+  va_start(arguments, format);
+  ov_vsnprintf(buffer, size, format, arguments);
+  va_end(arguments);
+  return buffer;
+}
+
 }  // namespace
 
 int32_t ov_str_atoi(const char* text) {
@@ -81,32 +93,27 @@ int64_t ov_str_atoll(const char* text) {
 }
 
 double ov_str_atof(const char* text) {
-  return text ? std::atof(text) : 0;
+  return text ? std::strtod(text, nullptr) : 0;
 }
 
 char* ov_str_itoa(int32_t value, char* buffer, size_t size) {
-  if (buffer && size > 0) std::snprintf(buffer, size, "%" PRId32, value);
-  return buffer;
+  return write_number(buffer, size, "%" PRId32, value);
 }
 
 char* ov_str_lltoa(int64_t value, char* buffer, size_t size) {
-  if (buffer && size > 0) std::snprintf(buffer, size, "%" PRId64, value);
-  return buffer;
+  return write_number(buffer, size, "%" PRId64, value);
 }
 
 char* ov_str_uitoa(uint32_t value, char* buffer, size_t size) {
-  if (buffer && size > 0) std::snprintf(buffer, size, "%" PRIu32, value);
-  return buffer;
+  return write_number(buffer, size, "%" PRIu32, value);
 }
 
 char* ov_str_ulltoa(uint64_t value, char* buffer, size_t size) {
-  if (buffer && size > 0) std::snprintf(buffer, size, "%" PRIu64, value);
-  return buffer;
+  return write_number(buffer, size, "%" PRIu64, value);
 }
 
 char* ov_str_ftoa(double value, char* buffer, size_t size) {
-  if (buffer && size > 0) std::snprintf(buffer, size, "%f", value);
-  return buffer;
+  return write_number(buffer, size, "%f", value);
 }
 
 ov_rc ov_str_ahtoll_err(const char* text, int64_t* value, const char** end) {

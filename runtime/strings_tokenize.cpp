@@ -58,7 +58,7 @@ ov_rc ov_str_tokenize(const char* text, char*** argv, int32_t* argc) {
   char** list = static_cast<char**>(std::malloc(bytes));
   if (!list) return OV_ENOMEM;
   std::memcpy(list, tokens, bytes);
-  block.release();
+  list[0] = block.release();
   *argv = list;
   *argc = count;
   return 0;

@@ -1,5 +1,7 @@
 // Conversion between UTF-8, UTF-16 and wide text. Wide text is UTF-16 where wchar_t has 16 bits (on
 // Windows), else code points.
+#include <type_traits>
+
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
 #include "runtime/utf8_sequence.h"
@@ -59,7 +61,7 @@ void put_utf8(uint32_t code_point, Output& output) {
 // Converts with the terminator; false for ill-formed text.
 template <typename Unit, typename Output>
 bool utf8_to_units(const char* text, bool lenient, Output& output) {
-  const uint8_t* at = reinterpret_cast<const uint8_t*>(text);
+  const auto* at = reinterpret_cast<const uint8_t*>(text);
   for (; *at != 0;) {
     const size_t length = ov::utf8_sequence_length(*at);
     if (ov::utf8_good_bytes(at, length, lenient) != length) return false;
@@ -74,11 +76,12 @@ bool utf8_to_units(const char* text, bool lenient, Output& output) {
 
 template <typename Unit, typename Output>
 bool units_to_utf8(const Unit* text, bool lenient, Output& output) {
+  using Unsigned = std::make_unsigned_t<Unit>;
   for (; *text != 0; ++text) {
-    uint32_t code_point = static_cast<uint32_t>(*text);
+    uint32_t code_point = static_cast<Unsigned>(*text);
     if (sizeof(Unit) == 2 && is_high_surrogate(code_point) &&
-        is_low_surrogate(static_cast<uint32_t>(text[1]))) {
-      const uint32_t low = static_cast<uint32_t>(*++text);
+        is_low_surrogate(static_cast<Unsigned>(text[1]))) {
+      const uint32_t low = static_cast<Unsigned>(*++text);
       code_point = first_supplementary + ((code_point & 0x3ff) << 10) + (low & 0x3ff);
     }
     if (code_point > last_code_point || (is_surrogate(code_point) && !lenient)) return false;

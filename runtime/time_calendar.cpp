@@ -2,7 +2,6 @@
 #include "runtime/time_calendar.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -10,6 +9,7 @@
 #include <string>
 
 #include "runtime/ov_errors.h"
+#include "runtime/ov_log.h"
 #include "runtime/ov_time.h"
 #include "runtime/time_platform.h"
 
@@ -47,7 +47,7 @@ std::string expand(const char* format, int32_t milliseconds) {
     const char conversion = *++format;
     if (conversion == 'L') {
       char text[8];
-      std::snprintf(text, sizeof text, "%03u", static_cast<unsigned>(milliseconds));
+      ov_snprintf(text, sizeof text, "%03u", static_cast<unsigned>(milliseconds));
       expanded.replace(expanded.size() - 1, 1, text);
     } else if (conversion == 'z') {
       char text[ov::utc_offset_room];
@@ -98,9 +98,9 @@ namespace ov {
 
 void format_utc_offset(int64_t seconds, char (&text)[utc_offset_room]) {
   const int64_t distance = std::min<int64_t>(std::abs(seconds), 99 * seconds_per_hour);
-  std::snprintf(text, sizeof text, "%c%02d%02d", seconds > 0 ? '+' : '-',
-                static_cast<int>(distance / seconds_per_hour),
-                static_cast<int>(distance % seconds_per_hour / seconds_per_minute));
+  ov_snprintf(text, sizeof text, "%c%02d%02d", seconds > 0 ? '+' : '-',
+              static_cast<int>(distance / seconds_per_hour),
+              static_cast<int>(distance % seconds_per_hour / seconds_per_minute));
 }
 
 }  // namespace ov
