@@ -1,0 +1,119 @@
+// What is known of an address record without the system.
+#include <stddef.h>
+#include <stdint.h>
+#include <string.h>
+
+#include "runtime/ov_errors.h"
+#include "runtime/ov_sockets.h"
+
+static_assert(sizeof(ov_sock_addr) == 28 && offsetof(ov_sock_addr, ipv6) == 8);
+
+namespace {
+
+constexpr uint16_t kIpv4 = 2;
+constexpr uint16_t kIpv6 = 23;
+constexpr size_t kIpv4Size = 16;
+
+bool is_known(const ov_sock_addr* addr) {
+  return addr != nullptr && (addr->family == kIpv4 || addr->family == kIpv6);
+}
+
+bool is_ipv4(const ov_sock_addr* addr) {
+  return addr != nullptr && addr->family == kIpv4;
+}
+
+bool is_ipv6(const ov_sock_addr* addr) {
+  return addr != nullptr && addr->family == kIpv6;
+}
+
+// The four bytes in the order in which they are written.
+struct Octets {
+  explicit Octets(const ov_sock_addr* addr) { memcpy(byte, &addr->ipv4, sizeof byte); }
+  uint8_t byte[4];
+};
+
+// Whether all bytes are zero but the last, which is `last`.
+bool is_ipv6_number(const ov_sock_addr* addr, uint8_t last) {
+  const uint8_t number[16] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, last};
+  return memcmp(addr->ipv6, number, sizeof number) == 0;
+}
+
+bool same_address(const ov_sock_addr* a, const ov_sock_addr* b) {
+  if (!is_known(a) || a->family != b->family) return false;
+  if (is_ipv4(a)) return a->ipv4 == b->ipv4;
+  return memcmp(a->ipv6, b->ipv6, sizeof a->ipv6) == 0;
+}
+
+}  // namespace
+
+ov_rc ov_sock_copy_addr(ov_sock_addr* to, const ov_sock_addr* from, int32_t* isIpv6) {
+  if (to == nullptr || !is_known(from)) return OV_EINVAL;
+  memmove(to, from, is_ipv4(from) ? kIpv4Size : sizeof *to);
+  if (isIpv6 != nullptr) *isIpv6 = is_ipv6(from);
+  return 0;
+}
+
+uint16_t ov_sock_get_port(const ov_sock_addr* addr) {
+  return is_known(addr) ? addr->port : uint16_t{0};
+}
+
+ov_rc ov_sock_set_port(ov_sock_addr* addr, uint16_t port) {
+  if (!is_known(addr)) return OV_EINVAL;
+  const uint8_t bytes[2] = {static_cast<uint8_t>(port >> 8), static_cast<uint8_t>(port & 0xFF)};
+  memcpy(&addr->port, bytes, sizeof bytes);
+  return 0;
+}
+
+ov_rc ov_sock_set_scope_id(ov_sock_addr* addr, const char* text) {
+  if (addr == nullptr || text == nullptr) return OV_EINVAL;
+  const char* digit = strchr(text, '%');
+  if (digit == nullptr || digit[1] == '\0') return OV_EINVAL;
+  uint64_t number = 0;
+  for (++digit; *digit != '\0'; ++digit) {
+    if (*digit < '0' || *digit > '9') return OV_EINVAL;
+    number = number * 10 + static_cast<uint64_t>(*digit - '0');
+    if (number > UINT32_MAX) return OV_EINVAL;
+  }
+  addr->scope_id = static_cast<uint32_t>(number);
+  return 0;
+}
+
+ov_rc ov_sock_ipaddr_is_equal(const ov_sock_addr* a, const ov_sock_addr* b, int32_t* answer) {
+  if (a == nullptr || b == nullptr || answer == nullptr) return OV_EINVAL;
+  *answer = same_address(a, b);
+  return 0;
+}
+
+ov_rc ov_sock_addr_is_equal(const ov_sock_addr* a, const ov_sock_addr* b, int32_t* answer) {
+  if (a == nullptr || b == nullptr || answer == nullptr) return OV_EINVAL;
+  *answer = same_address(a, b) && a->port == b->port;
+  return 0;
+}
+
+int32_t ov_sock_is_null_ipaddr(const ov_sock_addr* addr) {
+  if (addr == nullptr || addr->family == 0) return 1;
+  if (is_ipv4(addr)) return addr->ipv4 == 0;
+  return is_ipv6(addr) && is_ipv6_number(addr, 0);
+}
+
+int32_t ov_sock_is_loopback_ipaddr(const ov_sock_addr* addr) {
+  if (is_ipv4(addr)) return Octets(addr).byte[0] == 127;
+  return is_ipv6(addr) && is_ipv6_number(addr, 1);
+}
+
+int32_t ov_sock_is_valid_mcast_addr(const ov_sock_addr* addr) {
+  if (is_ipv4(addr)) return (Octets(addr).byte[0] & 0xF0) == 0xE0 && addr->ipv4 != UINT32_MAX;
+  return is_ipv6(addr) && addr->ipv6[0] == 255;
+}
+
+ov_rc ov_sock_is_private_network(const ov_sock_addr* addr, int32_t* answer) {
+  if (addr == nullptr || answer == nullptr) return OV_EINVAL;
+  *answer = 0;
+  if (!is_ipv4(addr)) return 0;
+  const Octets octets(addr);
+  const uint8_t first = octets.byte[0];
+  const uint8_t second = octets.byte[1];
+  *answer =
+      first == 10 || (first == 192 && second == 168) || (first == 172 && (second & 0xF0) == 16);
+  return 0;
+}

@@ -1,0 +1,256 @@
+#include <winsock2.h>
+#include <ws2tcpip.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <utility>
+
+#include "runtime/ov_sockets.h"
+#include "runtime/ov_strings.h"
+
+namespace {
+
+// What the options were set to; the calls are ours, so that every row works on every platform.
+std::map<std::pair<int, int>, std::string> options;
+int failure = 0;
+
+int WSAAPI setOption(SOCKET, int level, int option, const char* value, int size) {
+  if (failure != 0) {
+    WSASetLastError(failure);
+    return SOCKET_ERROR;
+  }
+  options[{level, option}] = std::string(value, static_cast<size_t>(size));
+  return 0;
+}
+
+int WSAAPI getOption(SOCKET, int level, int option, char* value, int* size) {
+  const auto found = options.find({level, option});
+  if (failure != 0 || found == options.end()) {
+    WSASetLastError(failure != 0 ? failure : WSAENOPROTOOPT);
+    return SOCKET_ERROR;
+  }
+  EXPECT_LE(found->second.size(), static_cast<size_t>(*size));
+  memcpy(value, found->second.data(), found->second.size());
+  return 0;
+}
+
+using Call = ov_rc (*)(ov_sock*, int32_t*);
+
+struct Option {
+  const char* name;
+  Call set, get;
+  int level, number;
+};
+const Option kOptions[] = {
+    {"rcvlowat", ov_sock_set_rcvlowat, ov_sock_get_rcvlowat, SOL_SOCKET, SO_RCVLOWAT},
+    {"sndlowat", ov_sock_set_sndlowat, ov_sock_get_sndlowat, SOL_SOCKET, SO_SNDLOWAT},
+    {"reuseaddr", ov_sock_set_reuseaddr, ov_sock_get_reuseaddr, SOL_SOCKET, SO_REUSEADDR},
+    {"broadcast", ov_sock_set_broadcast, ov_sock_get_broadcast, SOL_SOCKET, SO_BROADCAST},
+    {"tcp_keepalive", ov_sock_set_tcp_keepalive, ov_sock_get_tcp_keepalive, SOL_SOCKET,
+     SO_KEEPALIVE},
+    {"tcp_nodelay", ov_sock_set_tcp_nodelay, ov_sock_get_tcp_nodelay, IPPROTO_TCP, TCP_NODELAY},
+    {"ip_options", ov_sock_set_ip_options, ov_sock_get_ip_options, IPPROTO_IP, IP_OPTIONS},
+    {"ip_ttl", ov_sock_set_ip_ttl, ov_sock_get_ip_ttl, IPPROTO_IP, IP_TTL},
+    {"ip_mcast_if", ov_sock_set_ip_mcast_if, ov_sock_get_ip_mcast_if, IPPROTO_IP, IP_MULTICAST_IF},
+    {"ip_mcast_ttl", ov_sock_set_ip_mcast_ttl, ov_sock_get_ip_mcast_ttl, IPPROTO_IP,
+     IP_MULTICAST_TTL},
+    {"ip_mcast_loop", ov_sock_set_ip_mcast_loop, ov_sock_get_ip_mcast_loop, IPPROTO_IP,
+     IP_MULTICAST_LOOP},
+    {"ip_dontfrag", ov_sock_set_ip_dontfrag, ov_sock_get_ip_dontfrag, IPPROTO_IP, IP_DONTFRAGMENT},
+    {"ip_pktinfo", ov_sock_set_ip_pktinfo, ov_sock_get_ip_pktinfo, IPPROTO_IP, IP_PKTINFO},
+};
+
+const Call kNothing[] = {
+    ov_sock_get_bindtodevice, ov_sock_set_bindtodevice, ov_sock_get_ip_mtudiscover,
+    ov_sock_get_ip_rcverr,    ov_sock_set_ip_rcverr,    ov_sock_get_ip_tos,
+    ov_sock_set_ip_tos,       ov_sock_get_priority,     ov_sock_set_priority,
+    ov_sock_get_tcp_keepcnt,  ov_sock_set_tcp_keepcnt,  ov_sock_get_tcp_keepidl,
+    ov_sock_set_tcp_keepidl,  ov_sock_get_tcp_keepitvl, ov_sock_set_tcp_keepitvl,
+    ov_sock_get_tcp_linger,   ov_sock_set_tcp_linger,   ov_sock_get_tcp_outq_size,
+    ov_sock_get_timestamp,    ov_sock_set_timestamp,
+};
+
+}  // namespace
+
+extern "C" {
+decltype(&setsockopt) __imp_setsockopt = setOption;
+decltype(&getsockopt) __imp_getsockopt = getOption;
+}
+
+namespace {
+
+class SocketOptionsTest : public ::testing::Test {
+ protected:
+  SocketOptionsTest() {
+    options.clear();
+    failure = 0;
+    ov_sock_init();
+  }
+  ~SocketOptionsTest() override { ov_sock_fini(); }
+  ov_sock sock = 4;
+};
+
+TEST_F(SocketOptionsTest, EachPairIsItsOption) {
+  for (const Option& option : kOptions) {
+    SCOPED_TRACE(option.name);
+    options.clear();
+    failure = 0;
+    int32_t value = 77;
+    EXPECT_EQ(0, option.set(&sock, &value));
+    ASSERT_EQ(1U, options.size());
+    EXPECT_EQ(std::make_pair(option.level, option.number), options.begin()->first);
+    EXPECT_EQ(4U, options.begin()->second.size());
+    int32_t read = 0;
+    EXPECT_EQ(0, option.get(&sock, &read));
+    EXPECT_EQ(77, read);
+    failure = WSAENOPROTOOPT;
+    EXPECT_EQ(10042, option.set(&sock, &value));
+    EXPECT_EQ(10042, option.get(&sock, &value));
+    EXPECT_EQ(22, option.set(nullptr, &value));
+    EXPECT_EQ(22, option.set(&sock, nullptr));
+    EXPECT_EQ(22, option.get(nullptr, &value));
+    EXPECT_EQ(22, option.get(&sock, nullptr));
+  }
+}
+
+TEST_F(SocketOptionsTest, NumbersOfTheOptions) {
+  EXPECT_EQ(0x1002, SO_RCVBUF);
+  EXPECT_EQ(0x1001, SO_SNDBUF);
+  EXPECT_EQ(0x1004, SO_RCVLOWAT);
+  EXPECT_EQ(0x1003, SO_SNDLOWAT);
+  EXPECT_EQ(0x20, SO_BROADCAST);
+  EXPECT_EQ(19, IP_PKTINFO);
+  EXPECT_EQ(14, IP_DONTFRAGMENT);
+  EXPECT_EQ(9, IP_MULTICAST_IF);
+  EXPECT_EQ(4, IP_TTL);
+  EXPECT_EQ(1, IP_OPTIONS);
+}
+
+TEST_F(SocketOptionsTest, BufferSizesHaveEightBytes) {
+  int64_t value = 65536;
+  EXPECT_EQ(0, ov_sock_set_rcvbuf(&sock, &value));
+  EXPECT_EQ(0, ov_sock_set_sndbuf(&sock, &value));
+  EXPECT_EQ(8U, (options[{SOL_SOCKET, SO_RCVBUF}].size()));
+  EXPECT_EQ(8U, (options[{SOL_SOCKET, SO_SNDBUF}].size()));
+  options[{SOL_SOCKET, SO_RCVBUF}].resize(4);  // the system fills four of them
+  value = -1;
+  EXPECT_EQ(0, ov_sock_get_rcvbuf(&sock, &value));
+  EXPECT_EQ(65536, value);
+  EXPECT_EQ(0, ov_sock_get_sndbuf(&sock, &value));
+  EXPECT_EQ(65536, value);
+}
+
+TEST_F(SocketOptionsTest, Linger) {
+  linger value = {1, 7};
+  EXPECT_EQ(0, ov_sock_set_linger(&sock, &value));
+  value = {};
+  EXPECT_EQ(0, ov_sock_get_linger(&sock, &value));
+  EXPECT_EQ(1, value.l_onoff);
+  EXPECT_EQ(7, value.l_linger);
+}
+
+TEST_F(SocketOptionsTest, OptionsWithOneDirection) {
+  int32_t value = 5;
+  EXPECT_EQ(0, ov_sock_set_ip_mtudiscover(&sock, &value));
+  EXPECT_EQ(1U, (options.count({IPPROTO_IP, 14})));
+  int32_t group[2] = {1, 2};
+  EXPECT_EQ(0, ov_sock_add_ip_mcast_membership(&sock, group));
+  EXPECT_EQ(8U, (options[{IPPROTO_IP, 12}].size()));
+  EXPECT_EQ(0, ov_sock_drp_ip_mcast_membership(&sock, group));
+  EXPECT_EQ(8U, (options[{IPPROTO_IP, 13}].size()));
+  options[{SOL_SOCKET, SO_ERROR}] = std::string("\4\0\0\0", 4);
+  options[{SOL_SOCKET, SO_TYPE}] = std::string("\2\0\0\0", 4);
+  EXPECT_EQ(0, ov_sock_get_error(&sock, &value));
+  EXPECT_EQ(4, value);
+  EXPECT_EQ(0, ov_sock_get_type(&sock, &value));
+  EXPECT_EQ(2, value);
+}
+
+TEST_F(SocketOptionsTest, FunctionsWithoutCounterpartCountAsFailedAssertions) {
+  ASSERT_EQ(20U, sizeof kNothing / sizeof *kNothing);
+  const int32_t before = g_ov_asserts_skipped;
+  int32_t value = 3;
+  for (const Call call : kNothing) EXPECT_EQ(0, call(&sock, &value));
+  EXPECT_EQ(before, g_ov_asserts_skipped);
+  g_ov_asserts_active = 0;
+  for (const Call call : kNothing) EXPECT_EQ(0, call(&sock, &value));
+  g_ov_asserts_active = 1;
+  EXPECT_EQ(before + 20, g_ov_asserts_skipped);
+  EXPECT_EQ(3, value);
+  EXPECT_TRUE(options.empty());
+}
+
+TEST_F(SocketOptionsTest, PlainCallsOnARealSocket) {
+  ov_sock udp = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
+  ASSERT_NE(~ov_sock{0}, udp);
+  sockaddr_in self = {};
+  self.sin_family = AF_INET;
+  self.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  int size = sizeof self;
+  ASSERT_EQ(0, bind(udp, reinterpret_cast<sockaddr*>(&self), size));
+  ASSERT_EQ(0, getsockname(udp, reinterpret_cast<sockaddr*>(&self), &size));
+  ASSERT_EQ(3, sendto(udp, "abc", 3, 0, reinterpret_cast<sockaddr*>(&self), size));
+  char out[4];
+  ASSERT_EQ(3, recv(udp, out, sizeof out, 0));
+  EXPECT_EQ(0, ov_sock_set_nonblocking(&udp));
+  EXPECT_EQ(SOCKET_ERROR, recv(udp, out, sizeof out, 0));
+  EXPECT_EQ(WSAEWOULDBLOCK, WSAGetLastError());
+  int32_t value = 1;
+  EXPECT_EQ(0, ov_sock_get_nonblocking(&udp, &value));
+  EXPECT_EQ(0, value);  // the call's result, not the mode
+  EXPECT_EQ(SOCKET_ERROR, recv(udp, out, sizeof out, 0));
+  EXPECT_EQ(0, ov_sock_set_blocking(&udp));
+  EXPECT_EQ(0, ov_sock_close(&udp));
+  value = 1;
+  EXPECT_EQ(10038, ov_sock_get_nonblocking(&udp, &value));
+  EXPECT_EQ(-1, value);
+}
+
+TEST_F(SocketOptionsTest, ShutdownOfAnUnconnectedSocketIsSuccess) {
+  ov_sock tcp = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+  EXPECT_EQ(0, ov_sock_shutdown(&tcp, 0));
+  EXPECT_EQ(0, ov_sock_shutdown_rw(&tcp));
+  EXPECT_EQ(0, ov_sock_close(&tcp));
+  EXPECT_EQ(10038, ov_sock_shutdown_rw(&tcp));
+  EXPECT_EQ(22, ov_sock_shutdown(nullptr, 0));
+}
+
+TEST_F(SocketOptionsTest, BytesThatWait) {
+  ov_sock listener = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+  sockaddr_in self = {};
+  self.sin_family = AF_INET;
+  self.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  int size = sizeof self;
+  ASSERT_EQ(0, bind(listener, reinterpret_cast<sockaddr*>(&self), size));
+  ASSERT_EQ(0, getsockname(listener, reinterpret_cast<sockaddr*>(&self), &size));
+  ASSERT_EQ(0, listen(listener, 1));
+  ov_sock client = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+  ASSERT_EQ(0, connect(client, reinterpret_cast<sockaddr*>(&self), size));
+  ov_sock server = accept(listener, nullptr, nullptr);
+  ASSERT_EQ(5, send(client, "12345", 5, 0));
+  char first = 0;
+  ASSERT_EQ(1, recv(server, &first, 1, MSG_PEEK));  // until it is there
+  int32_t waiting = 0;
+  EXPECT_EQ(0, ov_sock_get_tcp_inq_size(&server, &waiting));
+  EXPECT_EQ(5, waiting);
+  for (ov_sock* open : {&client, &server, &listener}) EXPECT_EQ(0, ov_sock_close(open));
+  EXPECT_EQ(10038, ov_sock_get_tcp_inq_size(&server, &waiting));
+  EXPECT_EQ(22, ov_sock_get_tcp_inq_size(nullptr, &waiting));
+  EXPECT_EQ(22, ov_sock_get_tcp_inq_size(&server, nullptr));
+  uint32_t argument = 0;
+  EXPECT_EQ(22, ov_sock_ioctl(nullptr, 0, &argument));
+  EXPECT_EQ(22, ov_sock_ioctl(&server, 0, nullptr));
+  EXPECT_EQ(22, ov_sock_get_nonblocking(&server, nullptr));
+}
+
+TEST_F(SocketOptionsTest, FixedAnswers) {
+  int32_t level = 0;
+  EXPECT_EQ(0, ov_sock_timer_level(&sock, &level));
+  EXPECT_EQ(3, level);
+  EXPECT_EQ(22, ov_sock_timer_level(&sock, nullptr));
+  EXPECT_EQ(0, ov_sock_is_nonblocking_safe());
+}
+
+}  // namespace
