@@ -33,7 +33,7 @@ ov_rc ov_str_base64url_to_buf(const char* src, size_t len, void* dst, size_t dst
     const size_t place = i % 4;
     if (place > 0) *out++ = static_cast<uint8_t>(bits >> (6 - 2 * place));
   }
-  const size_t written = static_cast<size_t>(out - begin);
+  const auto written = static_cast<size_t>(out - begin);
   if (written < dstSize) *out = 0;
   if (outLen) *outLen = written;
   return 0;

@@ -1,5 +1,6 @@
 // Conversion between UTF-8, UTF-16 and wide text. Wide text is UTF-16 where wchar_t has 16 bits (on
 // Windows), else code points.
+#include <bit>
 #include <type_traits>
 
 #include "runtime/ov_errors.h"
@@ -74,14 +75,18 @@ bool utf8_to_units(const char* text, bool lenient, Output& output) {
   return true;
 }
 
+// The unit's bits; wide characters are signed on some platforms.
+template <typename Unit>
+uint32_t value_of(Unit unit) {
+  return std::bit_cast<std::make_unsigned_t<Unit>>(unit);
+}
+
 template <typename Unit, typename Output>
 bool units_to_utf8(const Unit* text, bool lenient, Output& output) {
-  using Unsigned = std::make_unsigned_t<Unit>;
   for (; *text != 0; ++text) {
-    uint32_t code_point = static_cast<Unsigned>(*text);
-    if (sizeof(Unit) == 2 && is_high_surrogate(code_point) &&
-        is_low_surrogate(static_cast<Unsigned>(text[1]))) {
-      const uint32_t low = static_cast<Unsigned>(*++text);
+    uint32_t code_point = value_of(*text);
+    if (sizeof(Unit) == 2 && is_high_surrogate(code_point) && is_low_surrogate(value_of(text[1]))) {
+      const uint32_t low = value_of(*++text);
       code_point = first_supplementary + ((code_point & 0x3ff) << 10) + (low & 0x3ff);
     }
     if (code_point > last_code_point || (is_surrogate(code_point) && !lenient)) return false;
