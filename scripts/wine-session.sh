@@ -10,6 +10,9 @@ case $2 in
   start)
     "$here/wine-prefix.sh" "$BUILD"
     wineserver -p
+    # The platform's services start with the first program and keep its output open as long as the
+    # session lives: whoever waits for the end of that output would wait for them.
+    "$here/wine-run.sh" "$BUILD" cmd.exe /c exit </dev/null >/dev/null 2>&1
     ;;
   stop) wineserver -k || true ;;
 esac
