@@ -40,7 +40,7 @@ class PluginTest : public Host::HostTest {
   // Runs the browser until the function was called that often.
   bool waitForCalls(const Host::PageReference& function, size_t count);
 
-  const Host::ScratchProfile profile;
+  Host::ScratchProfile profile;
 };
 
 // With a desktop client whose every word the test chooses.

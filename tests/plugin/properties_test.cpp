@@ -144,10 +144,10 @@ TEST_F(PropertiesTest, WithoutBrowserMemoryANameIsNullText) {
   EXPECT_EQ(instance.get("name").value, text("my name"));
 }
 
-class ObjectPropertyTest : public PropertiesTest, public testing::WithParamInterface<const char*> {
+class ObjectPropertyTest : public PropertiesTest, public testing::WithParamInterface<std::string> {
  protected:
-  const char* property() const { return GetParam(); }
-  bool isObserver() const { return std::string_view(property()) == "dropObserver"; }
+  const std::string& property() const { return GetParam(); }
+  bool isObserver() const { return property() == "dropObserver"; }
   std::string set() const { return isObserver() ? "Drop observer set" : "Event handler set"; }
   std::string removed() const {
     return isObserver() ? "Drop observer removed" : "Event handler removed";
@@ -239,8 +239,9 @@ TEST_P(ObjectPropertyTest, InstancesHoldTheirOwn) {
   first.settle();
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, ObjectPropertyTest, testing::Values("dropObserver", "eventHandler"),
-                         [](const auto& parameter) { return std::string(parameter.param); });
+INSTANTIATE_TEST_SUITE_P(Both, ObjectPropertyTest,
+                         testing::Values(std::string("dropObserver"), std::string("eventHandler")),
+                         [](const auto& parameter) { return parameter.param; });
 
 TEST_F(PropertiesTest, AClearedHandlerIsHeldUntilAnotherComes) {
   Host::PageReference first = host().page.makeFunction("first");

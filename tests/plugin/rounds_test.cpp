@@ -1,0 +1,69 @@
+// Many whole lives of the library in one process: load, instance, session, request, destroy,
+// unload. After some rounds to warm up nothing grows any more.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "tests/host/process_state.h"
+#include "tests/plugin/plugin_fixture.h"
+
+namespace Vantrel::Web {
+namespace {
+
+using Host::CountingHost;
+
+constexpr int kWarmUpRounds = 20;
+constexpr int kRounds = 200;
+
+struct Use {
+  size_t threads;
+  size_t handles;
+  Host::HeapUse heap;
+};
+
+Use useNow() {
+  return {Host::threadIds().size(), Host::handleCount(), Host::heapUse()};
+}
+
+class RoundsTest : public testing::Test {
+ protected:
+  void round() {
+    const ScriptedServer server;
+    profile.writeServiceUrl(server.url() + "\nkey");
+    CountingHost host(Host::programDirectory() + kPluginLibrary);
+    ASSERT_EQ(host.initialize(), NPERR_NO_ERROR);
+    ASSERT_EQ(host.getEntryPoints(), NPERR_NO_ERROR);
+    {
+      Host::PageReference function = host.page.makeFunction("callback");
+      Instance instance(host);
+      instance.set("eventHandler", function.value());
+      instance.call("initSession", {Value::string("my app"), Value::string("")});
+      instance.call("vantrelHttpRequestAsync", {Value::string("POST"), Value::string("/path"),
+                                                Value::string("{\"a\":[1]}"), function.value()});
+      EXPECT_EQ(instance
+                    .call("vantrelHttpRequest",
+                          {Value::string("POST"), Value::string("/path"), Value::string("")})
+                    .value,
+                Value::string("{}"));
+      ASSERT_TRUE(host.pumpUntil([&function] { return !function->calls.empty(); }));
+      instance.end({.objects = {{function.get(), 1}}});
+    }
+    for (const std::string& fault : host.finish()) ADD_FAILURE() << fault;
+  }
+
+  const Host::ScratchProfile profile;
+};
+
+TEST_F(RoundsTest, NothingGrowsFromRoundToRound) {
+  for (int i = 0; i < kWarmUpRounds && !HasFailure(); ++i) round();
+  const Use before = useNow();
+  for (int i = kWarmUpRounds; i < kRounds && !HasFailure(); ++i) round();
+  const Use after = useNow();
+  EXPECT_EQ(after.threads, before.threads);
+  EXPECT_EQ(after.handles, before.handles);
+  EXPECT_EQ(after.heap.blocks, before.heap.blocks);
+  EXPECT_EQ(after.heap.bytes, before.heap.bytes);
+}
+
+}  // namespace
+}  // namespace Vantrel::Web
