@@ -12,4 +12,4 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 # Every test and tool that CMake or CTest starts runs under Wine, in this build's own prefix.
 set(CMAKE_CROSSCOMPILING_EMULATOR
-    ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine-run.sh ${CMAKE_BINARY_DIR})
+    ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine-test.sh ${CMAKE_BINARY_DIR})
