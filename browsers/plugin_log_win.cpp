@@ -19,18 +19,18 @@ constexpr int32_t kFileLog = 2;
 constexpr int32_t kDebugLevel = 3;
 
 bool initialized = false;
+std::string logPath;
 
 }  // namespace
 
 const std::string& plugin_log_path() {
-  static std::string path;
-  if (path.empty()) {
+  if (logPath.empty()) {
     const std::string directory = plugin_base_dir() + kLogDirectory;
     // Where the directory cannot be made, opening the log tells so.
     SHCreateDirectoryExW(nullptr, toWide(directory).c_str(), nullptr);
-    path = directory + kLogName;
+    logPath = directory + kLogName;
   }
-  return path;
+  return logPath;
 }
 
 void plugin_log_init() {

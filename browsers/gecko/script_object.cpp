@@ -116,11 +116,12 @@ const ScriptProperty* findProperty(NPIdentifier identifier) {
 
 // The script objects of the process. The browser frees none of them, so that one that a page keeps
 // stays readable; their memory goes with the module.
+std::vector<std::unique_ptr<ovOrvaneWebScriptObject>> scriptObjects;
+
 NPObject* NP_ABI allocate(NPP, NPClass*) {
-  static std::vector<std::unique_ptr<ovOrvaneWebScriptObject>> objects;
   ovOrvaneWebScriptObject* object = nullptr;
   guarded([&object] {
-    object = objects.emplace_back(std::make_unique<ovOrvaneWebScriptObject>()).get();
+    object = scriptObjects.emplace_back(std::make_unique<ovOrvaneWebScriptObject>()).get();
     return true;
   });
   return object;
