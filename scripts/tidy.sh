@@ -1,5 +1,5 @@
 #!/bin/sh
-# Runs clang-tidy over the sources; what has passed is not read again until it, a header or the
+# Runs clang-tidy over the sources of the plug-in; what has passed is not read again until it, a header or the
 # settings change. GoogleTest cases are left out: what the checks find there is in its macros, and
 # each file costs half a minute.
 # usage: tidy.sh    (needs build/host and build/windows to be configured)
@@ -20,7 +20,7 @@ tidy_one() {
   hash=$({ echo "$2"; cat "$source"; } | sha256sum | cut -c1-32)
   [ -f "build/tidy/$hash" ] && return 0
   case $source in
-    *_win.cpp | tests/host/*)
+    *_win.cpp)
       build=build/windows extra=$MINGW_ARGUMENTS ;;
     *) build=build/host extra= ;;
   esac
@@ -38,5 +38,5 @@ if [ "${1:-}" = --one ]; then
   tidy_one "$3" "$2"
   exit
 fi
-git ls-files -z -- '*.cpp' ':!*_test.cpp' ':!*_test_win.cpp' ':!tests/plugin' ':!tools/engine' |
+git ls-files -z -- 'browsers/*.cpp' 'core/*.cpp' 'service/*.cpp' 'threads/*.cpp' ':!*_test.cpp' |
   xargs -0 -n 1 -P "${OV_TIDY_JOBS:-$(nproc)}" "$0" --one "$common"
