@@ -69,9 +69,9 @@ void Plugin::setUserAgent(const std::string& text) {
   });
   // The order matters: a Chrome user agent also holds "safari".
   static constexpr std::array<const char*, 3> kBrowsers = {"firefox", "chrome", "safari"};
-  const auto* const hit = std::find_if(kBrowsers.begin(), kBrowsers.end(), [&agent](const char* word) {
-    return agent.find(word) != std::string::npos;
-  });
+  const auto* const hit =
+      std::find_if(kBrowsers.begin(), kBrowsers.end(),
+                   [&agent](const char* word) { return agent.find(word) != std::string::npos; });
   browserHost = hit == kBrowsers.end() ? agent : *hit;
   ov_log("Browser host: %s", browserHost.c_str());
 }

@@ -1,5 +1,5 @@
-// The reading of a reply in pieces, against the same rules without economy, and its parsing. The first
-// byte is the size of the pieces.
+// The reading of a reply in pieces, against the same rules without economy, and its parsing. The
+// first byte is the size of the pieces.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>

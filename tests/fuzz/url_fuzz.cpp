@@ -22,7 +22,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string text(reinterpret_cast<const char*>(data), size);
   const Url url(text);
   if (!holds(text, "://")) {
-    check((url.url + url.scheme + url.user + url.password + url.host + url.path + url.query).empty());
+    check(
+        (url.url + url.scheme + url.user + url.password + url.host + url.path + url.query).empty());
     check(url.port_ == 0);
     return 0;
   }

@@ -28,7 +28,8 @@ class SlowReplyReader {
   std::string text;
 
  private:
-  // The number behind blanks of the same line; 0 if there is none. strtoll would skip line ends too.
+  // The number behind blanks of the same line; 0 if there is none. strtoll would skip line ends
+  // too.
   static long long number(const char* at) {
     while (*at == ' ' || *at == '\t') ++at;
     const bool isNumber = std::isdigit(static_cast<unsigned char>(*at)) || *at == '-' || *at == '+';

@@ -4,8 +4,12 @@
 
 extern "C" {
 
-ov_rc ov_sock_init(void) { return 0; }
+ov_rc ov_sock_init(void) {
+  return 0;
+}
 
-ov_rc ov_sock_fini(void) { return 0; }
+ov_rc ov_sock_fini(void) {
+  return 0;
+}
 
 }  // extern "C"
