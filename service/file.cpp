@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 
 namespace Vantrel::Web {
 
-File::File(const std::string& filePath) : path(filePath) {
+File::File(std::string filePath) : path(std::move(filePath)) {
   if (const ov_rc code = ov_file_init(&handle)) {
     noteError(code);
     ov_log("File::File() error: %s", errorText);

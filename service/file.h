@@ -11,7 +11,7 @@ namespace Vantrel::Web {
 class File {
  public:
   // `filePath` is UTF-8.
-  explicit File(const std::string& filePath);
+  explicit File(std::string filePath);
   ~File();
   File(const File&) = delete;
   File& operator=(const File&) = delete;

@@ -65,7 +65,7 @@ void HttpReplyReader::readLength() {
   if (*at == '-' || *at == '+') ++at;
   constexpr uint64_t kMax = std::numeric_limits<uint64_t>::max();
   for (; isDigit(*at); ++at) {
-    const uint64_t digit = static_cast<uint64_t>(*at - '0');
+    const auto digit = static_cast<uint64_t>(*at - '0');
     contentLength = contentLength > (kMax - digit) / 10 ? kMax : contentLength * 10 + digit;
   }
   if (negative && contentLength > 0) lengthState = Length::kAbsent;

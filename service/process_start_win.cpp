@@ -15,7 +15,7 @@ namespace {
 constexpr size_t kCommandSize = 8192;  // bytes
 
 ov_rc lastError() {
-  const ov_rc code = static_cast<ov_rc>(GetLastError());
+  const auto code = static_cast<ov_rc>(GetLastError());
   return code != 0 ? code : errno;
 }
 

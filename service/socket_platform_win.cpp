@@ -50,7 +50,7 @@ bool connectTcp(uint64_t handle, uint32_t address, uint16_t port, int32_t* code)
   target.sin_addr.s_addr = address;
   target.sin_port = htons(port);
   if (connect(handle, reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0) return true;
-  const int32_t lastError = static_cast<int32_t>(GetLastError());
+  const auto lastError = static_cast<int32_t>(GetLastError());
   *code = lastError != 0 ? lastError : errno;
   return false;
 }

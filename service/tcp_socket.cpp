@@ -86,7 +86,7 @@ std::string IpAddress::resolve(const std::string& host) {
       return {};
     case SocketPlatform::Resolution::kNoIpv4:
       ov_err("IpAddress::resolve() Unable to resolve IP address (AF_INET not found)");
-      std::fflush(stdout);
+      static_cast<void>(std::fflush(stdout));
       return {};
   }
   return {};

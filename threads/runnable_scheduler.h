@@ -26,7 +26,7 @@ class RunnableScheduler {
   static void stopRunnables(OneShotManager* oneShotManager);
 
  private:
-  static void handleRunnablePair(void* pair);
+  static void handleRunnablePair(void* argument);
 };
 
 }  // namespace Vantrel::Web

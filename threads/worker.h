@@ -44,7 +44,7 @@ class Worker {
 #else
   using ThreadResult = uint32_t;
 #endif
-  static ThreadResult start_helper(void* worker);
+  static ThreadResult start_helper(void* argument);
   void waitForFinishedThread();
 
   std::unique_ptr<ov_thread> thread;
