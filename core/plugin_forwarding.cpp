@@ -16,13 +16,12 @@ namespace Vantrel::Web {
 
 namespace {
 
-constexpr char kEmptyBody[] = "{}";
+const std::string kEmptyBody = "{}";
 constexpr char kVersionPath[] = "/v4/vantrel/version";
 constexpr char kVersionBody[] = R"({"orvane_vantrel_settings":{"app_id":"version request"}})";
 
 const std::string& bodyToSend(const std::string& body) {
-  static const std::string emptyBody = kEmptyBody;
-  return body.empty() ? emptyBody : body;
+  return body.empty() ? kEmptyBody : body;
 }
 
 // A request as a page asks for it, without the client's key; null when memory runs out.

@@ -5,9 +5,16 @@
 
 namespace Vantrel::Web {
 
+namespace {
+
+// Not local to its function: the guard of a local static makes the compiler's thread library keep a
+// record of the first thread that comes by, two handles with it, beyond the unload of the module.
+ServiceCaches processCaches;
+
+}  // namespace
+
 ServiceCaches& serviceCaches() {
-  static ServiceCaches caches;
-  return caches;
+  return processCaches;
 }
 
 void resetServiceCaches(const std::string& appDataDirectory, const std::string& executablePath) {
