@@ -3,8 +3,7 @@
 # usage: check-exports.sh LIBRARY DEF-FILE
 set -eu
 wanted=$(sed -n '/^EXPORTS/,$p' "$2" | sed -e 1d -e 's/;.*//' | awk 'NF { print $1 }' | LC_ALL=C sort)
-found=$(x86_64-w64-mingw32-objdump -p "$1" |
-  sed -n '/\[Ordinal\/Name Pointer\] Table/,/^$/p' | awk '/\[ *[0-9]+\]/ { print $NF }' | LC_ALL=C sort)
+found=$("$(dirname "$0")/exported-names.sh" "$1")
 [ -n "$found" ] || { echo "no exports read from $1" >&2; exit 1; }
 duplicates=$(printf '%s\n' "$wanted" | uniq -d)
 [ -z "$duplicates" ] || { echo "named twice in $2: $duplicates" >&2; exit 1; }
