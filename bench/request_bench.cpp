@@ -3,12 +3,12 @@
 // - the check of a 10 MB body with 100,000 approved paths, against parsing that body alone.
 // usage: request_bench
 
-#include <chrono>
 #include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "bench/bench.h"
 #include "core/approved_files.h"
 #include "core/json_document.h"
 #include "core/request_check.h"
@@ -18,28 +18,12 @@
 namespace Vantrel::Web {
 namespace {
 
+using Bench::print;
+using Bench::shortest;
+
 constexpr size_t kReplySize = size_t{64} << 20;
 constexpr size_t kPieceSize = 1024;
 constexpr int kPaths = 100000;
-constexpr int kRounds = 5;
-
-// The shortest of a few runs, in seconds.
-template <class Work>
-double shortest(Work work) {
-  double best = 1e9;
-  for (int round = 0; round < kRounds; ++round) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    if (time.count() < best) best = time.count();
-  }
-  return best;
-}
-
-void print(const char* name, double seconds, const char* reference, double referenceSeconds) {
-  std::printf("%-28s %7.3f s   %-20s %7.3f s   ratio %.2f\n", name, seconds, reference,
-              referenceSeconds, seconds / referenceSeconds);
-}
 
 template <class Take>
 void inPieces(std::string_view text, Take take) {

@@ -10,6 +10,12 @@
 namespace ov {
 
 char* base64_encode(const Base64Alphabet& alphabet, const uint8_t* src, size_t len, char* dst) {
+  const size_t done = base64_can_shuffle() ? base64_encode_by_shuffle(alphabet, src, len, dst) : 0;
+  return base64_encode_by_table(alphabet, src + done, len - done, dst + done / 3 * 4);
+}
+
+char* base64_encode_by_table(const Base64Alphabet& alphabet, const uint8_t* src, size_t len,
+                             char* dst) {
   const auto put = [&dst](const std::array<char, 2>& pair) {
     std::memcpy(dst, pair.data(), pair.size());
     dst += pair.size();

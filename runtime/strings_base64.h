@@ -14,8 +14,12 @@ struct Base64Alphabet {
   std::array<std::array<char, 2>, 4096> pairs{};
   // The value of each symbol, base64_none for all other bytes.
   std::array<uint8_t, 256> values{};
+  // The two symbols in which the alphabets differ.
+  char symbol62;
+  char symbol63;
 
-  constexpr Base64Alphabet(char symbol62, char symbol63) {
+  constexpr Base64Alphabet(char symbol_62, char symbol_63)
+      : symbol62(symbol_62), symbol63(symbol_63) {
     std::array<char, 64> symbols{};
     for (size_t i = 0; i < 26; ++i) {
       symbols[i] = static_cast<char>('A' + i);
@@ -40,7 +44,18 @@ constexpr bool base64_fits(size_t len, size_t dst_size) {
   return dst_size > 0 && groups <= (dst_size - 1) / 4;
 }
 
-// Writes the symbols of `len` bytes, without padding and terminator; the end of what it wrote.
+// Writes the symbols of `len` bytes, without padding and terminator; the end of what it wrote. In
+// the fastest way that this processor has.
 char* base64_encode(const Base64Alphabet& alphabet, const uint8_t* src, size_t len, char* dst);
+
+// The same by look-ups alone.
+char* base64_encode_by_table(const Base64Alphabet& alphabet, const uint8_t* src, size_t len,
+                             char* dst);
+
+// The same for whole blocks of 12 bytes, by shuffles of 16 bytes; the number of bytes encoded, with
+// at most 15 left over. Only where the processor can.
+bool base64_can_shuffle();
+size_t base64_encode_by_shuffle(const Base64Alphabet& alphabet, const uint8_t* src, size_t len,
+                                char* dst);
 
 }  // namespace ov

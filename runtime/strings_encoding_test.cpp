@@ -7,103 +7,16 @@
 #include <vector>
 
 #include "runtime/captured_log.h"
+#include "runtime/encodings_reference.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
+#include "runtime/strings_base64.h"
 
 namespace {
 
 using Lines = std::vector<std::string>;
 
-const std::string standard_alphabet =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-const std::string url_alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
-
-std::string slow_bits(const std::string& bytes) {
-  std::string bits;
-  for (const char byte : bytes) {
-    for (int i = 7; i >= 0; --i) bits += (static_cast<uint8_t>(byte) >> i & 1) != 0 ? '1' : '0';
-  }
-  return bits;
-}
-
-std::string slow_encode(const std::string& bytes, const std::string& alphabet, bool pad) {
-  std::string bits = slow_bits(bytes);
-  while (bits.size() % 6 != 0) bits += '0';
-  std::string text;
-  for (size_t i = 0; i < bits.size(); i += 6) {
-    text += alphabet[std::stoul(bits.substr(i, 6), nullptr, 2)];
-  }
-  while (pad && text.size() % 4 != 0) text += '=';
-  return text;
-}
-
-// What a decoder gives: its code, and on success the bytes.
-struct Decoded {
-  ov_rc code;
-  std::string bytes;
-  bool operator==(const Decoded&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& out, const Decoded& decoded) {
-  return out << "{" << decoded.code << ", \"" << testing::PrintToString(decoded.bytes) << "\"}";
-}
-
-const Decoded refused = {OV_EINVAL, ""};
-
-// Groups of four: "=" at the start of one ends the text, as its second symbol is an error, as its
-// third or fourth leaves one or two bytes.
-Decoded slow_groups(const std::string& text, const std::string& alphabet) {
-  std::string bytes;
-  for (size_t i = 0; i < text.size(); i += 4) {
-    if (text[i] == '=') break;
-    size_t take = 4;
-    for (size_t n = 3; n >= 1; --n) {
-      if (text[i + n] == '=') take = n;
-    }
-    if (take == 1) return refused;
-    // Behind a third "=" the fourth symbol is not looked at.
-    uint32_t bits = 0;
-    for (size_t n = 0; n < 4; ++n) {
-      const size_t value = n < take ? alphabet.find(text[i + n]) : 0;
-      if (value == std::string::npos) return refused;
-      bits = bits << 6 | static_cast<uint32_t>(value);
-    }
-    for (size_t n = 0; n + 1 < take; ++n) bytes += static_cast<char>(bits >> (16 - 8 * n) & 255);
-  }
-  return {0, bytes};
-}
-
-Decoded slow_strict(const std::string& text) {
-  if (text.size() % 4 != 0) return refused;
-  return slow_groups(text, standard_alphabet);
-}
-
-Decoded slow_blanks(const std::string& text) {
-  std::string kept;
-  for (const char c : text) {
-    if (std::string(" \t\r\n").find(c) != std::string::npos) continue;
-    if (standard_alphabet.find(c) == std::string::npos && c != '=') return refused;
-    kept += c;
-  }
-  return slow_strict(kept);
-}
-
-Decoded slow_mime(const std::string& text) {
-  std::string kept;
-  for (const char c : text) {
-    if (c == 0) break;
-    if (standard_alphabet.find(c) != std::string::npos) kept += c;
-  }
-  while (kept.size() % 4 != 0) kept += '=';
-  return slow_groups(kept, standard_alphabet);
-}
-
-Decoded slow_url(const std::string& text) {
-  if (text.size() % 4 == 1 || text.find('=') != std::string::npos) return refused;
-  std::string kept = text;
-  while (kept.size() % 4 != 0) kept += '=';
-  return slow_groups(kept, url_alphabet);
-}
+using namespace ov::reference;
 
 using Decoder = ov_rc (*)(const char*, size_t, void*, size_t, size_t*);
 
@@ -356,6 +269,108 @@ TEST(Base64Test, ValidCharactersAreTheAlphabetAndTheTerminator) {
     const char c = static_cast<char>(byte);
     const bool expected = c == 0 || standard_alphabet.find(c) != std::string::npos;
     EXPECT_EQ(expected ? 1 : 0, ov_str_base64_valid_char(c)) << byte;
+  }
+}
+
+// One way of the encoder against the slow one. The source has exactly the bytes told.
+void compare_encoder(const std::string& symbols, size_t length, std::mt19937& random,
+                     size_t (*encode_with)(const ov::Base64Alphabet&, const uint8_t*, size_t,
+                                           char*)) {
+  const ov::Base64Alphabet alphabet(symbols[62], symbols[63]);
+  std::vector<uint8_t> bytes(length);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
+  std::vector<char> text(length / 3 * 4 + 5, '#');
+  const size_t done = encode_with(alphabet, bytes.data(), length, text.data());
+  ASSERT_LE(done, length);
+  const std::string expected =
+      slow_encode(std::string(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(done)),
+                  symbols, false);
+  ASSERT_EQ(expected, std::string(text.data(), expected.size()));
+  ASSERT_EQ('#', text[expected.size()]);
+}
+
+size_t encode_by_table(const ov::Base64Alphabet& alphabet, const uint8_t* src, size_t len,
+                       char* dst) {
+  ov::base64_encode_by_table(alphabet, src, len, dst);
+  return len;
+}
+
+TEST(Base64Test, EveryWayOfTheEncoderAgreesWithTheSlowEncoder) {
+  std::mt19937 random(23);
+  for (size_t length = 0; length < 260; ++length) {
+    for (const std::string& symbols : {standard_alphabet, url_alphabet}) {
+      for (int round = 0; round < 4; ++round) {
+        ASSERT_NO_FATAL_FAILURE(compare_encoder(symbols, length, random, &encode_by_table));
+        ASSERT_TRUE(ov::base64_can_shuffle()) << "this processor cannot show it";
+        ASSERT_NO_FATAL_FAILURE(
+            compare_encoder(symbols, length, random, &ov::base64_encode_by_shuffle));
+      }
+    }
+  }
+}
+
+TEST(Base64Test, ShufflesEncodeEveryPairOfValuesInEveryPlace) {
+  ASSERT_TRUE(ov::base64_can_shuffle()) << "this processor cannot show it";
+  // Two neighbours of 12 bits each in all 8 places of a block of 12 bytes.
+  for (const std::string& symbols : {standard_alphabet, url_alphabet}) {
+    const ov::Base64Alphabet alphabet(symbols[62], symbols[63]);
+    for (uint32_t pair = 0; pair < 4096; ++pair) {
+      std::string expected(16, 'A');
+      std::string bytes(16, '\0');
+      const uint32_t group = pair << 12 | pair;
+      for (size_t place = 0; place < 4; ++place) {
+        for (size_t i = 0; i < 3; ++i) {
+          bytes[place * 3 + i] = static_cast<char>(group >> (16 - 8 * i));
+        }
+        for (size_t i = 0; i < 4; ++i) {
+          expected[place * 4 + i] = symbols[i % 2 == 0 ? pair >> 6 : pair & 63];
+        }
+      }
+      std::string text(16, '#');
+      ASSERT_EQ(12u,
+                ov::base64_encode_by_shuffle(
+                    alphabet, reinterpret_cast<const uint8_t*>(bytes.data()), 16, text.data()));
+      ASSERT_EQ(expected, text);
+    }
+  }
+}
+
+TEST(Base64Test, ShufflesLeaveAtMost15Bytes) {
+  ASSERT_TRUE(ov::base64_can_shuffle()) << "this processor cannot show it";
+  const ov::Base64Alphabet alphabet('+', '/');
+  const std::vector<uint8_t> bytes(100);
+  char text[200];
+  for (size_t length = 0; length <= 100; ++length) {
+    const size_t done = ov::base64_encode_by_shuffle(alphabet, bytes.data(), length, text);
+    EXPECT_EQ(length < 16 ? 0 : (length - 4) / 12 * 12, done) << length;
+  }
+}
+
+TEST(Base16Test, EveryShortTextAndRandomLongOnesAgreeWithTheSlowDecoder) {
+  ov::CapturedLog log;
+  std::vector<std::string> texts = all_texts(std::string("09afAFgG/:@`") + '\0', 4);
+  std::mt19937 random(29);
+  for (int round = 0; round < 20000; ++round) {
+    const std::string letters =
+        round % 4 == 0 ? "0123456789abcdefABCDEFg" : "0123456789abcdefABCDEF";
+    std::string text(random() % 60, '0');
+    for (char& c : text) c = letters[random() % letters.size()];
+    texts.push_back(text);
+  }
+  for (const std::string& text : texts) {
+    std::vector<uint8_t> bytes(text.size() / 2 + 1);
+    const std::vector<char> exact(text.begin(), text.end());
+    const char none = 0;
+    size_t length = 0;
+    Decoded decoded = {ov_str_base16_to_buf(text.empty() ? &none : exact.data(), text.size(),
+                                            bytes.data(), text.size() / 2, &length),
+                       ""};
+    if (decoded.code == 0) {
+      decoded.bytes.assign(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
+      ASSERT_EQ(slow_base16(decoded.bytes), encode(&ov_str_buf_to_base16, decoded.bytes));
+    }
+    ASSERT_EQ(slow_base16_decode(text), decoded) << text;
+    log.take();
   }
 }
 

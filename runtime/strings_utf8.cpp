@@ -3,6 +3,7 @@
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
+#include "runtime/utf8_ascii.h"
 #include "runtime/utf8_sequence.h"
 
 namespace {
@@ -13,33 +14,39 @@ const uint8_t* as_bytes(const char* text) {
   return reinterpret_cast<const uint8_t*>(text);
 }
 
-// Length of the well-formed sequence at the start of the bytes, or 0.
+// Length of the well-formed sequence at the start of the bytes, which is not ASCII, or 0. Stops at
+// the first byte at fault, so a text with a terminator may pass any `available`. The lengths are
+// told by branches, since a processor reads on behind a guessed branch but waits for a looked-up
+// length.
 size_t well_formed_sequence(const uint8_t* text, size_t available) {
-  const size_t good = ov::utf8_good_bytes(text, available, false);
-  return good > 0 && good == ov::utf8_sequence_length(text[0]) ? good : 0;
+  const uint8_t first = text[0];
+  if (first < 0xc2 || first > 0xf4 || available < 2) return 0;
+  if (!ov::is_utf8_second_byte(first, text[1], false)) return 0;
+  if (first < 0xe0) return 2;
+  if (available < 3 || !ov::is_utf8_continuation(text[2])) return 0;
+  if (first < 0xf0) return 3;
+  if (available < 4 || !ov::is_utf8_continuation(text[3])) return 0;
+  return 4;
 }
 
-// Number of ASCII bytes at the start, eight at a time; may stop short of the last seven.
-size_t ascii_run(const uint8_t* text, size_t length) {
-  constexpr uint64_t high_bits = 0x8080808080808080;
-  size_t run = 0;
-  for (uint64_t bytes = 0; length - run >= sizeof bytes; run += sizeof bytes) {
-    std::memcpy(&bytes, text + run, sizeof bytes);
-    if (bytes & high_bits) break;
-  }
-  return run;
-}
+// What there is of a text of at most `max` bytes.
+struct WellFormed {
+  size_t length;  // of its well-formed start
+  bool whole;     // nothing follows that start
+};
 
-size_t well_formed_bytes(const uint8_t* bytes, size_t length) {
+WellFormed well_formed_start(const uint8_t* text, size_t max) {
   size_t at = 0;
-  while (at < length) {
-    at += ascii_run(bytes + at, length - at);
-    if (at == length) break;
-    const size_t sequence = well_formed_sequence(bytes + at, length - at);
-    if (sequence == 0) break;
-    at += sequence;
+  for (;;) {
+    at += ov::utf8_ascii_run(text + at, max - at);
+    if (at == max || text[at] == 0) return {at, true};
+    // A terminator inside a sequence is a fault in it, so nothing behind one is read.
+    while (at < max && text[at] >= 0x80) {
+      const size_t sequence = well_formed_sequence(text + at, max - at);
+      if (sequence == 0) return {at, false};
+      at += sequence;
+    }
   }
-  return at;
 }
 
 // Writes pieces into a buffer, keeping room for the terminator.
@@ -63,13 +70,11 @@ size_t ov_utf8_len(const char* text) {
 }
 
 int32_t ov_utf8_is_valid(const char* text, size_t max) {
-  if (!text) return 0;
-  const size_t length = ov_str_nlen(text, max);
-  return well_formed_bytes(as_bytes(text), length) == length ? 1 : 0;
+  return text && well_formed_start(as_bytes(text), max).whole ? 1 : 0;
 }
 
 size_t ov_utf8_well_formed_length(const char* text, size_t max) {
-  return well_formed_bytes(as_bytes(text), ov_str_nlen(text, max));
+  return text ? well_formed_start(as_bytes(text), max).length : 0;
 }
 
 ov_rc ov_utf8_trim_trailing_partial(char* text, size_t* length) {

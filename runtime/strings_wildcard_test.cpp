@@ -5,27 +5,11 @@
 #include <vector>
 
 #include "runtime/ov_strings.h"
+#include "runtime/wildcard_reference.h"
 
 namespace {
 
-// The rules of the match, one after the other and with no regard to time.
-bool slow_match(const char* pattern, const char* text) {
-  if (*pattern == 0 || *text == 0) {
-    return std::string(pattern) == "*" || (*pattern == 0 && *text == 0);
-  }
-  if (*pattern == '*') {
-    if (pattern[1] == 0) return true;
-    for (; *text; ++text) {
-      if (slow_match(pattern + 1, text)) return true;
-    }
-    return false;
-  }
-  if (*pattern == '?') return slow_match(pattern + 1, text + 1);
-  if (*pattern == '\\') {
-    return pattern[1] != 0 && pattern[1] == *text && slow_match(pattern + 2, text + 1);
-  }
-  return *pattern == *text && slow_match(pattern + 1, text + 1);
-}
+using ov::reference::slow_match;
 
 // All texts of up to `length` bytes of `letters`.
 std::vector<std::string> all_texts(const std::string& letters, size_t length) {
