@@ -11,6 +11,7 @@
 #include "runtime/ov_files.h"
 #include "runtime/ov_threads.h"
 #include "runtime/ov_process.h"
+#include "runtime/ov_platform.h"
 #include "runtime/ov_uri.h"
 #include "runtime/ov_registry.h"
 #include "runtime/ov_sockets.h"

@@ -6,6 +6,7 @@
 #include "runtime/ov_process.h"
 #include "runtime/ov_strings.h"
 #include "runtime/paths_internal.h"
+#include "tests/native/runtime/code_posix.h"
 
 ov_rc ov_process_getenv(const char* name, char* buffer, size_t size) {
   if (name == nullptr && g_ov_asserts_active == 0) ++g_ov_asserts_skipped;
@@ -13,6 +14,11 @@ ov_rc ov_process_getenv(const char* name, char* buffer, size_t size) {
   const char* const value = getenv(name);
   if (value == nullptr || value[0] == '\0') return OV_EINVAL;
   return ov_str_ncpy(buffer, value, size);
+}
+
+ov_rc ov_process_setenv(const char* name, const char* value) {
+  if (name == nullptr) return OV_EINVAL;
+  return ov::code_of_call(value == nullptr ? unsetenv(name) : setenv(name, value, 1));
 }
 
 int32_t ov_path_executable_path(char* out, size_t size) {

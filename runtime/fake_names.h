@@ -1,0 +1,44 @@
+// For tests: takes the place of the platform's names of this computer and of domains. To be
+// included by one source of a program.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "runtime/ascii_case.h"
+#include "runtime/identity_platform.h"
+#include "runtime/ov_errors.h"
+#include "runtime/ov_strings.h"
+
+namespace ov {
+
+struct FakeNames {
+  std::string computer = "bB";
+  ov_rc computer_error = 0;
+  // By the name in lower case.
+  std::map<std::string, std::string> domains;
+  // Looked-up domains are noted; a flag, since many threads may look up without a lock.
+  bool note = true;
+  std::vector<std::string> asked;
+};
+inline FakeNames fake_names;
+
+inline std::string lower(std::string text) {
+  for (char& c : text) c = ascii_lower(c);
+  return text;
+}
+
+ov_rc computer_name(char* out, size_t size) {
+  if (fake_names.computer_error != 0) return fake_names.computer_error;
+  return ov_str_ncpy(out, fake_names.computer.c_str(), size);
+}
+
+ov_rc flat_domain_name(const char* domain, char* out, size_t size) {
+  if (fake_names.note) fake_names.asked.push_back(domain);
+  const auto found = fake_names.domains.find(lower(domain));
+  if (found == fake_names.domains.end()) return 1355;
+  return ov_str_ncpy(out, found->second.c_str(), size);
+}
+
+}  // namespace ov
