@@ -1,12 +1,14 @@
 /* Sockets of the base runtime. Part of ov_runtime.h. Results are 0 or an error code. */
 #pragma once
 
+#include "runtime/ov_time.h"
 #include "runtime/ov_types.h"
 
 OV_BEGIN_DECLS
 
-/* The platform's record of that name. */
+/* The platform's records of these names; the second is its WSABUF. */
 struct linger;
+struct _WSABUF;
 
 /* A socket; all ones when closed. */
 typedef uint64_t ov_sock;
@@ -37,6 +39,37 @@ ov_rc ov_sock_get_tcp_inq_size(ov_sock* sock, int32_t* size);
 /* Always stores 3; always 0. */
 ov_rc ov_sock_timer_level(ov_sock* sock, int32_t* level);
 int32_t ov_sock_is_nonblocking_safe(void);
+
+/* Receive into, send from and look into the queue through an array of `n` buffers, in one call.
+   `*bytes` is what was moved. A peek at a message that is longer than the buffers is a success that
+   fills them. */
+ov_rc ov_sock_readv(ov_sock* sock, struct _WSABUF* buffers, int32_t n, uint32_t* bytes);
+ov_rc ov_sock_writev(ov_sock* sock, struct _WSABUF* buffers, int32_t n, uint32_t* bytes);
+ov_rc ov_sock_peekv(ov_sock* sock, struct _WSABUF* buffers, int32_t n, uint32_t* bytes);
+
+/* Receive or send `length` bytes; `*count` is what was moved, on failure too. The plain forms block
+   until it is done. The others stop after `seconds` (0 for no limit): running out of time and a
+   peer that closes are success with a short count. A last wait that succeeds is followed by calls
+   that block. On a non-blocking socket with nothing moved 10035; 22 for negative seconds. */
+ov_rc ov_buf_read(ov_sock* sock, void* buffer, uint32_t length, uint32_t* count);
+ov_rc ov_buf_write(ov_sock* sock, const void* buffer, uint32_t length, uint32_t* count);
+ov_rc ov_buf_read_tmout(ov_sock* sock, void* buffer, uint32_t length, uint32_t* count,
+                        int32_t seconds);
+ov_rc ov_buf_write_tmout(ov_sock* sock, const void* buffer, uint32_t length, uint32_t* count,
+                         int32_t seconds);
+
+/* A connected pair of TCP sockets on the loopback address, tried again while its port is in use.
+   The caller closes both; all ones on failure. */
+ov_rc ov_sock_pair(ov_sock sockets[2]);
+
+/* Send and receive one datagram on a connected socket: its size in bytes, or -1. `level` is the
+   precision of the caller's timer, 1 to 3. Sending uses no time and all levels mean the same, with
+   a debug line at level 1. Receiving stores the time of arrival in `*time` at levels 2 and 3;
+   level 1 gives 0 without receiving, other levels -1. */
+int32_t ov_sock_send_udp_ts(ov_sock* sock, const void* buffer, int32_t size, ov_timeval* time,
+                            int32_t level);
+int32_t ov_sock_recv_udp_ts(ov_sock* sock, void* buffer, int32_t size, ov_timeval* time,
+                            int32_t level);
 
 /* Options. Each pair is one setsockopt and one getsockopt; the value is read from and stored into
    `*value`. */
@@ -136,5 +169,62 @@ int32_t ov_sock_is_valid_mcast_addr(const ov_sock_addr* addr);
 
 /* `*answer` is 1 for IPv4 in 192.168.0.0/16, 172.16.0.0/12 or 10.0.0.0/8; else 0. */
 ov_rc ov_sock_is_private_network(const ov_sock_addr* addr, int32_t* answer);
+
+/* Numeric text from the address of that family (2 or 23) in `source`, and back. The text needs
+   `size` bytes, else 122; 65 hold every one. Reading stores the whole record, with a port or scope
+   that the text may have. */
+ov_rc ov_sock_ntop(int32_t family, const ov_sock_addr* source, char* text, size_t size);
+ov_rc ov_sock_pton(int32_t family, const char* text, ov_sock_addr* destination);
+
+/* Reads IPv4 or IPv6 text: stores family and address and leaves port and scope alone; `isIpv6` may
+   be null. The second tells the family only; 22 for other text. */
+ov_rc ov_sock_store_ipaddr(const char* text, ov_sock_addr* addr, int32_t* isIpv6);
+ov_rc ov_sock_ip6_or_ip4(const char* text, int32_t* isIpv6);
+
+/* Numeric text of an address; 22 for a size of 64 or less or an unknown family. The second also
+   tells the family, unless `isIpv6` is null. */
+ov_rc ov_sock_get_ipaddrstr(const ov_sock_addr* addr, char* text, size_t size);
+ov_rc ov_sock_copy_ipaddrstr(const ov_sock_addr* addr, char* text, size_t size, int32_t* isIpv6);
+
+/* Looks up "host", "host:port" or "[IPv6]:port" and stores family, port and address of the first
+   result; without a port it is 0. 22 when the first result is of another family. */
+ov_rc ov_sock_resolve_addr(const char* text, ov_sock_addr* addr);
+
+/* `*answer` is 1 for "localhost", "127.0.0.1", "::1" and a host with an address of this machine's
+   adapters. The code of the look-up, with 0 in `*answer`, when that fails. */
+ov_rc ov_sock_is_localhost(const char* text, int32_t* answer);
+/* `*answer` is 1 for an address of this machine's adapters; the first also for a null or loopback
+   address. */
+ov_rc ov_sock_is_local_address(const ov_sock_addr* addr, int32_t* answer);
+ov_rc ov_sock_is_local_interface_address(const ov_sock_addr* addr, int32_t* answer);
+
+/* The first IPv4 address of an adapter that is neither null nor loopback. 1 when no adapter has an
+   IPv4 address, 2 when all are null or loopback. */
+ov_rc ov_sock_get_1host_ipaddr(ov_sock_addr* addr);
+
+/* Hardware address of the adapter with that address, as in "00:1b:44:11:3a:b7" (18 bytes). 22 for a
+   null or loopback address and one that no adapter has. `sock` is not read. */
+ov_rc ov_sock_get_mac_addr(ov_sock* sock, const ov_sock_addr* addr, char* text, size_t size);
+
+/* A socket that listens at, or is connected to, the first result of a look-up with which that
+   works; all ones and the last code when none does. Node, service, family and type are those of the
+   platform's look-up. The third form binds to `local` (IPv4 text, or null) first. The caller closes
+   the socket. */
+ov_rc ov_sock_create_server(const char* node, const char* service, int32_t family, int32_t type,
+                            ov_sock* sock);
+ov_rc ov_sock_create_client(const char* node, const char* service, int32_t family, int32_t type,
+                            ov_sock* sock);
+ov_rc ov_sock_create_client2(const char* local, const char* node, const char* service,
+                             int32_t family, int32_t type, ov_sock* sock);
+
+/* Prepares a datagram socket for the next function. */
+ov_rc ov_sock_set_recvmsg_dstaddr(ov_sock* sock, int32_t isIpv6);
+
+/* Receives one datagram: its size, its sender (`from` may be null), and the address that it was
+   sent to, without a port. 10040 when it is longer than `size`. 22 when the system did not tell the
+   destination, as for a socket that is not prepared; if it is prepared in another way, the
+   datagram, its size and sender are there all the same. */
+ov_rc ov_sock_recvmsg_dstaddr(ov_sock* sock, void* buffer, uint32_t size, uint32_t* bytes,
+                              ov_sock_addr* from, ov_sock_addr* dst, int32_t isIpv6);
 
 OV_END_DECLS

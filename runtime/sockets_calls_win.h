@@ -1,0 +1,87 @@
+// What the Windows sources of the sockets share: an owned socket, codes, and address records in the
+// system's form. Not part of the public header.
+#pragma once
+
+#include <winsock2.h>
+#include <ws2tcpip.h>
+
+#include <string.h>
+
+#include <utility>
+
+#include "runtime/ov_errors.h"
+#include "runtime/ov_sockets.h"
+
+namespace ov {
+
+// The record has the system's layout for both families.
+static_assert(sizeof(ov_sock_addr) == sizeof(sockaddr_in6));
+static_assert(offsetof(ov_sock_addr, port) == offsetof(sockaddr_in6, sin6_port));
+static_assert(offsetof(ov_sock_addr, ipv4) == offsetof(sockaddr_in, sin_addr));
+static_assert(offsetof(ov_sock_addr, ipv6) == offsetof(sockaddr_in6, sin6_addr));
+static_assert(offsetof(ov_sock_addr, scope_id) == offsetof(sockaddr_in6, sin6_scope_id));
+
+// The code of the call on a socket that just failed; never 0. To be called before anything else is.
+inline ov_rc socket_error() {
+  const ov_rc code = WSAGetLastError();
+  return code != 0 ? code : OV_EINVAL;
+}
+
+// 0 for a call that succeeded with 0, else its code.
+inline ov_rc socket_code(int result) {
+  return result == 0 ? 0 : socket_error();
+}
+
+// Closes its socket when it goes, unless that was released.
+class OwnedSocket {
+ public:
+  explicit OwnedSocket(SOCKET socket) : socket_(socket) {}
+  ~OwnedSocket() {
+    if (*this) closesocket(socket_);
+  }
+  OwnedSocket(const OwnedSocket&) = delete;
+  OwnedSocket& operator=(const OwnedSocket&) = delete;
+
+  explicit operator bool() const { return socket_ != INVALID_SOCKET; }
+  SOCKET get() const { return socket_; }
+  SOCKET release() { return std::exchange(socket_, INVALID_SOCKET); }
+
+ private:
+  SOCKET socket_;
+};
+
+enum class Readiness { kReading, kWriting };
+
+// Waits until the socket can be read or written: above 0 when it can, 0 when the time is up, below
+// 0 for a failure.
+inline int wait_socket(SOCKET socket, Readiness readiness, long milliseconds) {
+  fd_set set;
+  set.fd_count = 1;
+  set.fd_array[0] = socket;
+  timeval limit = {milliseconds / 1000, milliseconds % 1000 * 1000};
+  const bool reading = readiness == Readiness::kReading;
+  return select(0, reading ? &set : nullptr, reading ? nullptr : &set, nullptr, &limit);
+}
+
+// The system's size of an address of that family; 0 for a family that the record does not hold.
+inline int address_size(int family) {
+  if (family == AF_INET) return sizeof(sockaddr_in);
+  return family == AF_INET6 ? sizeof(sockaddr_in6) : 0;
+}
+
+inline const sockaddr* to_system(const ov_sock_addr* addr) {
+  return reinterpret_cast<const sockaddr*>(addr);
+}
+
+inline sockaddr* to_system(ov_sock_addr* addr) {
+  return reinterpret_cast<sockaddr*>(addr);
+}
+
+// The record of a system's address; all zero for a family that it does not hold.
+inline ov_sock_addr to_record(const sockaddr* address) {
+  ov_sock_addr addr = {};
+  memcpy(&addr, address, static_cast<size_t>(address_size(address->sa_family)));
+  return addr;
+}
+
+}  // namespace ov
