@@ -12,7 +12,7 @@ $compiler -c -o "$tmp/object" -aux-info "$tmp/functions" "$tmp/header.c"
 $compiler -E -P "$tmp/header.c" >"$tmp/text"
 {
   sed -n 's|^/\* ./runtime/ov_[^ ]* \*/ extern [^(]*[ *]\([A-Za-z_0-9]*\) (.*|\1|p' "$tmp/functions"
-  sed -n 's|^extern __attribute__((dllimport)).*[ *]\([a-z_0-9]*\)\(\[[^]]*\]\)*;$|\1|p' "$tmp/text"
+  sed -n 's|^extern __attribute__((dllimport)).*[ *]\([A-Za-z_0-9]*\)\(\[[^]]*\]\)*;$|\1|p' "$tmp/text"
 } | LC_ALL=C sort -u >"$tmp/declared"
 
 scripts/exported-names.sh "$1" | grep -vE '^(NP_|Dll)' >"$tmp/exported"
