@@ -11,7 +11,8 @@
 /* Tells a failed call with the system's words for its code. */
 static int failed(const char* what, ov_rc code) {
   char words[256];
-  fprintf(stderr, "%s: %s (%d)\n", what, ov_platform_errstr_inline(code, words, sizeof words), code);
+  fprintf(stderr, "%s: %s (%d)\n", what, ov_platform_errstr_inline(code, words, sizeof words),
+          code);
   ov_err("%s failed with %d", what, code);
   return 1;
 }
