@@ -102,7 +102,7 @@ int32_t ov_sock_is_loopback_ipaddr(const ov_sock_addr* addr) {
 }
 
 int32_t ov_sock_is_valid_mcast_addr(const ov_sock_addr* addr) {
-  if (is_ipv4(addr)) return (Octets(addr).byte[0] & 0xF0) == 0xE0 && addr->ipv4 != UINT32_MAX;
+  if (is_ipv4(addr)) return (Octets(addr).byte[0] & 0xF0) == 0xE0;  // all ones is not among them
   return is_ipv6(addr) && addr->ipv6[0] == 255;
 }
 

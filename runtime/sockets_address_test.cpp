@@ -92,8 +92,14 @@ TEST(SocketAddressTest, Equality) {
   b = v6(32, 2);
   EXPECT_EQ(0, ov_sock_addr_is_equal(&a, &b, &answer));
   EXPECT_EQ(0, answer);
-  EXPECT_EQ(22, ov_sock_addr_is_equal(nullptr, &b, &answer));
-  EXPECT_EQ(22, ov_sock_ipaddr_is_equal(&a, &b, nullptr));
+  a = {};
+  EXPECT_EQ(0, ov_sock_addr_is_equal(&a, &a, &answer));
+  EXPECT_EQ(0, answer);  // no addresses
+  for (const auto compare : {ov_sock_addr_is_equal, ov_sock_ipaddr_is_equal}) {
+    EXPECT_EQ(22, compare(nullptr, &b, &answer));
+    EXPECT_EQ(22, compare(&a, nullptr, &answer));
+    EXPECT_EQ(22, compare(&a, &b, nullptr));
+  }
 }
 
 TEST(SocketAddressTest, NullAndLoopback) {
@@ -113,6 +119,17 @@ TEST(SocketAddressTest, NullAndLoopback) {
     EXPECT_EQ(c.null, ov_sock_is_null_ipaddr(&c.addr));
     EXPECT_EQ(c.loopback, ov_sock_is_loopback_ipaddr(&c.addr));
   }
+}
+
+TEST(SocketAddressTest, UnknownFamilyIsOfNoKind) {
+  ov_sock_addr addr = v6(255, 1);
+  addr.family = 7;
+  int32_t answer = 9;
+  EXPECT_EQ(0, ov_sock_is_null_ipaddr(&addr));
+  EXPECT_EQ(0, ov_sock_is_loopback_ipaddr(&addr));
+  EXPECT_EQ(0, ov_sock_is_valid_mcast_addr(&addr));
+  EXPECT_EQ(0, ov_sock_is_private_network(&addr, &answer));
+  EXPECT_EQ(0, answer);
 }
 
 TEST(SocketAddressTest, MulticastAndPrivate) {

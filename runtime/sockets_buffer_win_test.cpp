@@ -18,6 +18,7 @@ int selects = 0;
 int transfers = 0;
 int selectFailure = 0;
 int transferFailure = 0;
+bool peerClosed = false;
 
 bool fails(int* failure) {
   if (*failure == 0) return false;
@@ -43,6 +44,7 @@ int WSAAPI receive(SOCKET socket, char* buffer, int length, int flags) {
 
 int WSAAPI transmit(SOCKET socket, const char* buffer, int length, int flags) {
   ++transfers;
+  if (peerClosed) return 0;
   if (fails(&transferFailure)) return SOCKET_ERROR;
   static const auto real = ov::socket_function<decltype(&transmit)>("send");
   return real(socket, buffer, length, flags);
@@ -68,6 +70,7 @@ class SocketBufferSystemTest : public ov::SocketFixture {
     transfers = 0;
     selectFailure = 0;
     transferFailure = 0;
+    peerClosed = false;
   }
   void write(const std::string& text) {
     EXPECT_EQ(static_cast<int>(text.size()),
@@ -145,6 +148,13 @@ TEST_F(SocketBufferSystemTest, PeerThatCloses) {
   EXPECT_EQ(0, ov_buf_read_tmout(&pair[1], buffer, 10, &count, 5));
   EXPECT_EQ("abc", taken());
   EXPECT_EQ(Messages{"DBG ov_buf_io: IO closed, pending read buf 7"}, log.take());
+}
+
+TEST_F(SocketBufferSystemTest, PeerThatClosesUnderAWrite) {
+  peerClosed = true;
+  EXPECT_EQ(0, ov_buf_write(&pair[1], "hello", 5, &count));
+  EXPECT_EQ(0U, count);
+  EXPECT_EQ(Messages{"DBG ov_buf_io: IO closed, pending write buf 5"}, log.take());
 }
 
 TEST_F(SocketBufferSystemTest, NonBlockingSocketWithNothing) {
