@@ -9,19 +9,20 @@
 namespace {
 
 template <typename Value>
-ov_rc set(ov_sock* sock, int level, int option, const Value* value, int size = sizeof(Value)) {
+ov_rc set(const ov_sock* sock, int level, int option, const Value* value,
+          int length = sizeof(Value)) {
   if (sock == nullptr || value == nullptr) return OV_EINVAL;
   const char* const data = reinterpret_cast<const char*>(value);
-  return setsockopt(*sock, level, option, data, size) == 0 ? 0 : WSAGetLastError();
+  return setsockopt(*sock, level, option, data, length) == 0 ? 0 : WSAGetLastError();
 }
 
 template <typename Value>
-ov_rc get(ov_sock* sock, int level, int option, Value* value) {
+ov_rc get(const ov_sock* sock, int level, int option, Value* value) {
   if (sock == nullptr || value == nullptr) return OV_EINVAL;
   *value = {};  // the system may fill only a part
-  int size = sizeof(Value);
+  int length = sizeof(Value);
   char* const data = reinterpret_cast<char*>(value);
-  return getsockopt(*sock, level, option, data, &size) == 0 ? 0 : WSAGetLastError();
+  return getsockopt(*sock, level, option, data, &length) == 0 ? 0 : WSAGetLastError();
 }
 
 // A call that this platform cannot make is a failed assertion.
