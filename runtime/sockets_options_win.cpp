@@ -10,19 +10,19 @@ namespace {
 
 template <typename Value>
 ov_rc set(const ov_sock* sock, int level, int option, const Value* value,
-          int length = sizeof(Value)) {
+          int bytes = sizeof(Value)) {
   if (sock == nullptr || value == nullptr) return OV_EINVAL;
   const char* const data = reinterpret_cast<const char*>(value);
-  return setsockopt(*sock, level, option, data, length) == 0 ? 0 : WSAGetLastError();
+  return setsockopt(*sock, level, option, data, bytes) == 0 ? 0 : WSAGetLastError();
 }
 
 template <typename Value>
 ov_rc get(const ov_sock* sock, int level, int option, Value* value) {
   if (sock == nullptr || value == nullptr) return OV_EINVAL;
   *value = {};  // the system may fill only a part
-  int length = sizeof(Value);
+  int bytes = sizeof(Value);
   char* const data = reinterpret_cast<char*>(value);
-  return getsockopt(*sock, level, option, data, &length) == 0 ? 0 : WSAGetLastError();
+  return getsockopt(*sock, level, option, data, &bytes) == 0 ? 0 : WSAGetLastError();
 }
 
 // A call that this platform cannot make is a failed assertion.
