@@ -9,20 +9,20 @@
 namespace {
 
 template <typename Value>
-ov_rc set(const ov_sock* sock, int level, int option, const Value* value,
+ov_rc set(const ov_sock* sock, int level, int number, const Value* value,
           int bytes = sizeof(Value)) {
   if (sock == nullptr || value == nullptr) return OV_EINVAL;
   const char* const data = reinterpret_cast<const char*>(value);
-  return setsockopt(*sock, level, option, data, bytes) == 0 ? 0 : WSAGetLastError();
+  return setsockopt(*sock, level, number, data, bytes) == 0 ? 0 : WSAGetLastError();
 }
 
 template <typename Value>
-ov_rc get(const ov_sock* sock, int level, int option, Value* value) {
+ov_rc get(const ov_sock* sock, int level, int number, Value* value) {
   if (sock == nullptr || value == nullptr) return OV_EINVAL;
   *value = {};  // the system may fill only a part
   int bytes = sizeof(Value);
   char* const data = reinterpret_cast<char*>(value);
-  return getsockopt(*sock, level, option, data, &bytes) == 0 ? 0 : WSAGetLastError();
+  return getsockopt(*sock, level, number, data, &bytes) == 0 ? 0 : WSAGetLastError();
 }
 
 // A call that this platform cannot make is a failed assertion.
