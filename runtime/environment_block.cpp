@@ -26,11 +26,11 @@ ov_rc ov::build_environment_block(const char* systemRoot, const char* const* ent
   if (sorted == nullptr) return OV_ENOMEM;
   sorted[0] = root;
   std::copy_n(entries, taken, sorted.get() + 1);
-  const auto end = std::remove(sorted.get(), sorted.get() + taken + 1, nullptr);
+  const char** const end = std::remove(sorted.get(), sorted.get() + taken + 1, nullptr);
   std::sort(sorted.get(), end,
             [](const char* a, const char* b) { return strcmp(a, b) < 0; });  // as unsigned bytes
   size_t used = 0;
-  for (auto entry = sorted.get(); entry != end; ++entry) {
+  for (const char** entry = sorted.get(); entry != end; ++entry) {
     size_t bytes = (kEnvironmentBlockUnits - 1 - used) * sizeof(uint16_t);
     if (bytes == 0 || ov_utf8_to_utf16(*entry, 0, block + used, &bytes) != 0) return OV_ENOMEM;
     used += bytes / sizeof(uint16_t);

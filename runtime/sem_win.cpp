@@ -19,7 +19,7 @@ ov_rc wait_for(ov_sem* s, DWORD milliseconds) {
   const DWORD result = open ? WaitForSingleObject(*s, milliseconds) : WAIT_FAILED;
   if (result == WAIT_OBJECT_0) return 0;
   if (result == WAIT_TIMEOUT) return kWouldBlock;
-  ov_rc error = static_cast<ov_rc>(result);
+  auto error = static_cast<ov_rc>(result);
   if (result == WAIT_FAILED) error = open ? last_code() : OV_EBADF;
   ov_log("ov_sem_wait, not signalled, err=%d", error);
   return error;

@@ -83,7 +83,6 @@ void log_destination(const ov_sock_addr* dst) {
 
 }  // namespace
 
-// NOLINTNEXTLINE(readability-non-const-parameter): every function takes its socket like that
 ov_rc ov_sock_set_recvmsg_dstaddr(ov_sock* sock, int32_t isIpv6) {
   if (sock == nullptr) return OV_EINVAL;
   if (ov::receive_message.load() == nullptr) {
@@ -107,7 +106,6 @@ ov_rc ov_sock_set_recvmsg_dstaddr(ov_sock* sock, int32_t isIpv6) {
   return error;
 }
 
-// NOLINTNEXTLINE(readability-non-const-parameter): every function takes its socket like that
 ov_rc ov_sock_recvmsg_dstaddr(ov_sock* sock, void* buffer, uint32_t size, uint32_t* bytes,
                               ov_sock_addr* from, ov_sock_addr* dst, int32_t isIpv6) {
   if (sock == nullptr || buffer == nullptr || bytes == nullptr || dst == nullptr) return OV_EINVAL;

@@ -23,7 +23,6 @@ ov_rc ov_sock_close(ov_sock* sock) {
   return 0;
 }
 
-// NOLINTNEXTLINE(readability-non-const-parameter): every function takes its socket like that
 ov_rc ov_sock_shutdown(ov_sock* sock, int32_t how) {
   if (sock == nullptr) return OV_EINVAL;
   if (shutdown(*sock, how) == 0) return 0;
@@ -35,7 +34,6 @@ ov_rc ov_sock_shutdown_rw(ov_sock* sock) {
   return ov_sock_shutdown(sock, SD_BOTH);
 }
 
-// NOLINTNEXTLINE(readability-non-const-parameter): every function takes its socket like that
 ov_rc ov_sock_ioctl(ov_sock* sock, int32_t command, uint32_t* argument) {
   if (sock == nullptr || argument == nullptr) return OV_EINVAL;
   u_long value = *argument;

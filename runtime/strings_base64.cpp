@@ -136,7 +136,6 @@ ov_rc ov_str_base64_to_buf_impl(const char* src, size_t len, void* dst, size_t d
   return decode_groups(src, src + length, false, Output(dst, dstSize), outLen);
 }
 
-// NOLINTNEXTLINE(readability-non-const-parameter): the public prototype has it so
 ov_rc ov_str_base64_chars_to_buf(const char four[4], uint8_t** cursor, uint8_t* end) {
   if (!four || !cursor || !*cursor || !end) return OV_EINVAL;
   if (four[0] == padding) return 0;
