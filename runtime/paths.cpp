@@ -36,6 +36,17 @@ class WorkCopy {
   char* text_;
 };
 
+// Not strspn and strcspn, which build a table of all characters for each call.
+const char* behind_slashes(const char* text) {
+  while (*text == '/') ++text;
+  return text;
+}
+
+const char* segment_end(const char* text) {
+  while (*text != '\0' && *text != '/') ++text;
+  return text;
+}
+
 // Writes segments behind a prefix, removing "." and "..".
 class SegmentWriter {
  public:
@@ -127,12 +138,11 @@ int32_t ov_path_canonical_path(const char* in, char* out, size_t size) {
   if (ov::extract_prefix(work.text(), out, size, &rest) != 0) return -1;
   if (rest == nullptr) return 0;
   SegmentWriter writer(out, strlen(out), size);
-  rest += strspn(rest, "/");
+  rest = behind_slashes(rest);
   while (*rest != '\0') {
-    const size_t segment = strcspn(rest, "/");
-    const size_t slashes = strspn(rest + segment, "/");
-    if (!writer.add(rest, segment, slashes > 0)) return -1;
-    rest += segment + slashes;
+    const char* const end = segment_end(rest);
+    if (!writer.add(rest, static_cast<size_t>(end - rest), *end == '/')) return -1;
+    rest = behind_slashes(end);
   }
   writer.finish();
   return 0;

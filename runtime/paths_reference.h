@@ -97,6 +97,122 @@ inline std::optional<std::string> canonical(std::string path) {
   return result.empty() ? "." : result;
 }
 
+inline bool isRelative(const std::string& path) {
+  if (isUri(path)) return false;
+  const std::string text = trimLeft(path);
+  const auto isSlash = [&text](size_t at) {
+    return at < text.size() && (text[at] == '/' || text[at] == '\\');
+  };
+  if (isSlash(0)) return false;
+  return text.size() < 3 || !isLetter(text[0]) || text[1] != ':' || !isSlash(2);
+}
+
+inline std::optional<std::string> parent(const std::string& path) {
+  if (path.empty()) return std::nullopt;
+  return canonical(path + (path.back() == '/' ? ".." : "/.."));
+}
+
+inline bool leavesHome(const std::string& path) {
+  for (const std::string root : {"/a", "/b"}) {
+    const std::optional<std::string> joined = canonical(root + "/" + path);
+    if (!joined || joined->substr(0, 2) != root) return true;
+  }
+  return false;
+}
+
+inline bool containsDotdot(const std::string& path) {
+  const std::vector<std::string> parts = split(path);
+  return std::find(parts.begin(), parts.end(), "..") != parts.end();
+}
+
+// The text that is converted to wide characters; none when it is too long.
+inline std::optional<std::string> widened(const std::string& path) {
+  if (path.size() < 11) return path;
+  std::string text;
+  if (isNetworkPath(path)) {
+    text = "\\\\?\\UNC\\" + path.substr(2);
+  } else if (isRelative(path)) {
+    return path;
+  } else {
+    text = "\\\\?\\" + path;
+  }
+  if (text.size() > 529) return std::nullopt;
+  std::string result, name;
+  for (const char c : text + "/") {
+    if (c != '/' && c != '\\') {
+      name += c;
+      continue;
+    }
+    name.erase(name.find_last_not_of('.') + 1);
+    result += name + "\\";
+    name.clear();
+  }
+  result.pop_back();
+  return result;
+}
+
+// What is left of a walk along `text` from `prefix`, written out.
+inline std::string walked(const std::string& prefix, const std::string& text) {
+  std::vector<std::string> stack;
+  for (const std::string& part : split(text)) {
+    if (part == ".") continue;
+    const bool up = std::any_of(stack.begin(), stack.end(),
+                                [](const std::string& name) { return name.substr(0, 2) != ".."; });
+    if (part != "..") {
+      stack.push_back(part);
+    } else if (stack.empty() && !prefix.empty()) {
+      continue;
+    } else if (up) {
+      stack.pop_back();
+    } else {
+      stack.push_back(part);
+    }
+    if (stack.size() > 260) stack.pop_back();
+  }
+  std::string result = prefix;
+  for (size_t i = 0; i < stack.size(); ++i) result += (i > 0 ? "/" : "") + stack[i];
+  return result.empty() ? "." : result;
+}
+
+// Offset of the separator behind the first name, or npos.
+inline size_t nextSeparator(const std::string& path) {
+  size_t at = 0;
+  const auto skip = [&path, &at](bool slashes) {
+    while (at < path.size() && (path[at] == '/') == slashes) ++at;
+  };
+  if (path.size() > 1 && path[0] != '/' && path[1] == ':') {
+    at = 2;
+    skip(true);
+  } else {
+    skip(true);
+    if (isNetworkPath(path)) {
+      skip(false);
+      skip(true);
+    }
+  }
+  return path.find('/', at);
+}
+
+inline std::string withoutRedundantSlashes(const std::string& path) {
+  std::string result;
+  for (size_t i = 0; i < path.size(); ++i) {
+    const bool doubled = path[i] == '/' && !result.empty() && result.back() == '/';
+    if (!doubled || i == 1) result += path[i];
+  }
+  return result;
+}
+
+// The rooted path, or none for a drive without a slash behind it.
+inline std::optional<std::string> rooted(const std::string& path) {
+  std::string text = trimLeft(path);
+  std::replace(text.begin(), text.end(), '\\', '/');
+  if (text.size() > 1 && isLetter(text[0]) && text[1] == ':') {
+    if (text.size() < 3 || text[2] != '/') return std::nullopt;
+    return text;
+  }
+  return text.substr(0, 1) == "/" ? text : "/" + text;
+}
+
 // What ov_path_append writes into a buffer that is large enough.
 inline std::optional<std::string> append(const std::string& dir, std::string rel, bool relative) {
   if (dir.empty() || (dir == "." && relative) || (dir == "/" && !relative)) return canonical(rel);

@@ -2,8 +2,10 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "runtime/ov_paths.h"
+#include "runtime/paths_reference.h"
 
 namespace {
 
@@ -33,6 +35,18 @@ TEST(PathSegmentsTest, NameThatBeginsWithDotsHoldsUp) {
   // Only a segment that does not begin with ".." can be left.
   EXPECT_EQ("..x/..", walked("", "..x/.."));
   EXPECT_EQ("a", walked("", "a/..x/.."));
+}
+
+TEST(PathSegmentsTest, WalksEqualTheReference) {
+  std::vector<std::string> texts = {""};
+  for (size_t at = 0; texts[at].size() < 8; ++at) {
+    for (const char letter : {'a', '.', '/'}) texts.push_back(texts[at] + letter);
+  }
+  for (const std::string& text : texts) {
+    for (const char* prefix : {"", "/", "C:/"}) {
+      ASSERT_EQ(ov::reference::walked(prefix, text), walked(prefix, text)) << text;
+    }
+  }
 }
 
 TEST(PathSegmentsTest, StepsPointIntoTheText) {

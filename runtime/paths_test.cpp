@@ -3,12 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <cwchar>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "runtime/captured_log.h"
+#include "runtime/ov_errors.h"
+#include "runtime/ov_strings.h"
 #include "runtime/paths_internal.h"
 #include "runtime/paths_reference.h"
 
@@ -432,6 +437,168 @@ TEST(PathsTest, WidenedTexts) {
   for (const Case& c : kCases) EXPECT_EQ(c.out, widened(c.in)) << c.in;
   EXPECT_EQ(529U, widened("C:/" + std::string(522, 'a')).size());
   EXPECT_EQ("28677", widened("C:/" + std::string(523, 'a')));
+}
+
+// Around the length at which the rewriting begins, and with each root.
+TEST(PathsTest, WideningEqualsTheReference) {
+  for (const char* start :
+       {"", "/", "C:/", "C:", "//h/s/", "//host/share", "C:/folder", "rel/folder", "ab://hosts"}) {
+    forEachText("a./\\:", 5, [start](const std::string& text) {
+      const std::string path = start + text;
+      ASSERT_EQ(ov::reference::widened(path).value_or("28677"), widened(path)) << path;
+    });
+  }
+}
+
+TEST(PathsTest, WideningOfRandomTextsEqualsTheReference) {
+  std::mt19937 random(31);
+  const std::vector<std::string> pieces = {"name", ".",   "..", "/",       "//",
+                                           "\\",   "x.y", " ",  "\xC3\xA9"};
+  for (int i = 0; i < 50000; ++i) {
+    std::string path = i % 2 == 0 ? "C:/" : "//h/";
+    for (size_t count = random() % 300; count > 0; --count)
+      path += pieces[random() % pieces.size()];
+    ASSERT_EQ(ov::reference::widened(path).value_or("28677"), widened(path)) << path;
+  }
+}
+
+// The wide text that is told, or none with its code.
+std::string widenedAndBack(const std::string& path, size_t units, ov_rc* code) {
+  std::vector<wchar_t> wide(units);
+  size_t bytes = units * sizeof(wchar_t);
+  *code = ov_path_widen_path(path.c_str(), wide.data(), &bytes);
+  if (*code != 0) return "";
+  EXPECT_EQ((wcslen(wide.data()) + 1) * sizeof(wchar_t), bytes);
+  char text[2048];
+  size_t size = sizeof text;
+  EXPECT_EQ(0, ov_wchar_to_utf8(wide.data(), text, &size));
+  return text;
+}
+
+TEST(PathsTest, WidenedTextIsConvertedWhole) {
+  ov_rc code = -1;
+  EXPECT_EQ("/a/b", widenedAndBack("/a/b", 520, &code));
+  EXPECT_EQ("C:/a./b..", widenedAndBack("C:/a./b..", 520, &code));
+  EXPECT_EQ(R"(\\?\C:\aaaa\bbbb)", widenedAndBack("C:/aaaa./bbbb..", 17, &code));
+  EXPECT_EQ("", widenedAndBack("C:/aaaa./bbbb..", 16, &code));
+  EXPECT_EQ(OV_ERANGE, code);
+  EXPECT_EQ("", widenedAndBack("C:/folder/\xC0\x80", 520, &code));
+  EXPECT_EQ(OV_EINVAL, code);
+  EXPECT_EQ("", widenedAndBack("C:/" + std::string(523, 'a'), 520, &code));
+  EXPECT_EQ(OV_EBUFFER, code);
+  size_t bytes = 0;
+  EXPECT_EQ(OV_ERANGE, ov_path_widen_path("C:/aaaa./bbbb..", nullptr, &bytes));
+  EXPECT_EQ(17 * sizeof(wchar_t), bytes);
+  wchar_t one[1];
+  EXPECT_EQ(OV_EINVAL, ov_path_widen_path(nullptr, one, &bytes));
+  EXPECT_EQ(OV_EINVAL, ov_path_widen_path("a", one, nullptr));
+}
+
+TEST(PathsTest, FormTestsEqualTheReference) {
+  forEachText("a./\\C: ", 5, [](const std::string& text) {
+    const char* const path = text.c_str();
+    ASSERT_EQ(ov::reference::isRelative(text), ov_path_is_relative(path) == 1) << text;
+    ASSERT_EQ(ov::reference::isNetworkPath(text), ov_path_is_unc_path(path) == 1) << text;
+    ASSERT_EQ(ov::reference::containsDotdot(text), ov_path_contains_dotdot(path) == 1) << text;
+    ASSERT_EQ(ov::reference::leavesHome(text), ov_path_leaves_home_dir(path) == 1) << text;
+    ASSERT_EQ(ov::reference::parent(text).value_or("<failed>"), parent(text)) << text;
+    const char* const next = ov_path_next_dirsep(path);
+    ASSERT_EQ(ov::reference::nextSeparator(text),
+              next == nullptr ? std::string::npos : static_cast<size_t>(next - path))
+        << text;
+  });
+}
+
+TEST(PathsTest, RewritingsEqualTheReference) {
+  forEachText("a./\\C: ", 5, [](const std::string& text) {
+    char buffer[16];
+    strcpy(buffer, text.c_str());
+    ov_path_remove_redundant_slashes(buffer, sizeof buffer);
+    ASSERT_EQ(ov::reference::withoutRedundantSlashes(text), buffer) << text;
+    strcpy(buffer, text.c_str());
+    const ov_rc code = ov_path_enforce_rootedness(buffer, sizeof buffer);
+    const std::optional<std::string> expected = ov::reference::rooted(text);
+    ASSERT_EQ(expected ? 0 : OV_EINVAL, code) << text;
+    if (expected) {
+      ASSERT_EQ(*expected, buffer) << text;
+    }
+  });
+}
+
+TEST(PathsTest, BuildCanonicalPathWithoutABufferIsLogged) {
+  ov::CapturedLog log;
+  ov_rc error = 0;
+  EXPECT_EQ(nullptr, ov_path_build_canonical_path(nullptr, 520, &error, "%s", "a"));
+  EXPECT_EQ(OV_EINVAL, error);
+  EXPECT_EQ(std::vector<std::string>{"LOG ov_path_build_canonical_path: Null buffer"}, log.take());
+  EXPECT_EQ(nullptr, ov_path_build_canonical_path(nullptr, 520, nullptr, "%s", "a"));
+  EXPECT_EQ(1u, log.take().size());
+}
+
+TEST(PathsTest, BuiltPathMustFitItsBuffer) {
+  char out[4];
+  ov_rc error = 0;
+  EXPECT_EQ(nullptr, ov_path_build_canonical_path(out, sizeof out, &error, "%s", "a/bc"));
+  EXPECT_EQ(OV_EINVAL, error);
+  // 520 bytes fit the formatted text and are too long all the same.
+  char large[1024];
+  const std::string text(520, 'x');
+  EXPECT_EQ(nullptr, ov_path_build_canonical_path(large, sizeof large, &error, "%s", text.c_str()));
+  EXPECT_EQ(OV_ERANGE, error);
+}
+
+TEST(PathsTest, NullIsTolerated) {
+  char out[8];
+  const char* rest = nullptr;
+  EXPECT_EQ(1, ov_path_is_relative(nullptr));
+  EXPECT_EQ(0, ov_path_contains_dotdot(nullptr));
+  EXPECT_EQ(0, ov_path_leaves_home_dir(nullptr));
+  EXPECT_EQ(-1, ov_path_append("a", "b", nullptr, 8));
+  EXPECT_EQ(-1, ov_path_unc_parts(nullptr, out, &rest));
+  EXPECT_EQ(-1, ov_path_unc_parts("//h/s", nullptr, &rest));
+  EXPECT_EQ(-1, ov_path_unc_parts("//h/s", out, nullptr));
+  EXPECT_EQ(-1, ov_path_remove_trailing_slashes(nullptr, out, sizeof out));
+  EXPECT_EQ(-1, ov_path_remove_trailing_slashes("a", nullptr, 8));
+  ov_path_remove_redundant_slashes(nullptr, 8);
+  ov_path_convert_path_to_forward_slashes(nullptr, 8);
+}
+
+TEST(PathsTest, ZeroSizesAreTolerated) {
+  char text[] = "a//b";
+  ov_path_remove_redundant_slashes(text, 0);
+  ov_path_convert_path_to_forward_slashes(text, 0);
+  EXPECT_STREQ("a//b", text);
+  EXPECT_EQ(OV_EINVAL, ov_path_enforce_rootedness(text, 0));
+  EXPECT_EQ(OV_EINVAL, ov_path_enforce_rootedness(text, 4));  // no terminator within
+  EXPECT_EQ(-1, ov_path_remove_trailing_slashes("", text, 0));
+}
+
+TEST(PathsTest, AppendWithNoRoomForTheSlashLooksLikeSuccess) {
+  char out[4] = "old";
+  EXPECT_EQ(0, ov_path_append("abc", "", out, sizeof out));
+  EXPECT_STREQ("abc", out);
+  EXPECT_EQ(0, ov_path_append("ab", "c", out, sizeof out));
+  EXPECT_STREQ("ab/", out);  // cut, and not made canonical
+}
+
+TEST(PathsTest, PrefixSizesAreHonoured) {
+  const char* rest = nullptr;
+  char prefix[7];
+  EXPECT_EQ(0, ov::unc_parts("//h/s/d", prefix, 7, &rest));
+  EXPECT_STREQ("//h/s/", prefix);
+  EXPECT_EQ(-1, ov::unc_parts("//h/s/d", prefix, 6, &rest));
+  EXPECT_EQ(-1, ov::unc_parts("//h/s/d", prefix, 0, &rest));
+  EXPECT_EQ(0, ov::extract_prefix("C:x", prefix, 4, &rest));
+  EXPECT_EQ(-1, ov::extract_prefix("C:x", prefix, 3, &rest));
+  EXPECT_EQ(-1, ov::extract_prefix("/x", prefix, 1, &rest));
+  EXPECT_EQ(0, ov::extract_prefix("x", prefix, 1, &rest));
+  EXPECT_EQ(-1, ov::extract_prefix("x", prefix, 0, &rest));
+}
+
+TEST(PathsTest, HomeDirectoryIsTheCanonicalProfile) {
+  char out[OV_PATH_SIZE];
+  EXPECT_EQ(-1, ov_path_home_dir(nullptr, sizeof out));
+  EXPECT_EQ(-1, ov_path_home_dir(out, 0));
 }
 
 }  // namespace
