@@ -83,8 +83,9 @@ ov_rc delete_content(const char* path) {
 
 ov_rc ov_dir_delete(const char* path, int32_t recursive) {
   if (path == nullptr) return OV_EINVAL;
-  // What a link leads to is not ours to delete.
-  if (recursive != 0 && !is_directory_link(path)) {
+  // What a link leads to is not ours to delete, nor the root of the present drive, which a reader
+  // shows for an empty path.
+  if (recursive != 0 && path[0] != '\0' && !is_directory_link(path)) {
     try {
       const ov_rc error = delete_content(path);
       if (error != 0) return error;

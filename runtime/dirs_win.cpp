@@ -41,15 +41,13 @@ ov_rc ov_dir_open(const char* path, ov_dir* dir) {
   *dir = {};
   dir->handle = kClosedHandle;
   dir->state = kReadNext;
-  // With no name in front of it the search would read the root of the present drive.
-  if (path[0] == '\0') return kNoEntry;
   const WidePath wide(path);
   if (wide.error != 0) return wide.error;
   size_t length = wcslen(wide.text);
   if (length > kLongestSearch) return OV_ERANGE;
   wchar_t search[kLongestSearch + 3];
   wmemcpy(search, wide.text, length);
-  if (search[length - 1] != L'\\') search[length++] = L'\\';
+  if (length == 0 || search[length - 1] != L'\\') search[length++] = L'\\';
   search[length] = L'*';
   search[length + 1] = L'\0';
   dir->handle = FindFirstFileW(search, find_data(dir));
@@ -101,8 +99,7 @@ bool ov::is_directory_link(const char* path) {
   const WidePath wide(path);
   if (wide.error != 0) return false;
   const DWORD attributes = GetFileAttributesW(wide.text);
-  constexpr DWORD kLink = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kLink) == kLink;
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 
 ov_rc ov::make_directory(const char* path) {

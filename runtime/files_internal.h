@@ -29,8 +29,8 @@ ov_rc make_directory(const char* path);
 // platform.
 ov_rc remove_directory(const char* path);
 
-// Whether a link to a directory is at `path` that ov_file_stat shows as its target. An operation of
-// the platform.
+// Whether a link (of any kind that the platform knows) is at `path` that ov_file_stat shows as its
+// target. An operation of the platform.
 bool is_directory_link(const char* path);
 
 }  // namespace ov

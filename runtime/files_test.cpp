@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <set>
 #include <string>
 #include <utility>
@@ -254,7 +255,23 @@ TEST(FilesTest, DirectoryOpenFailures) {
   EXPECT_EQ(22, ov_dir_close(nullptr));
   EXPECT_NE(0, ov_dir_open(folder.path("none").c_str(), &dir));
   EXPECT_EQ(0, ov_dir_close(&dir));
-  EXPECT_EQ(2, ov_dir_open("", &dir));
+}
+
+std::set<std::string> namesIn(const char* path) {
+  std::set<std::string> names;
+  ov_dir dir;
+  ov_dirent entry;
+  EXPECT_EQ(0, ov_dir_open(path, &dir)) << path;
+  while (ov_dir_next(&dir, &entry) == 0) names.insert(entry.name);
+  EXPECT_EQ(0, ov_dir_close(&dir));
+  return names;
+}
+
+TEST(FilesTest, EmptyPathIsReadAsTheRootOfThePresentDrive) {
+  const std::set<std::string> names = namesIn("");
+  EXPECT_LT(2U, names.size());
+  const char root[] = {static_cast<char>(std::filesystem::path::preferred_separator), '\0'};
+  EXPECT_EQ(namesIn(root), names);
 }
 
 using Told = std::vector<std::pair<std::string, int32_t>>;
@@ -367,6 +384,12 @@ TEST(FilesTest, ExecutablePathAndDirectory) {
   EXPECT_EQ(-1, ov_path_executable_path(path, 3));
   EXPECT_EQ(-1, ov_path_executable_dir(path, 3));
   EXPECT_EQ(-1, ov_path_executable_path_from_arg());
+}
+
+TEST(FilesTest, AppendPathInPlaceNeedsATextThatFits) {
+  char out[4] = "abc";
+  EXPECT_EQ(28677, ov_file_append_path(out, "d", out, 3));
+  EXPECT_STREQ("abc", out);
 }
 
 }  // namespace

@@ -228,4 +228,54 @@ TEST(FileTreeTest, FileInAStringOfDirectories) {
   EXPECT_EQ(0, ov_path_find_file_in_string_of_paths(".", "no-such:.", out, 10));
 }
 
+TEST(FileTreeTest, PrefixOf520BytesIsTooLongToMake) {
+  const TempFolder folder;
+  std::string path = folder.path();
+  while (path.size() < 400) path += "/" + std::string(50, 'd');
+  EXPECT_EQ(0, ov_dir_create((path + "/x").c_str(), 0, 1));
+  path += "/" + std::string(520 - path.size() - 1, 'e');
+  ASSERT_EQ(520U, path.size());
+  EXPECT_EQ(122, ov_dir_create((path + "/x").c_str(), 0, 1));
+}
+
+TEST(FileTreeTest, WalkRefusesMissingArguments) {
+  const TempFolder folder;
+  ov_dir_walk* walk = nullptr;
+  ASSERT_EQ(0, ov_dir_walk_init(&walk, folder.path().c_str()));
+  char out[OV_PATH_SIZE];
+  int32_t type = 0;
+  EXPECT_EQ(22, ov_dir_walk_iterate(walk, nullptr, sizeof out, &type));
+  EXPECT_EQ(22, ov_dir_walk_iterate(walk, out, sizeof out, nullptr));
+  EXPECT_EQ(0, ov_dir_walk_iterate(walk, out, sizeof out, &type));
+  EXPECT_EQ(OV_WALK_UP, type);
+  EXPECT_EQ(28678, ov_dir_walk_iterate(walk, out, sizeof out, &type));
+  ov_dir_walk_release(&walk);
+  const std::string text(600, 'x');
+  EXPECT_NE(0, ov_dir_walk_init(&walk, text.c_str()));
+  EXPECT_EQ(nullptr, walk);
+}
+
+TEST(FileTreeTest, ConfigurationNeedsRoomBehindTheRoot) {
+  const TempFolder folder;
+  ASSERT_EQ(0, ov_dir_create(folder.path("r/p/bin").c_str(), 0, 1));
+  const std::string program = folder.path("r/p/bin/program");
+  const size_t root = folder.path("r/p").size();
+  char out[OV_PATH_SIZE];
+  // "/bin/.." and its terminator stand behind the root before it is canonical.
+  EXPECT_EQ(static_cast<int32_t>(root + 4), ov_path_lib_dir(program.c_str(), out, root + 8));
+  EXPECT_EQ(-1, ov_path_lib_dir(program.c_str(), out, root + 7));
+  EXPECT_EQ(static_cast<int32_t>(root + 4), ov_path_etc_dir(program.c_str(), out, root + 8));
+  EXPECT_EQ(-1, ov_path_etc_dir(program.c_str(), out, root + 7));
+  EXPECT_EQ(-1, ov_path_etc_dir("", out, sizeof out));
+  EXPECT_EQ(-1, ov_path_lib_dir("", out, sizeof out));
+  EXPECT_EQ(-1, ov_path_etc_file("f", program.c_str(), nullptr, sizeof out));
+  EXPECT_EQ(-1, ov_path_root_dir(program.c_str(), nullptr, sizeof out));
+  TempFolder::write(folder.path("r/p/bin/orvane.conf"), "");
+  EXPECT_EQ(static_cast<int32_t>(root + 4), ov_path_lib_dir(program.c_str(), out, sizeof out));
+  EXPECT_EQ(folder.path("r/p/lib"), out);
+  EXPECT_EQ(-1, ov_path_lib_dir(program.c_str(), out, root + 4));
+  EXPECT_EQ(-1, ov_path_lib_dir(program.c_str(), out, 4));
+  EXPECT_EQ(-1, ov_path_find_file_in_paths("f", nullptr, nullptr, 4));
+}
+
 }  // namespace

@@ -26,6 +26,14 @@ struct Faults {
   DWORD fileInformation = 0;
   DWORD fileType = FILE_TYPE_UNKNOWN;
   bool mountPoint = false;
+  // Somebody makes a directory or a file where ours was to be, just before we do.
+  enum class Race { kNone, kDirectory, kFile } race = Race::kNone;
+  std::wstring link;        // shown as a link to a directory
+  std::wstring linkTarget;  // where its content is when the link is removed
+  int linksRemoved = 0;
+  DWORD write = 0;        // the code of a failing write
+  DWORD writeAtMost = 0;  // bytes, if not 0
+  bool writeNothing = false;
   std::vector<DWORD> slept;
 } faults;
 
@@ -87,6 +95,42 @@ BOOL WINAPI getFileAttributesEx(LPCWSTR path, GET_FILEEX_INFO_LEVELS level, LPVO
   return good;
 }
 
+BOOL WINAPI writeFile(HANDLE file, LPCVOID data, DWORD length, LPDWORD written, LPOVERLAPPED o) {
+  if (faults.write != 0) {
+    SetLastError(faults.write);
+    return FALSE;
+  }
+  if (faults.writeAtMost != 0 && length > faults.writeAtMost) length = faults.writeAtMost;
+  if (faults.writeNothing) length = 0;
+  return real<decltype(&WriteFile)>("WriteFile")(file, data, length, written, o);
+}
+
+BOOL WINAPI createDirectory(LPCWSTR path, LPSECURITY_ATTRIBUTES security) {
+  const auto create = real<decltype(&CreateDirectoryW)>("CreateDirectoryW");
+  if (faults.race == Faults::Race::kDirectory) create(path, security);
+  if (faults.race == Faults::Race::kFile) {
+    CloseHandle(CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+  }
+  return create(path, security);
+}
+
+bool isLink(LPCWSTR path) {
+  const std::wstring text = path;
+  return !faults.link.empty() && text.ends_with(faults.link);
+}
+
+DWORD WINAPI getFileAttributes(LPCWSTR path) {
+  const DWORD attributes = real<decltype(&GetFileAttributesW)>("GetFileAttributesW")(path);
+  return isLink(path) ? attributes | FILE_ATTRIBUTE_REPARSE_POINT : attributes;
+}
+
+// Takes a link away and leaves what it leads to.
+BOOL WINAPI removeDirectory(LPCWSTR path) {
+  if (!isLink(path)) return real<decltype(&RemoveDirectoryW)>("RemoveDirectoryW")(path);
+  ++faults.linksRemoved;
+  return MoveFileW(path, faults.linkTarget.c_str());
+}
+
 BOOL WINAPI fileInformation(HANDLE file, LPBY_HANDLE_FILE_INFORMATION data) {
   if (faults.fileInformation == 0) {
     return real<decltype(&GetFileInformationByHandle)>("GetFileInformationByHandle")(file, data);
@@ -109,6 +153,10 @@ decltype(&FindFirstFileW) __imp_FindFirstFileW = findFirstFile;
 decltype(&FindNextFileW) __imp_FindNextFileW = findNextFile;
 decltype(&FindFirstFileExW) __imp_FindFirstFileExW = findFirstFileEx;
 decltype(&GetFileAttributesExW) __imp_GetFileAttributesExW = getFileAttributesEx;
+decltype(&WriteFile) __imp_WriteFile = writeFile;
+decltype(&CreateDirectoryW) __imp_CreateDirectoryW = createDirectory;
+decltype(&GetFileAttributesW) __imp_GetFileAttributesW = getFileAttributes;
+decltype(&RemoveDirectoryW) __imp_RemoveDirectoryW = removeDirectory;
 decltype(&GetFileInformationByHandle) __imp_GetFileInformationByHandle = fileInformation;
 decltype(&GetFileType) __imp_GetFileType = fileType;
 }
@@ -340,6 +388,100 @@ TEST_F(FilesWinTest, CloseThatFailsKeepsTheRecord) {
   EXPECT_EQ(6, ov_file_close(&file));
   EXPECT_EQ(1, ov_file_valid(&file));
   EXPECT_EQ(6, ov_file_flush(&file));
+}
+
+ov_rc note(const char*, int32_t created, void* argument) {
+  static_cast<std::vector<int32_t>*>(argument)->push_back(created);
+  return 0;
+}
+
+TEST_F(FilesWinTest, DirectoryThatSomebodyElseMakesInBetweenIsThere) {
+  std::vector<int32_t> told;
+  faults.race = Faults::Race::kDirectory;
+  const std::string made = folder.path("made");
+  EXPECT_EQ(0, ov_dir_create_callback(made.c_str(), 0, 0, note, &told));
+  EXPECT_EQ((std::vector<int32_t>{0}), told);
+  EXPECT_EQ(1, ov_path_is_dir(made.c_str()));
+  faults.race = Faults::Race::kFile;
+  EXPECT_EQ(267, ov_dir_create(folder.path("blocked").c_str(), 0, 0));
+}
+
+TEST_F(FilesWinTest, RecursiveDeleteRemovesALinkAndLeavesWhatItLeadsTo) {
+  ASSERT_EQ(0, ov_dir_create(folder.path("tree/link").c_str(), 0, 1));
+  TempFolder::write(folder.path("tree/link/precious"), "kept");
+  TempFolder::write(folder.path("tree/file"), "goes");
+  faults.link = L"tree\\link";
+  faults.linkTarget = TempFolder::native(folder.path("target")).wstring();
+  EXPECT_EQ(0, ov_dir_delete(folder.path("tree").c_str(), 1));
+  EXPECT_EQ(1, faults.linksRemoved);
+  faults.link.clear();
+  EXPECT_EQ(0, ov_path_exists(folder.path("tree").c_str()));
+  EXPECT_EQ("kept", TempFolder::read(folder.path("target/precious")));
+}
+
+TEST_F(FilesWinTest, DeleteOfALinkItselfRemovesOnlyTheLink) {
+  ASSERT_EQ(0, ov_dir_create(folder.path("link").c_str(), 0, 0));
+  TempFolder::write(folder.path("link/precious"), "kept");
+  faults.link = L"\\link";
+  faults.linkTarget = TempFolder::native(folder.path("target")).wstring();
+  EXPECT_EQ(0, ov_dir_delete(folder.path("link").c_str(), 1));
+  faults.link.clear();
+  EXPECT_EQ("kept", TempFolder::read(folder.path("target/precious")));
+}
+
+TEST_F(FilesWinTest, EmptyPathDeletesNothing) {
+  const ov_rc refused = ov_dir_delete("", 0);
+  EXPECT_NE(0, refused);
+  faults.findFirst = ERROR_ACCESS_DENIED;  // no directory is so much as opened
+  EXPECT_EQ(refused, ov_dir_delete("", 1));
+}
+
+TEST_F(FilesWinTest, PathTooLongForASearchIsRefused) {
+  ov_dir dir;
+  EXPECT_EQ(0, ov_dir_open(folder.path().c_str(), &dir));
+  EXPECT_EQ(0, ov_dir_close(&dir));
+  // The mark of a long path adds four characters; 518 are the most.
+  const std::string fits = "C:/" + std::string(511, 'x');
+  EXPECT_EQ(ERROR_PATH_NOT_FOUND, ov_dir_open(fits.c_str(), &dir));
+  EXPECT_EQ(122, ov_dir_open((fits + "x").c_str(), &dir));
+}
+
+TEST_F(FilesWinTest, CopyWritesOnUntilAllIsOut) {
+  const std::string content(10000, 'x');
+  TempFolder::write(path, content);
+  const std::string to = folder.path("to");
+  faults.writeAtMost = 1000;
+  EXPECT_EQ(0, ov_file_copy(path.c_str(), to.c_str(), 0));
+  EXPECT_EQ(content, TempFolder::read(to));
+  faults.writeNothing = true;
+  EXPECT_EQ(ERROR_GEN_FAILURE, ov_file_copy(path.c_str(), to.c_str(), 0));
+  EXPECT_EQ("", TempFolder::read(to));
+}
+
+TEST_F(FilesWinTest, FailedCopyKeepsWhatWasWritten) {
+  TempFolder::write(path, std::string(10000, 'x'));
+  const std::string to = folder.path("to");
+  faults.write = ERROR_DISK_FULL;
+  EXPECT_EQ(ERROR_DISK_FULL, ov_file_copy(path.c_str(), to.c_str(), 0));
+  faults.write = 0;
+  EXPECT_EQ("", TempFolder::read(to));
+  // Both files are closed.
+  EXPECT_EQ(0, ov_file_delete(to.c_str()));
+  faults.fileInformation = ERROR_CRC;
+  EXPECT_EQ(ERROR_CRC, ov_file_copy(path.c_str(), to.c_str(), 0));
+  EXPECT_EQ(0, ov_file_delete(to.c_str()));
+  EXPECT_EQ(0, ov_file_delete(path.c_str()));
+}
+
+TEST_F(FilesWinTest, WriteFailureIsReturned) {
+  ov_file file;
+  uint32_t count = 9;
+  ASSERT_EQ(0, ov_file_openwrite(path.c_str(), &file, 0));
+  faults.write = ERROR_DISK_FULL;
+  EXPECT_EQ(ERROR_DISK_FULL, ov_file_write(&file, "x", 1, &count));
+  EXPECT_EQ(0U, count);
+  faults.write = 0;
+  EXPECT_EQ(0, ov_file_close(&file));
 }
 
 }  // namespace

@@ -136,7 +136,8 @@ ov_rc ov_file_realpath(const char* path, char* out, size_t size);
 /* 0 if the paths are equal or `a` is a directory above `b`; else 28675. Case matters. */
 ov_rc ov_file_path_compare(const char* a, const char* b);
 
-/* Opens a directory for ov_dir_next. The record is to be closed with ov_dir_close after success. */
+/* Opens a directory for ov_dir_next; an empty path is the root of the present drive. The record is
+   to be closed with ov_dir_close after success. */
 ov_rc ov_dir_open(const char* path, ov_dir* dir);
 
 /* Delivers the next entry, "." and ".." included; 28678 behind the last one. */

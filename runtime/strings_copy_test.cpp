@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -308,6 +309,27 @@ TEST(StringsResizeTest, ImpossibleCapacityGives8AndLeavesTheBuffer) {
   EXPECT_EQ(text, buffer);
   EXPECT_EQ(SIZE_MAX / 2 + 2, capacity);
   EXPECT_STREQ("abc", text);
+}
+
+TEST(StringsResizeTest, NullPositionMeansTheStart) {
+  Growing buffer;
+  EXPECT_EQ(0, ov_str_printf_to_resize(&buffer.text, &buffer.capacity, nullptr, "%s", "abc"));
+  EXPECT_EQ(0, ov_str_printf_to_resize(&buffer.text, &buffer.capacity, nullptr, "%s", "d"));
+  EXPECT_STREQ("d", buffer.text);
+  EXPECT_EQ(0, ov_str_to_resize(&buffer.text, "e", &buffer.capacity, nullptr));
+  EXPECT_STREQ("e", buffer.text);
+}
+
+TEST(StringsCopyTest, WarningShowsTheArguments) {
+  ov::CapturedLog log;
+  char text[4] = "abc";
+  const char source[] = "src";
+  size_t pos = 7;
+  EXPECT_EQ(OV_EINVAL, ov_str_to(text, source, sizeof text, &pos));
+  char expected[128];
+  std::snprintf(expected, sizeof expected, "LOG Warning: ov_str_to failure, args %p %p 4 7 'src'",
+                static_cast<const void*>(text), static_cast<const void*>(source));
+  EXPECT_EQ(Lines{expected}, log.take());
 }
 
 }  // namespace

@@ -446,4 +446,15 @@ TEST(Base16Test, BadCharacterIsLoggedAndEarlierBytesStay) {
   EXPECT_EQ(Lines{"ERR Invalid char in hex string: '\xe9' (0xE9)"}, log.take());
 }
 
+TEST(Base64Test, GroupsRefuseACursorOutsideTheBuffer) {
+  uint8_t bytes[4] = {};
+  uint8_t* cursor = bytes + 3;
+  EXPECT_EQ(OV_EBUFFER, ov_str_base64_chars_to_buf("QQ==", &cursor, bytes + 2));
+  EXPECT_EQ(OV_EINVAL, ov_str_base64_chars_to_buf("QQ==", &cursor, nullptr));
+  cursor = nullptr;
+  EXPECT_EQ(OV_EINVAL, ov_str_base64_chars_to_buf("QQ==", &cursor, bytes));
+  const char* at = "QQ";
+  ov_str_base64_next_chars(&at, at + 2, nullptr);
+}
+
 }  // namespace

@@ -404,4 +404,43 @@ TEST(Utf8ReplaceTest, RandomTextsComeOutWellFormed) {
   }
 }
 
+TEST(UtfTest, WideFormsRefuseMissingArguments) {
+  wchar_t wide[4];
+  char text[4];
+  size_t bytes = sizeof text;
+  EXPECT_EQ(OV_EINVAL, ov_utf8_to_wchar(nullptr, wide, &bytes));
+  EXPECT_EQ(OV_EINVAL, ov_utf8_to_wchar("a", wide, nullptr));
+  EXPECT_EQ(OV_EINVAL, ov_utf8_to_wchar("a", nullptr, &bytes));
+  EXPECT_EQ(OV_EINVAL, ov_wchar_to_utf8(nullptr, text, &bytes));
+  EXPECT_EQ(OV_EINVAL, ov_wchar_to_utf8(L"a", text, nullptr));
+  EXPECT_EQ(OV_EINVAL, ov_wchar_to_utf8(L"a", nullptr, &bytes));
+  bytes = 1;
+  EXPECT_EQ(OV_ERANGE, ov_wchar_to_utf8(L"a", text, &bytes));
+  EXPECT_EQ(2u, bytes);
+  EXPECT_EQ(OV_ERANGE, ov_utf8_to_wchar("a", wide, &bytes));
+  EXPECT_EQ(2 * sizeof(wchar_t), bytes);
+}
+
+TEST(UtfTest, SizeTellsTheBytesUsed) {
+  uint16_t units[16];
+  size_t bytes = sizeof units;
+  EXPECT_EQ(0, ov_utf8_to_utf16("\xf0\x9f\x98\x80"
+                                "a",
+                                0, units, &bytes));
+  EXPECT_EQ(8u, bytes);
+  char text[16];
+  bytes = sizeof text;
+  EXPECT_EQ(0, ov_utf16_to_utf8(units, 0, text, &bytes));
+  EXPECT_EQ(6u, bytes);
+  bytes = 7;
+  EXPECT_EQ(OV_ERANGE, ov_utf8_to_utf16("\xf0\x9f\x98\x80"
+                                        "a",
+                                        0, units, &bytes));
+  EXPECT_EQ(8u, bytes);
+}
+
+TEST(UtfTest, LengthOfNullIs0) {
+  EXPECT_EQ(0u, ov_utf8_well_formed_length(nullptr, 5));
+}
+
 }  // namespace

@@ -15,7 +15,7 @@ ov_rc ov_dir_open(const char* path, ov_dir* dir) {
   if (path == nullptr || dir == nullptr) return OV_EINVAL;
   *dir = {};
   dir->state = kReadNext;
-  DIR* const opened = opendir(path);
+  DIR* const opened = opendir(path[0] == '\0' ? "/" : path);
   dir->handle = opened == nullptr ? kClosedHandle : opened;
   return opened == nullptr ? code_of_errno() : 0;
 }
