@@ -1,9 +1,12 @@
 #!/bin/sh
-# Installs the packages of packages.txt that are missing. Needs root or sudo only if any are.
+# Installs the packages of packages.txt, or those named, that are missing. Needs root or sudo only if
+# any are.
+# usage: install-packages.sh [PACKAGE ...]
 set -eu
-list=$(dirname "$0")/packages.txt
+# shellcheck disable=SC2046 # one word each
+[ $# -gt 0 ] || set -- $(sed 's/#.*//' "$(dirname "$0")/packages.txt")
 missing=
-for package in $(sed 's/#.*//' "$list"); do
+for package in "$@"; do
   status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) || status=
   [ "$status" = installed ] || missing="$missing $package"
 done
