@@ -14,7 +14,6 @@
 #include "runtime/captured_log.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
-#include "runtime/paths_internal.h"
 #include "runtime/paths_reference.h"
 
 namespace {
@@ -413,55 +412,6 @@ TEST(PathsTest, EnforceRootedness) {
   EXPECT_EQ(22, ov_path_enforce_rootedness(nullptr, 5));
 }
 
-// The long form before the conversion, or the path itself, or the error's number.
-std::string widened(const std::string& path) {
-  char buffer[ov::kWidenedSize];
-  const char* text = nullptr;
-  const ov_rc error = ov::widened_text(path.c_str(), buffer, &text);
-  if (error != 0) return std::to_string(error);
-  return text == nullptr ? path : text;
-}
-
-TEST(PathsTest, WidenedTexts) {
-  constexpr Case kCases[] = {
-      {"/a/b", "/a/b"},
-      {"C:/a./b..", "C:/a./b.."},
-      {"C:/aaaa./b", "C:/aaaa./b"},  // 10 bytes
-      {"C:/aaaa./bbbb..", R"(\\?\C:\aaaa\bbbb)"},
-      {"C:/aaaaa/./bbb", R"(\\?\C:\aaaaa\\bbb)"},
-      {"C:/aaaaa.b..c/.d/..e", R"(\\?\C:\aaaaa.b..c\.d\..e)"},
-      {"//host/share/a./b", R"(\\?\UNC\host\share\a\b)"},
-      {"relative/path./x", "relative/path./x"},
-      {"/aaaaaaaaaaaaa", R"(\\?\\aaaaaaaaaaaaa)"},
-  };
-  for (const Case& c : kCases) EXPECT_EQ(c.out, widened(c.in)) << c.in;
-  EXPECT_EQ(529U, widened("C:/" + std::string(522, 'a')).size());
-  EXPECT_EQ("28677", widened("C:/" + std::string(523, 'a')));
-}
-
-// Around the length at which the rewriting begins, and with each root.
-TEST(PathsTest, WideningEqualsTheReference) {
-  for (const char* start :
-       {"", "/", "C:/", "C:", "//h/s/", "//host/share", "C:/folder", "rel/folder", "ab://hosts"}) {
-    forEachText("a./\\:", 5, [start](const std::string& text) {
-      const std::string path = start + text;
-      ASSERT_EQ(ov::reference::widened(path).value_or("28677"), widened(path)) << path;
-    });
-  }
-}
-
-TEST(PathsTest, WideningOfRandomTextsEqualsTheReference) {
-  std::mt19937 random(31);
-  const std::vector<std::string> pieces = {"name", ".",   "..", "/",       "//",
-                                           "\\",   "x.y", " ",  "\xC3\xA9"};
-  for (int i = 0; i < 50000; ++i) {
-    std::string path = i % 2 == 0 ? "C:/" : "//h/";
-    for (size_t count = random() % 300; count > 0; --count)
-      path += pieces[random() % pieces.size()];
-    ASSERT_EQ(ov::reference::widened(path).value_or("28677"), widened(path)) << path;
-  }
-}
-
 // The wide text that is told, or none with its code.
 std::string widenedAndBack(const std::string& path, size_t units, ov_rc* code) {
   std::vector<wchar_t> wide(units);
@@ -579,20 +529,6 @@ TEST(PathsTest, AppendWithNoRoomForTheSlashLooksLikeSuccess) {
   EXPECT_STREQ("abc", out);
   EXPECT_EQ(0, ov_path_append("ab", "c", out, sizeof out));
   EXPECT_STREQ("ab/", out);  // cut, and not made canonical
-}
-
-TEST(PathsTest, PrefixSizesAreHonoured) {
-  const char* rest = nullptr;
-  char prefix[7];
-  EXPECT_EQ(0, ov::unc_parts("//h/s/d", prefix, 7, &rest));
-  EXPECT_STREQ("//h/s/", prefix);
-  EXPECT_EQ(-1, ov::unc_parts("//h/s/d", prefix, 6, &rest));
-  EXPECT_EQ(-1, ov::unc_parts("//h/s/d", prefix, 0, &rest));
-  EXPECT_EQ(0, ov::extract_prefix("C:x", prefix, 4, &rest));
-  EXPECT_EQ(-1, ov::extract_prefix("C:x", prefix, 3, &rest));
-  EXPECT_EQ(-1, ov::extract_prefix("/x", prefix, 1, &rest));
-  EXPECT_EQ(0, ov::extract_prefix("x", prefix, 1, &rest));
-  EXPECT_EQ(-1, ov::extract_prefix("x", prefix, 0, &rest));
 }
 
 TEST(PathsTest, HomeDirectoryIsTheCanonicalProfile) {
