@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,17 @@ TEST(PathSegmentsTest, WalksEqualTheReference) {
     for (const char* prefix : {"", "/", "C:/"}) {
       ASSERT_EQ(ov::reference::walked(prefix, text), walked(prefix, text)) << text;
     }
+  }
+}
+
+TEST(PathSegmentsTest, RandomWalksEqualTheReference) {
+  std::mt19937 random(43);
+  constexpr const char* kPieces[] = {"a", "b/", "..", "/..", "/", ".", "..x", "/../"};
+  for (int i = 0; i < 20000; ++i) {
+    std::string text;
+    for (size_t count = random() % 40; count > 0; --count) text += kPieces[random() % 8];
+    const char* const prefix = i % 2 == 0 ? "" : "//h/s/";
+    ASSERT_EQ(ov::reference::walked(prefix, text), walked(prefix, text)) << text;
   }
 }
 

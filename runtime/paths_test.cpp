@@ -111,13 +111,18 @@ TEST(PathsTest, CanonicalEqualsTheReferenceOnAllShortTexts) {
   });
 }
 
+std::string randomPath(std::mt19937& random) {
+  constexpr const char* kPieces[] = {"a",  "bc", ".", "..", "...", "/",  "//",  "\\",
+                                     "C:", "é",  " ", "x.", ".y",  "z/", "/../"};
+  std::string text;
+  for (size_t count = random() % 20; count > 0; --count) text += kPieces[random() % 15];
+  return text;
+}
+
 TEST(PathsTest, CanonicalEqualsTheReferenceOnRandomTexts) {
   std::mt19937 random(20260309);
-  const std::vector<std::string> pieces = {"a",  "bc", ".", "..", "...", "/",  "//",  "\\",
-                                           "C:", "é",  " ", "x.", ".y",  "z/", "/../"};
   for (int i = 0; i < 200000; ++i) {
-    std::string text;
-    for (size_t count = random() % 20; count > 0; --count) text += pieces[random() % pieces.size()];
+    const std::string text = randomPath(random);
     ASSERT_EQ(ov::reference::canonical(text).value_or("<failed>"), canonical(text)) << text;
   }
 }
@@ -188,6 +193,17 @@ TEST(PathsTest, AppendEqualsTheReference) {
           << dir << " and " << rel;
     });
   });
+}
+
+TEST(PathsTest, AppendOfRandomTextsEqualsTheReference) {
+  std::mt19937 random(37);
+  for (int i = 0; i < 100000; ++i) {
+    const std::string dir = randomPath(random);
+    const std::string rel = randomPath(random);
+    const bool relative = ov::reference::isRelative(rel);
+    ASSERT_EQ(ov::reference::append(dir, rel, relative).value_or("<failed>"), append(dir, rel))
+        << dir << " and " << rel;
+  }
 }
 
 TEST(PathsTest, AppendThatDoesNotFitLooksLikeSuccess) {
@@ -444,35 +460,44 @@ TEST(PathsTest, WidenedTextIsConvertedWhole) {
   EXPECT_EQ(OV_EINVAL, ov_path_widen_path("a", one, nullptr));
 }
 
-TEST(PathsTest, FormTestsEqualTheReference) {
-  forEachText("a./\\C: ", 5, [](const std::string& text) {
-    const char* const path = text.c_str();
-    ASSERT_EQ(ov::reference::isRelative(text), ov_path_is_relative(path) == 1) << text;
-    ASSERT_EQ(ov::reference::isNetworkPath(text), ov_path_is_unc_path(path) == 1) << text;
-    ASSERT_EQ(ov::reference::containsDotdot(text), ov_path_contains_dotdot(path) == 1) << text;
-    ASSERT_EQ(ov::reference::leavesHome(text), ov_path_leaves_home_dir(path) == 1) << text;
-    ASSERT_EQ(ov::reference::parent(text).value_or("<failed>"), parent(text)) << text;
-    const char* const next = ov_path_next_dirsep(path);
-    ASSERT_EQ(ov::reference::nextSeparator(text),
-              next == nullptr ? std::string::npos : static_cast<size_t>(next - path))
-        << text;
-  });
+void compareForms(const std::string& text) {
+  const char* const path = text.c_str();
+  ASSERT_EQ(ov::reference::isRelative(text), ov_path_is_relative(path) == 1) << text;
+  ASSERT_EQ(ov::reference::isNetworkPath(text), ov_path_is_unc_path(path) == 1) << text;
+  ASSERT_EQ(ov::reference::containsDotdot(text), ov_path_contains_dotdot(path) == 1) << text;
+  ASSERT_EQ(ov::reference::leavesHome(text), ov_path_leaves_home_dir(path) == 1) << text;
+  ASSERT_EQ(ov::reference::parent(text).value_or("<failed>"), parent(text)) << text;
+  const char* const next = ov_path_next_dirsep(path);
+  ASSERT_EQ(ov::reference::nextSeparator(text),
+            next == nullptr ? std::string::npos : static_cast<size_t>(next - path))
+      << text;
 }
 
-TEST(PathsTest, RewritingsEqualTheReference) {
+void compareRewritings(const std::string& text) {
+  char buffer[256];
+  strcpy(buffer, text.c_str());
+  ov_path_remove_redundant_slashes(buffer, sizeof buffer);
+  ASSERT_EQ(ov::reference::withoutRedundantSlashes(text), buffer) << text;
+  strcpy(buffer, text.c_str());
+  const ov_rc code = ov_path_enforce_rootedness(buffer, sizeof buffer);
+  const std::optional<std::string> expected = ov::reference::rooted(text);
+  ASSERT_EQ(expected ? 0 : OV_EINVAL, code) << text;
+  if (expected) {
+    ASSERT_EQ(*expected, buffer) << text;
+  }
+}
+
+TEST(PathsTest, FormTestsAndRewritingsEqualTheReference) {
   forEachText("a./\\C: ", 5, [](const std::string& text) {
-    char buffer[16];
-    strcpy(buffer, text.c_str());
-    ov_path_remove_redundant_slashes(buffer, sizeof buffer);
-    ASSERT_EQ(ov::reference::withoutRedundantSlashes(text), buffer) << text;
-    strcpy(buffer, text.c_str());
-    const ov_rc code = ov_path_enforce_rootedness(buffer, sizeof buffer);
-    const std::optional<std::string> expected = ov::reference::rooted(text);
-    ASSERT_EQ(expected ? 0 : OV_EINVAL, code) << text;
-    if (expected) {
-      ASSERT_EQ(*expected, buffer) << text;
-    }
+    ASSERT_NO_FATAL_FAILURE(compareForms(text));
+    ASSERT_NO_FATAL_FAILURE(compareRewritings(text));
   });
+  std::mt19937 random(41);
+  for (int i = 0; i < 50000; ++i) {
+    const std::string text = randomPath(random);
+    ASSERT_NO_FATAL_FAILURE(compareForms(text));
+    ASSERT_NO_FATAL_FAILURE(compareRewritings(text));
+  }
 }
 
 TEST(PathsTest, BuildCanonicalPathWithoutABufferIsLogged) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 
 #include "runtime/paths_reference.h"
@@ -32,6 +33,25 @@ TEST(UriTest, UriEqualsTheReferenceOnAllShortTexts) {
       ASSERT_EQ(ov::reference::isUri(text), ov_uri_valid_uri(text.c_str()) == 1) << text;
     }
   }
+}
+
+TEST(UriTest, RandomTextsAgreeWithTheReference) {
+  std::mt19937 random(47);
+  constexpr const char* kPieces[] = {"http", "a", "+",   "1",    "-", ".",
+                                     ":",    "/", "://", "host", " ", "\x80"};
+  int good = 0;
+  for (int i = 0; i < 100000; ++i) {
+    std::string text;
+    for (size_t count = random() % 8; count > 0; --count) text += kPieces[random() % 12];
+    ASSERT_EQ(ov::reference::isUri(text), ov_uri_valid_uri(text.c_str()) == 1) << text;
+    good += ov_uri_valid_uri(text.c_str());
+    const bool scheme = ov::reference::isUri(text + "://x");
+    // A scheme of one letter would be a drive.
+    if (text.size() > 1 && text.find_first_of(":/") == std::string::npos) {
+      ASSERT_EQ(scheme, ov_uri_valid_scheme_term(text.c_str()) == 1) << text;
+    }
+  }
+  EXPECT_LT(100, good);
 }
 
 TEST(UriTest, SchemesByLength) {
