@@ -556,7 +556,7 @@ TEST(PathsTest, AppendWithNoRoomForTheSlashLooksLikeSuccess) {
   EXPECT_STREQ("ab/", out);  // cut, and not made canonical
 }
 
-TEST(PathsTest, HomeDirectoryIsTheCanonicalProfile) {
+TEST(PathsTest, HomeDirectoryNeedsABuffer) {
   char out[OV_PATH_SIZE];
   EXPECT_EQ(-1, ov_path_home_dir(nullptr, sizeof out));
   EXPECT_EQ(-1, ov_path_home_dir(out, 0));
