@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "runtime/exception_logger.h"
+#include "runtime/fault_report.h"
 #include "runtime/log_file.h"
 #include "runtime/log_line.h"
 #include "runtime/log_lock.h"
@@ -50,14 +52,45 @@ OV_PRINTF(2, 0) ov_rc send_to_sink(int32_t level, const char* format, va_list ar
   return 0;
 }
 
+// The line of a fault's report; used under the log's lock. Where the fault is that the stack has
+// run out, a line would not fit there.
+LogLine report_line;
+
+OV_PRINTF(2, 0) void write_of_report(int32_t level, const char* format, va_list arguments) {
+  const LogLock lock;
+  if (!lock || !report_line.compose(level, format, arguments)) return;
+  log_file.write(report_line, level, lock.nested());
+}
+
 // Composed before the lock is taken, which then covers the fold, the stamp, the write and a
-// rotation.
-OV_PRINTF(2, 0) void write_to_file(int32_t level, const char* format, va_list arguments) {
+// rotation. A frame of its own, since it holds the line.
+[[gnu::noinline]] OV_PRINTF(2, 0) void write_to_file(int32_t level, const char* format,
+                                                     va_list arguments) {
   LogLine line;
   if (!line.compose(level, format, arguments)) return;
   const LogLock lock;
   // The log may have been closed meanwhile; then no file is open.
   log_file.write(line, level, lock.nested());
+}
+
+// The steps under the log's lock; `*set_up` tells whether there is a log now that was not before.
+ov_rc set_up_sink(Sink sink, bool* set_up) {
+  const LogLock lock;
+  if (log_state.load() != log_state_none) return 0;
+  if (!sink) return OV_ERANGE;
+  log_sink.store(sink);
+  log_state.store(log_state_sink);
+  *set_up = true;
+  return 0;
+}
+
+ov_rc set_up_file(int32_t mode, const char* path, bool* set_up) {
+  const LogLock lock;
+  if (log_state.load() != log_state_none) return 0;
+  if (mode == log_state_sink) return OV_EINVAL;
+  // The state holds whatever becomes of the path, so that a later call changes nothing.
+  log_state.store(log_state_file);
+  return log_file.open(path, set_up);
 }
 
 }  // namespace
@@ -74,7 +107,11 @@ ov_rc ov_log_vmsg(int32_t level, const char* format, va_list arguments) {
   const ov::SavedError keep;
   switch (ov::log_state.load()) {
     case ov::log_state_file:
-      ov::write_to_file(level, format, arguments);
+      if (ov::FaultReport::of_this_thread()) {
+        ov::write_of_report(level, format, arguments);
+      } else {
+        ov::write_to_file(level, format, arguments);
+      }
       return 0;
     case ov::log_state_sink:
       return ov::send_to_sink(level, format, arguments);
@@ -120,36 +157,36 @@ int32_t ov_dbg(const char* format, ...) {
 
 ov_rc ov_log_init_function(void (*sink)(const char*)) {
   const ov::SavedError keep;
-  const ov::LogLock lock;
-  if (ov::log_state.load() != ov::log_state_none) return 0;
-  if (!sink) return OV_ERANGE;
-  ov::log_sink.store(sink);
-  ov::log_state.store(ov::log_state_sink);
-  return 0;
+  bool set_up = false;
+  const ov_rc result = ov::set_up_sink(sink, &set_up);
+  // Without the log's lock: what it loads may itself wait for a thread that logs.
+  if (set_up) ov::exception_logger_install();
+  return result;
 }
 
 ov_rc ov_log_init(int32_t mode, const char* path) {
   const ov::SavedError keep;
-  const ov::LogLock lock;
-  if (ov::log_state.load() != ov::log_state_none) return 0;
-  if (mode == ov::log_state_sink) return OV_EINVAL;
-  // The state holds whatever becomes of the path, so that a later call changes nothing.
-  ov::log_state.store(ov::log_state_file);
-  return ov::log_file.open(path);
+  bool set_up = false;
+  const ov_rc result = ov::set_up_file(mode, path, &set_up);
+  if (set_up) ov::exception_logger_install();
+  return result;
 }
 
 void ov_log_flush(void) {
   const ov::SavedError keep;
   const ov::LogLock lock;
-  if (ov::log_state.load() == ov::log_state_file) ov::log_file.flush();
+  if (lock && ov::log_state.load() == ov::log_state_file) ov::log_file.flush();
 }
 
 void ov_log_cleanup(void) {
   const ov::SavedError keep;
-  const ov::LogLock lock;
-  ov::log_file.close();
-  ov::log_sink.store(nullptr);
-  ov::log_state.store(ov::log_state_none);
+  {
+    const ov::LogLock lock;
+    ov::log_file.close();
+    ov::log_sink.store(nullptr);
+    ov::log_state.store(ov::log_state_none);
+  }
+  ov::exception_logger_remove();
 }
 
 void ov_log_set_echo(int32_t level) {

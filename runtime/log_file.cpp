@@ -34,7 +34,7 @@ ov_rc default_directory(char (&out)[log_path_room]) {
 
 }  // namespace
 
-ov_rc LogFile::open(const char* path) {
+ov_rc LogFile::open(const char* path, bool* complete) {
   if (!path) return OV_EINVAL;
   if (std::strlen(path) > log_path_room) return OV_EPATHMAX;
   if (const ov_rc error = ov_mutex_init(&rotation_)) return error;
@@ -47,6 +47,7 @@ ov_rc LogFile::open(const char* path) {
     result = check_rotation();
   }
   process_ = process_id();
+  *complete = true;
   return result;
 }
 

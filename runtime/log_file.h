@@ -23,8 +23,9 @@ constexpr int log_advance_limit = log_generation_count;
 
 class LogFile {
  public:
-  // The steps of ov_log_init behind its test of the state. `path` may be null.
-  ov_rc open(const char* path);
+  // The steps of ov_log_init behind its test of the state. `path` may be null. `*complete` tells
+  // whether all of them were gone, if only to find that no file opens.
+  ov_rc open(const char* path, bool* complete);
   // Writes the line, folded and stamped. A `nested` line is one that the log's own work brought up:
   // it is neither folded nor looked at for the size.
   ov_rc write(LogLine& line, int32_t level, bool nested);

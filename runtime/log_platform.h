@@ -20,6 +20,7 @@ ov_rc open_file_size(void* file, uint64_t* size);
 // The one lock of the process's log; not recursive, needs no set-up and is never torn down, so that
 // it serves before the first initialisation and while the library goes.
 void acquire_log_lock();
+bool try_acquire_log_lock();
 void release_log_lock();
 
 }  // namespace ov

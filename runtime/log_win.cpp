@@ -34,6 +34,10 @@ void acquire_log_lock() {
   AcquireSRWLockExclusive(&log_lock);
 }
 
+bool try_acquire_log_lock() {
+  return TryAcquireSRWLockExclusive(&log_lock) != 0;
+}
+
 void release_log_lock() {
   ReleaseSRWLockExclusive(&log_lock);
 }

@@ -28,6 +28,7 @@ CRITICAL_SECTION* section(ov_mutex* m) {
 // A holder waits for itself: nothing that follows could be right.
 [[noreturn]] void abort_reacquire() {
   ov_err("ov_mutex_acquire: attempt to reacquire non-recursive mutex.  Aborting.");
+  ov_log_btrace();
   DebugBreak();
   abort();
 }

@@ -70,4 +70,9 @@ void ov_log_flush(void);
 /* Closes the log, of whatever form; a later initialisation may open it again. */
 void ov_log_cleanup(void);
 
+/* Writes a backtrace of the calling thread as ERR lines: the addresses of up to 66 frames in one
+   line, then a line for each with the name of its function, as far as one is known. From the set-up
+   of the log to its end a hard fault of the process is logged in the same way. */
+void ov_log_btrace(void);
+
 OV_END_DECLS

@@ -35,6 +35,10 @@ void acquire_log_lock() {
   log_lock.lock();
 }
 
+bool try_acquire_log_lock() {
+  return log_lock.try_lock();
+}
+
 void release_log_lock() {
   log_lock.unlock();
 }

@@ -88,6 +88,7 @@ ov_rc ov_mutex_acquire(ov_mutex* m) {
       return OV_EEXIST;
     }
     ov_err("ov_mutex_acquire: attempt to reacquire non-recursive mutex.  Aborting.");
+    ov_log_btrace();
     abort();
   }
   const int error = pthread_mutex_lock(native(m));

@@ -1,0 +1,46 @@
+// Backtraces in the log: which faults are told, how many frames are taken, and the lines.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace ov {
+
+// The most frames of a backtrace that a caller asks for, and of one after a fault. Systems of the
+// generation of version 5.1 cannot take as many.
+constexpr int called_frames = 66;
+constexpr int fault_frames = 64;
+constexpr int old_system_frames = 60;
+// Frames left out at the top: the capture itself and whoever asked for it.
+constexpr int skipped_frames = 2;
+
+struct Backtrace {
+  int count = 0;
+  uint32_t hash = 0;
+  void* frames[called_frames];
+};
+
+// What is known about an address; the name is empty when nothing is.
+struct Symbol {
+  char name[256] = {};
+  int64_t displacement = 0;
+};
+
+// The number of frames to ask for on a system of this version, where usually `usual` are.
+// `second_release` is what tells the two systems of version 5.2 apart.
+int frame_limit(uint32_t major, uint32_t minor, bool second_release, int usual);
+
+// Whether a fault with this code of the platform is told in the log.
+bool is_hard_fault(uint32_t code);
+
+// The platform's part: takes the backtrace of the calling thread, without its caller.
+void capture_backtrace(Backtrace* backtrace, int usual);
+// The platform's part: looks an address up; false when the look-up was not free within that time.
+bool find_symbol(void* address, uint32_t milliseconds, Symbol* symbol);
+
+// Writes the backtrace as ERR lines: all addresses in one, then a line with the name for each
+// frame.
+void log_backtrace(const Backtrace& backtrace,
+                   bool (*find)(void*, uint32_t, Symbol*) = &find_symbol);
+
+}  // namespace ov

@@ -1,0 +1,25 @@
+// Backtraces from the C library, without names; there is no handler of faults in sanitizer builds,
+// which have their own.
+#include "runtime/exception_logger.h"
+
+#include <execinfo.h>
+
+#include "runtime/backtrace.h"
+
+namespace ov {
+
+void capture_backtrace(Backtrace* backtrace, int usual) {
+  void* frames[called_frames + skipped_frames];
+  const int count = ::backtrace(frames, usual + skipped_frames) - skipped_frames;
+  backtrace->count = count < 0 ? 0 : count;
+  for (int i = 0; i < backtrace->count; ++i) backtrace->frames[i] = frames[i + skipped_frames];
+}
+
+bool find_symbol(void*, uint32_t, Symbol*) {
+  return true;
+}
+
+void exception_logger_install() {}
+void exception_logger_remove() {}
+
+}  // namespace ov
