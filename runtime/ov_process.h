@@ -39,6 +39,37 @@ ov_rc ov_process_spawnas(const char* command, const char* const* environment, in
                          int32_t reserved);
 ov_rc ov_process_spawn(const char* command, const char* const* environment, int32_t count);
 
+/* Starts a process with no window, and pipes to its standard streams: `*stdinOut` is the write end
+   of its input, `*stdoutOut` and `*stderrOut` are the read ends of its output. They are the
+   caller's to close; a null pointer stands for no pipe. The child's ends stay open in this process
+   too, so a reader sees no end of the output: poll ov_process_exited.
+   `process` may be null; then the process is not followed. `hook`, which may be null, is called
+   with the record and `hookArgument` before anything is made; its result, if not 0, is returned. If
+   it leaves a `user_token` in the record, by ov_process_runas, the process runs as that user, in
+   `directory` or for null in the user's profile, and the token is closed; a process that runs as
+   the caller stays in the caller's directory. `reserved` is not read. On failure every handle made
+   is closed and what was handed out is null. */
+ov_rc ov_process_fork(ov_process* process, const char* command, const char* directory,
+                      void* reserved, ov_rc (*hook)(ov_process* process, void* argument),
+                      void* hookArgument, void** stdinOut, void** stdoutOut, void** stderrOut);
+
+/* A user, "DOMAIN\user" or "user", and the password. */
+typedef struct {
+  const char* user;
+  const char* password;
+} ov_credentials;
+
+/* Logs the user on and fills `user_token`, `user_name` and `domain` of the record; all ones remain
+   in `user_token` on failure. 122 for a part of 512 characters or more. */
+ov_rc ov_process_runas(ov_process* process, const ov_credentials* credentials);
+
+/* Runs `function` as the service of that name, which the service manager must have started this
+   process for, and ends the process with the exit code 0 when the service has stopped. The
+   arguments must live that long. Returns on failure only: 22 on a second call, else the system's
+   code. How the function learns that it should stop is the caller's matter. */
+ov_rc ov_process_daemonize(int32_t (*function)(int32_t argc, char** argv), int32_t argc,
+                           char** argv, const char* serviceName);
+
 /* Ends a process with the exit code 0. */
 ov_rc ov_process_kill(ov_process* process);
 

@@ -293,6 +293,9 @@ TEST_F(RegistryTest, TextThatGrowsInUtf8) {
   EXPECT_EQ(28677, get(8));
   EXPECT_STREQ("", out);
   EXPECT_EQ(10U, length);
+  const Messages lines = log.take();
+  ASSERT_EQ(1U, lines.size());
+  EXPECT_EQ(0U, lines[0].find("LOG ov_str_ncpy() failed, errno:28677, err desc:"));
   EXPECT_EQ(0, get(10));
   EXPECT_EQ(10U, length);
 }

@@ -9,6 +9,7 @@
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_process.h"
+#include "runtime/process_token_win.h"
 #include "runtime/wide_command_win.h"
 
 using namespace ov;
@@ -43,10 +44,7 @@ ov_rc ov_process_create(ov_process* process, const char* command) {
     OV_DEBUG("ov_process_create(): error starting process (errno=%d)", error);
     return error;
   }
-  process->process = started.hProcess;
-  process->thread = started.hThread;
-  process->process_id = static_cast<uint32_t>(started.dwProcessId);
-  process->thread_id = static_cast<uint32_t>(started.dwThreadId);
+  note_started(process, started);
   return 0;
 }
 

@@ -4,6 +4,7 @@
 #include "runtime/last_code_win.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_process.h"
+#include "runtime/process_token_win.h"
 
 using namespace ov;
 
@@ -14,17 +15,16 @@ namespace {
 constexpr int32_t kRunning = 0;
 constexpr int32_t kExited = 1;
 
-void close_token(ov_process* process) {
-  if (process->user_token != INVALID_HANDLE_VALUE && process->user_token != nullptr) {
-    CloseHandle(process->user_token);
-  }
-  process->user_token = INVALID_HANDLE_VALUE;
+// All ones stands for this process in the system's eyes, not for a closed handle.
+bool is_open(const ov_process* process) {
+  return process->process != nullptr && process->process != INVALID_HANDLE_VALUE;
 }
 
 }  // namespace
 
 ov_rc ov_process_exited(ov_process* process, int32_t* state, int32_t* exitCode) {
   if (process == nullptr || state == nullptr || exitCode == nullptr) return OV_EINVAL;
+  if (!is_open(process)) return OV_EBADF;
   DWORD code = 0;
   if (!GetExitCodeProcess(process->process, &code)) return last_code();
   if (code == STILL_ACTIVE) {
@@ -44,14 +44,13 @@ ov_rc ov_process_exited(ov_process* process, int32_t* state, int32_t* exitCode) 
 
 ov_rc ov_process_kill(ov_process* process) {
   if (process == nullptr) return OV_EINVAL;
-  // All ones stands for this process in the system's eyes.
-  if (process->process == INVALID_HANDLE_VALUE) return OV_EBADF;
+  if (!is_open(process)) return OV_EBADF;
   return code_of(TerminateProcess(process->process, 0));
 }
 
 ov_rc ov_process_wait(ov_process* process, int32_t milliseconds, int32_t* state) {
   if (process == nullptr || state == nullptr) return OV_EINVAL;
-  const bool open = process->process != nullptr && process->process != INVALID_HANDLE_VALUE;
+  const bool open = is_open(process);
   const DWORD result =
       open ? WaitForSingleObject(process->process, static_cast<DWORD>(milliseconds)) : WAIT_FAILED;
   if (result == WAIT_OBJECT_0) {

@@ -89,20 +89,51 @@ TEST(ProcessesTest, StartFailures) {
   EXPECT_EQ(22, ov_process_kill(nullptr));
 }
 
-TEST(ProcessesTest, SpawnHandsOverOnlyItsOwnEnvironment) {
+// What a process that is spawned with these entries has for an environment.
+std::string spawnedEnvironment(const std::vector<const char*>& entries) {
   const TempFolder folder;
   const std::string file = folder.path("environment");
-  SetEnvironmentVariableW(L"OV_OUTSIDE", L"1");
   std::string command = "cmd.exe /c set > " + file;
   for (size_t i = command.find('>'); i < command.size(); ++i) {
     if (command[i] == '/') command[i] = '\\';
   }
-  const char* const entries[] = {"OV_INSIDE=2"};
-  EXPECT_EQ(0, ov_process_spawnas(command.c_str(), entries, 1, 0));
+  EXPECT_EQ(
+      0, ov_process_spawn(command.c_str(), entries.data(), static_cast<int32_t>(entries.size())));
   std::string content;
   while ((content = TempFolder::read(file)).find("SystemRoot=") == std::string::npos) Sleep(10);
+  return content;
+}
+
+TEST(ProcessesTest, SpawnHandsOverOnlyItsOwnEnvironment) {
+  SetEnvironmentVariableW(L"OV_OUTSIDE", L"1");
+  const std::string content = spawnedEnvironment({"OV_INSIDE=2"});
   EXPECT_NE(std::string::npos, content.find("OV_INSIDE=2"));
   EXPECT_EQ(std::string::npos, content.find("OV_OUTSIDE"));
+}
+
+TEST(ProcessesTest, SpawnWithoutAnEnvironmentHandsOverTheSystemRoot) {
+  char root[520];
+  ASSERT_EQ(0, ov_process_getenv("SystemRoot", root, sizeof root));
+  EXPECT_NE(std::string::npos, spawnedEnvironment({}).find("SystemRoot=" + std::string(root)));
+}
+
+TEST(ProcessesTest, SpawnCutsALongEnvironment) {
+  EXPECT_EQ(
+      0, ov_process_spawn("cmd.exe /c exit 0", std::vector<const char*>(5000, "T=").data(), 5000));
+}
+
+TEST(ProcessesTest, ExitCode259CountsAsRunning) {
+  ov_process process;
+  ASSERT_EQ(0, ov_process_create(&process, "cmd.exe /c exit 259"));
+  int32_t state = 9;
+  int32_t code = 9;
+  EXPECT_EQ(0, ov_process_wait(&process, -1, &state));
+  EXPECT_EQ(0, state);
+  EXPECT_EQ(0, ov_process_exited(&process, &state, &code));
+  EXPECT_EQ(0, state);
+  EXPECT_EQ(9, code);
+  CloseHandle(process.process);
+  CloseHandle(process.thread);
 }
 
 TEST(ProcessesTest, SetEnvironment) {
