@@ -2,13 +2,11 @@
 
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 
 #include "runtime/log_platform.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_paths.h"
 #include "runtime/ov_strings.h"
-#include "runtime/ov_time.h"
 
 namespace ov {
 
@@ -88,10 +86,9 @@ ov_rc LogFile::write(LogLine& line, int32_t level, bool nested) {
   if (!nested && fold_.repeats(line.text())) return 0;
   if (to_stderr_ || echo_level_.load() >= level) write_standard_error(line.text_and_end());
   if (to_stderr_) return 0;
-  const int64_t now = std::time(nullptr);
-  std::tm time;
-  if (ov_time_localtime(&now, &time) != 0) return OV_ELOG;
-  if (!line.stamp(nested ? 0 : fold_.count(), time, process_, thread_id())) return OV_ELOG;
+  const std::string_view time = clock_.now();
+  if (time.empty()) return OV_ELOG;
+  line.stamp(nested ? 0 : fold_.count(), time, process_, thread_id());
   const ov_rc result = write_all(line.whole());
   if (nested) return result;
   fold_.clear_count();

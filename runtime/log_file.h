@@ -57,6 +57,7 @@ class LogFile {
   uint32_t process_ = 0;
   uint64_t bytes_since_check_ = 0;
   LogFold fold_;
+  LogClock clock_;
   // Held around a rotation; that it can be made and taken is part of what the log needs.
   ov_mutex rotation_ = {};
   bool rotation_made_ = false;

@@ -5,7 +5,6 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 #include <string_view>
 
 #include "runtime/ov_log.h"
@@ -27,9 +26,9 @@ class LogLine {
   // The composed text, without and with the line end.
   std::string_view text() const { return {start(), length_}; }
   std::string_view text_and_end() const { return {start(), length_ + 2}; }
-  // Puts the stamp directly in front of the text, so that the whole line leaves in one write; false
-  // when it cannot be formatted. With `repeats` it opens with the note of that many repeats.
-  bool stamp(int32_t repeats, const std::tm& time, uint32_t process, uint32_t thread);
+  // Puts the stamp directly in front of the text, so that the whole line leaves in one write.
+  // `time` is that of LogClock. With `repeats` it opens with the note of that many repeats.
+  void stamp(int32_t repeats, std::string_view time, uint32_t process, uint32_t thread);
   // Stamp, text and line end.
   std::string_view whole() const {
     return {start() - header_length_, header_length_ + length_ + 2};
@@ -41,6 +40,21 @@ class LogLine {
   char room_[log_header_room + log_text_room];
   size_t header_length_ = 0;
   size_t length_ = 0;
+};
+
+// The present local time as lines show it; the same text for as long as the second lasts.
+class LogClock {
+ public:
+  // The text of the present time, until the next call; empty when it has none.
+  std::string_view now();
+  // The text of a time in seconds.
+  std::string_view at(int64_t now);
+
+ private:
+  uint64_t read_at_ = 0;  // when the time of day was read last; 0 for never
+  int64_t second_ = 0;
+  size_t length_ = 0;  // 0 for none
+  char text_[64] = {};
 };
 
 // Remembers the last text; it outlives a log that is closed and opened again.

@@ -18,6 +18,10 @@ uint32_t thread_id() {
   return GetCurrentThreadId();
 }
 
+uint64_t coarse_milliseconds() {
+  return GetTickCount64();
+}
+
 void write_standard_error(std::string_view text) {
   _write(standard_error, text.data(), static_cast<unsigned>(text.size()));
 }

@@ -1,6 +1,7 @@
 #include "runtime/log_platform.h"
 
 #include <sys/syscall.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <mutex>
@@ -18,6 +19,12 @@ uint32_t process_id() {
 
 uint32_t thread_id() {
   return static_cast<uint32_t>(syscall(SYS_gettid));
+}
+
+uint64_t coarse_milliseconds() {
+  timespec now;
+  clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+  return static_cast<uint64_t>(now.tv_sec) * 1000 + static_cast<uint64_t>(now.tv_nsec) / 1000000;
 }
 
 void write_standard_error(std::string_view text) {
