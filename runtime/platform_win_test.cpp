@@ -225,17 +225,20 @@ TEST(ProcessTest, ExitIsSeenOnce) {
   EXPECT_EQ(22, ov_process_exited(&process, &state, nullptr));
 }
 
+// A key for each process, since cases run side by side in one registry.
+const std::string keyName = "SOFTWARE\\Orvane-Test-" + std::to_string(GetCurrentProcessId());
+const std::wstring wideKeyName(keyName.begin(), keyName.end());
+
 class RegistryTest : public ::testing::Test {
  protected:
-  static constexpr char kKey[] = "SOFTWARE\\Orvane-Test";
   RegistryTest() { open(KEY_WOW64_64KEY); }
   ~RegistryTest() override {
     RegCloseKey(key);
-    RegDeleteKeyExW(HKEY_CURRENT_USER, L"SOFTWARE\\Orvane-Test", KEY_WOW64_64KEY, 0);
-    RegDeleteKeyExW(HKEY_CURRENT_USER, L"SOFTWARE\\Orvane-Test", KEY_WOW64_32KEY, 0);
+    RegDeleteKeyExW(HKEY_CURRENT_USER, wideKeyName.c_str(), KEY_WOW64_64KEY, 0);
+    RegDeleteKeyExW(HKEY_CURRENT_USER, wideKeyName.c_str(), KEY_WOW64_32KEY, 0);
   }
   void open(REGSAM view) {
-    ASSERT_EQ(0, RegCreateKeyExW(HKEY_CURRENT_USER, L"SOFTWARE\\Orvane-Test", 0, nullptr, 0,
+    ASSERT_EQ(0, RegCreateKeyExW(HKEY_CURRENT_USER, wideKeyName.c_str(), 0, nullptr, 0,
                                  KEY_ALL_ACCESS | view, nullptr, &key, nullptr));
   }
   void set(DWORD type, const void* data, DWORD bytes) {
@@ -243,7 +246,7 @@ class RegistryTest : public ::testing::Test {
   }
   ov_rc get(uint32_t size) {
     length = size;
-    return ov_reg_get(OV_REG_CURRENT_USER, kKey, "Name", out, &length);
+    return ov_reg_get(OV_REG_CURRENT_USER, keyName.c_str(), "Name", out, &length);
   }
   HKEY key = nullptr;
   char out[64] = "old";
@@ -283,7 +286,7 @@ TEST_F(RegistryTest, SmallBufferTellsALargerSizeAndIsEmptied) {
   EXPECT_EQ(40U, length);
   EXPECT_EQ(Messages{"DBG Buffer length of 40 required"}, log.take());
   length = 0;
-  EXPECT_EQ(0, ov_reg_get(OV_REG_CURRENT_USER, kKey, "Name", nullptr, &length));
+  EXPECT_EQ(0, ov_reg_get(OV_REG_CURRENT_USER, keyName.c_str(), "Name", nullptr, &length));
   EXPECT_EQ(40U, length);
   EXPECT_EQ(28677, get(0));
 }
@@ -329,26 +332,25 @@ TEST_F(RegistryTest, MissingKeyAndValue) {
 
 TEST_F(RegistryTest, ThirtyTwoBitViewIsLookedAtSecond) {
   RegCloseKey(key);
-  RegDeleteKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Orvane-Test", KEY_WOW64_64KEY, 0);
-  ASSERT_EQ(0, RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Orvane-Test", 0, nullptr, 0,
+  RegDeleteKeyExW(HKEY_LOCAL_MACHINE, wideKeyName.c_str(), KEY_WOW64_64KEY, 0);
+  ASSERT_EQ(0, RegCreateKeyExW(HKEY_LOCAL_MACHINE, wideKeyName.c_str(), 0, nullptr, 0,
                                KEY_ALL_ACCESS | KEY_WOW64_32KEY, nullptr, &key, nullptr));
   set(REG_SZ, L"32", 6);
   length = sizeof out;
-  EXPECT_EQ(0, ov_reg_get(OV_REG_LOCAL_MACHINE, kKey, "Name", out, &length));
+  EXPECT_EQ(0, ov_reg_get(OV_REG_LOCAL_MACHINE, keyName.c_str(), "Name", out, &length));
   EXPECT_STREQ("32", out);
-  RegDeleteKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Orvane-Test", KEY_WOW64_32KEY, 0);
+  RegDeleteKeyExW(HKEY_LOCAL_MACHINE, wideKeyName.c_str(), KEY_WOW64_32KEY, 0);
 }
 
 TEST_F(RegistryTest, BadHiveAndArguments) {
   length = sizeof out;
-  EXPECT_EQ(6, ov_reg_get(nullptr, kKey, "Name", out, &length));
+  EXPECT_EQ(6, ov_reg_get(nullptr, keyName.c_str(), "Name", out, &length));
   const Messages lines = log.take();
   ASSERT_EQ(1U, lines.size());
-  EXPECT_EQ(0U,
-            lines[0].find("LOG RegOpenKeyEx() SOFTWARE\\Orvane-Test failed, errno:6, err desc:"));
+  EXPECT_EQ(0U, lines[0].find("LOG RegOpenKeyEx() " + keyName + " failed, errno:6, err desc:"));
   EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, nullptr, "Name", out, &length));
-  EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, kKey, nullptr, out, &length));
-  EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, kKey, "Name", out, nullptr));
+  EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, keyName.c_str(), nullptr, out, &length));
+  EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, keyName.c_str(), "Name", out, nullptr));
 }
 
 TEST(SocketsTest, StartCloseAndEnd) {
