@@ -408,18 +408,35 @@ TEST_F(LogFileTest, RingHoldsNineFilesAtMostAndTheNameFollowsTheLiveOne) {
       << passed;
 }
 
-TEST_F(LogFileTest, BareNameGoesToTheDefaultDirectoryAndKeepsItsSuffix) {
+// Where a log with a bare name goes.
+std::string default_directory() {
   char program[520];
   char root[520];
   char directory[520];
-  ASSERT_LE(0, ov_path_executable_path(program, sizeof program));
-  ASSERT_LE(0, ov_path_root_dir(program, root, sizeof root));
+  EXPECT_LE(0, ov_path_executable_path(program, sizeof program));
+  EXPECT_LE(0, ov_path_root_dir(program, root, sizeof root));
   ov_snprintf(directory, sizeof directory, "%s/var/log", root);
   if (!ov_path_exists(directory)) {
-    ASSERT_LE(0, ov_path_executable_dir(directory, sizeof directory));
+    EXPECT_LE(0, ov_path_executable_dir(directory, sizeof directory));
   }
+  return directory;
+}
+
+TEST_F(LogFileTest, ColonOfADriveIsNoSuffix) {
+  const std::string stem = "C:5-" + std::to_string(ov::process_id());
+  const std::string whole = default_directory() + "/" + stem;
+  ASSERT_EQ(0, ov_log_init(2, (stem + ".log").c_str()));
+  ov_log("drive");
+  ov_log_cleanup();
+  EXPECT_EQ(Lines{"LOG drive"}, messages(TempFolder::read(whole + ".0.log")));
+  for (const char* end : {".log", ".0.log"}) {
+    std::filesystem::remove(TempFolder::native(whole + end));
+  }
+}
+
+TEST_F(LogFileTest, BareNameGoesToTheDefaultDirectoryAndKeepsItsSuffix) {
   const std::string stem = "ov-log-test-" + std::to_string(ov::process_id());
-  const std::string whole = std::string(directory) + "/" + stem;
+  const std::string whole = default_directory() + "/" + stem;
   ASSERT_EQ(0, ov_log_init(2, (stem + ".log").c_str()));
   ov_log("bare");
   ov_log_cleanup();
