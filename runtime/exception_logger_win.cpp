@@ -64,7 +64,7 @@ void exception_logger_install() {
     handler = AddVectoredExceptionHandler(0, &log_fault);
     open_symbols();
     // Once in the life of the module: the table of what happens at its end only grows.
-    if (!std::exchange(removed_at_exit, true)) std::atexit(&exception_logger_remove);
+    removed_at_exit = removed_at_exit || std::atexit(&exception_logger_remove) == 0;
   }
   lock.release();
 }
