@@ -1,5 +1,5 @@
-// Files and directories where only this platform shows them, and failures that do not happen by
-// themselves: the import is replaced by one of ours.
+// Failures of files and directories that do not happen by themselves: the import is replaced by one
+// of ours.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -238,38 +238,6 @@ TEST_F(FilesWinTest, OpenWriteThatCannotEmptyTheFileClosesIt) {
   EXPECT_EQ(0, ov_file_delete(path.c_str()));  // nothing holds it open
 }
 
-TEST_F(FilesWinTest, OpenReadWriteCreatesUnlessTheModeIsSeven) {
-  ov_file file;
-  EXPECT_EQ(2, ov_file_openrw(folder.path("new").c_str(), &file, 7));
-  EXPECT_EQ(0, ov_file_openrw(folder.path("new").c_str(), &file, 0));
-  EXPECT_EQ(0, ov_file_close(&file));
-  EXPECT_EQ(0, ov_file_openrw(path.c_str(), &file, 7));
-  char buffer[8] = {};
-  uint32_t count = 0;
-  EXPECT_EQ(0, ov_file_read(&file, buffer, 7, &count));
-  EXPECT_STREQ("content", buffer);
-  EXPECT_EQ(0, ov_file_close(&file));
-}
-
-TEST_F(FilesWinTest, SeekWriteAndTruncate) {
-  ov_file file;
-  ASSERT_EQ(0, ov_file_openrw(path.c_str(), &file, 0));
-  uint32_t count = 0;
-  EXPECT_EQ(0, ov_file_pwrite(&file, "XY", 2, 3, &count));
-  EXPECT_EQ(2U, count);
-  char next = 0;
-  EXPECT_EQ(0, ov_file_read(&file, &next, 1, &count));
-  EXPECT_EQ('n', next);  // the position stays behind what was written
-  EXPECT_EQ(0, ov_file_seek(&file, -2, 2));
-  EXPECT_EQ(0, ov_file_write(&file, "!", 1, &count));
-  EXPECT_EQ(0, ov_file_seek(&file, -1, 1));
-  EXPECT_EQ(0, ov_file_read(&file, &next, 1, &count));
-  EXPECT_EQ('!', next);
-  EXPECT_EQ(0, ov_file_truncate(&file, 4));
-  EXPECT_EQ(0, ov_file_close(&file));
-  EXPECT_EQ("conX", TempFolder::read(path));
-}
-
 TEST_F(FilesWinTest, SeekFailuresAreLogged) {
   ov_file file;
   uint32_t count = 0;
@@ -288,44 +256,6 @@ TEST_F(FilesWinTest, SeekFailuresAreLogged) {
   EXPECT_EQ(22, ov_file_seek(nullptr, 0, 0));
   EXPECT_EQ(22, ov_file_truncate(nullptr, 0));
   EXPECT_EQ(22, ov_file_pwrite(&file, nullptr, 0, 0, &count));
-}
-
-TEST_F(FilesWinTest, RenameReplaces) {
-  TempFolder::write(folder.path("other"), "other");
-  EXPECT_EQ(0, ov_file_rename(path.c_str(), folder.path("other").c_str()));
-  EXPECT_EQ("content", TempFolder::read(folder.path("other")));
-  EXPECT_EQ(2, ov_file_rename(path.c_str(), folder.path("x").c_str()));
-  EXPECT_EQ(22, ov_file_rename(nullptr, "x"));
-  EXPECT_EQ(22, ov_file_rename("x", nullptr));
-}
-
-TEST_F(FilesWinTest, OpenReadKeepsWritersOut) {
-  ov_file reader;
-  ov_file other;
-  ASSERT_EQ(0, ov_file_openread(path.c_str(), &reader));
-  EXPECT_EQ(32, ov_file_openwrite(path.c_str(), &other, 0));
-  EXPECT_EQ(0, ov_file_openread(path.c_str(), &other));
-  EXPECT_EQ(0, ov_file_close(&other));
-  EXPECT_EQ(0, ov_file_close(&reader));
-}
-
-TEST_F(FilesWinTest, LongPathsWork) {
-  std::string deep = folder.path();
-  while (deep.size() < 440) deep += "/" + std::string(40, 'd');
-  EXPECT_EQ(0, ov_dir_create(deep.c_str(), 0, 1));
-  TempFolder::write(deep + "/f", "");
-  EXPECT_EQ(0, ov_file_exist((deep + "/f").c_str(), 0));
-  EXPECT_EQ(0, ov_dir_delete((folder.path() + "/" + std::string(40, 'd')).c_str(), 1));
-  EXPECT_EQ(28677, ov_file_exist(("C:/" + std::string(560, 'x')).c_str(), 0));
-}
-
-TEST_F(FilesWinTest, RealPathHasForwardSlashesAndNoMark) {
-  char out[OV_PATH_SIZE];
-  EXPECT_EQ(0, ov_file_realpath(path.c_str(), out, sizeof out));
-  EXPECT_STREQ(path.c_str(), out);
-  EXPECT_EQ(122, ov_file_realpath(path.c_str(), out, 4));
-  EXPECT_EQ(2, ov_file_realpath("C:/none", out, sizeof out));
-  EXPECT_EQ(22, ov_file_realpath(path.c_str(), nullptr, 0));
 }
 
 TEST_F(FilesWinTest, EmptyRootOfAVolumeIsAnEmptyDirectory) {

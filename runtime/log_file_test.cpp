@@ -10,12 +10,12 @@
 #include <thread>
 #include <vector>
 
-#include "runtime/error_platform.h"
-#include "runtime/log_platform.h"
+#include "runtime/caller_state.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_paths.h"
+#include "runtime/ov_threads.h"
 #include "runtime/temp_folder.h"
 
 namespace {
@@ -101,7 +101,8 @@ TEST_F(LogFileTest, LineCarriesDateProcessThreadLevelAndText) {
   ASSERT_EQ(0, ov_log_init(2, path().c_str()));
   EXPECT_EQ(0, ov_log_msg(OV_LEVEL_LOG, "text %d", 7));
   char ids[64];
-  ov_snprintf(ids, sizeof ids, "\\[%x-%08x\\] LOG text 7\r\n", ov::process_id(), ov::thread_id());
+  ov_snprintf(ids, sizeof ids, "\\[%x-%08x\\] LOG text 7\r\n", ov::this_process(),
+              ov_thread_self());
   const std::string text = content("app.0.log");
   EXPECT_TRUE(std::regex_match(
       text, std::regex(std::string("20\\d\\d-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d ") + ids)))
@@ -148,16 +149,16 @@ TEST_F(LogFileTest, LongMessageLosesItsTail) {
 
 TEST_F(LogFileTest, CallerErrorsAreTheSameAfterALine) {
   ASSERT_EQ(0, ov_log_init(2, path().c_str()));
-  ov::set_last_error(0);
+  ov::set_caller_error(0);
   errno = 2;
   ov_log("one");
-  EXPECT_EQ(0u, ov::last_error());
+  EXPECT_EQ(0u, ov::caller_error());
   EXPECT_EQ(2, errno);
-  ov::set_last_error(183);
+  ov::set_caller_error(183);
   errno = 0;
   ov_log("two");
   ov_log_flush();
-  EXPECT_EQ(183u, ov::last_error());
+  EXPECT_EQ(183u, ov::caller_error());
   EXPECT_EQ(0, errno);
 }
 
@@ -423,7 +424,7 @@ std::string default_directory() {
 }
 
 TEST_F(LogFileTest, ColonOfADriveIsNoSuffix) {
-  const std::string stem = "C:5-" + std::to_string(ov::process_id());
+  const std::string stem = "C:5-" + std::to_string(ov::this_process());
   const std::string whole = default_directory() + "/" + stem;
   ASSERT_EQ(0, ov_log_init(2, (stem + ".log").c_str()));
   ov_log("drive");
@@ -435,7 +436,7 @@ TEST_F(LogFileTest, ColonOfADriveIsNoSuffix) {
 }
 
 TEST_F(LogFileTest, BareNameGoesToTheDefaultDirectoryAndKeepsItsSuffix) {
-  const std::string stem = "ov-log-test-" + std::to_string(ov::process_id());
+  const std::string stem = "ov-log-test-" + std::to_string(ov::this_process());
   const std::string whole = default_directory() + "/" + stem;
   ASSERT_EQ(0, ov_log_init(2, (stem + ".log").c_str()));
   ov_log("bare");

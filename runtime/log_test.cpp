@@ -5,8 +5,8 @@
 #include <thread>
 #include <vector>
 
+#include "runtime/caller_state.h"
 #include "runtime/captured_log.h"
-#include "runtime/error_platform.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 
@@ -47,12 +47,12 @@ TEST_F(LogTest, SettersWriteTheExportedFlags) {
 }
 
 TEST_F(LogTest, MessageBeforeInitialisationGives22AndChangesNothing) {
-  ov::set_last_error(77);
+  ov::set_caller_error(77);
   errno = 5;
   EXPECT_EQ(OV_EINVAL, ov_log_msg(OV_LEVEL_ERR, "lost"));
   EXPECT_EQ(0, ov_log("lost"));
   EXPECT_EQ(0, ov_err("lost"));
-  EXPECT_EQ(77u, ov::last_error());
+  EXPECT_EQ(77u, ov::caller_error());
   EXPECT_EQ(5, errno);
 }
 
@@ -128,26 +128,26 @@ TEST_F(LogTest, CallerErrorsAreTheSameAfterALogCall) {
   ov::CapturedLog log;
   for (const uint32_t error : {0u, 2u, 183u}) {
     for (const int number : {0, 2, 34}) {
-      ov::set_last_error(error);
+      ov::set_caller_error(error);
       errno = number;
       ov_log("text");
-      EXPECT_EQ(error, ov::last_error());
+      EXPECT_EQ(error, ov::caller_error());
       EXPECT_EQ(number, errno);
     }
   }
 }
 
 void spoilErrors(const char*) {
-  ov::set_last_error(1234);
+  ov::set_caller_error(1234);
   errno = 33;
 }
 
 TEST_F(LogTest, ErrorsSetByTheSinkDoNotReachTheCaller) {
   ASSERT_EQ(0, ov_log_init_function(&spoilErrors));
-  ov::set_last_error(0);
+  ov::set_caller_error(0);
   errno = 2;
   ov_err("text");
-  EXPECT_EQ(0u, ov::last_error());
+  EXPECT_EQ(0u, ov::caller_error());
   EXPECT_EQ(2, errno);
 }
 

@@ -92,30 +92,6 @@ TEST(WidePathTest, Failures) {
   EXPECT_EQ(22, ov_path_widen_path("a", wide, nullptr));
 }
 
-TEST(DirectoriesTest, Present) {
-  char out[OV_PATH_SIZE];
-  wchar_t wide[OV_PATH_SIZE];
-  ASSERT_NE(0U, GetCurrentDirectoryW(OV_PATH_SIZE, wide));
-  char expected[OV_PATH_SIZE];
-  size_t bytes = sizeof expected;
-  ASSERT_EQ(0, ov_wchar_to_utf8(wide, expected, &bytes));
-  EXPECT_EQ(0, ov_path_getcwd(out, sizeof out));
-  EXPECT_STREQ(expected, out);
-  EXPECT_EQ(122, ov_path_getcwd(out, 2));
-  EXPECT_EQ(22, ov_path_getcwd(nullptr, 2));
-}
-
-TEST(DirectoriesTest, Home) {
-  char out[OV_PATH_SIZE];
-  SetEnvironmentVariableW(L"USERPROFILE", L"C:\\users\\x\\..\\\u00E4");
-  EXPECT_EQ(11, ov_path_home_dir(out, sizeof out));
-  EXPECT_STREQ("C:/users/\xC3\xA4", out);
-  EXPECT_EQ(-1, ov_path_home_dir(out, 4));
-  EXPECT_EQ(-1, ov_path_home_dir(nullptr, 4));
-  SetEnvironmentVariableW(L"USERPROFILE", nullptr);
-  EXPECT_EQ(-1, ov_path_home_dir(out, sizeof out));
-}
-
 class UserHomeTest : public ::testing::Test {
  protected:
   UserHomeTest() { accounts = {}; }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -236,6 +237,25 @@ TEST(StringsPrintfTest, BadArgumentsGive22) {
   EXPECT_EQ(4u, pos);
 }
 
+ov_rc formatByList(char* text, size_t size, size_t* pos, const char* format, ...) OV_PRINTF(4, 5);
+
+ov_rc formatByList(char* text, size_t size, size_t* pos, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const ov_rc result = ov_str_vprintf_to(text, size, pos, format, arguments);
+  va_end(arguments);
+  return result;
+}
+
+TEST(StringsPrintfTest, FormOfAnArgumentListIsTheSame) {
+  char text[8];
+  size_t pos = 0;
+  EXPECT_EQ(0, formatByList(text, sizeof text, &pos, "%d-", 12));
+  EXPECT_EQ(OV_EBUFFER, formatByList(text, sizeof text, &pos, "%s", "abcdef"));
+  EXPECT_STREQ("12-abcd", text);
+  EXPECT_EQ(7u, pos);
+}
+
 // A growing buffer of the test.
 struct Growing {
   char* text = nullptr;
@@ -243,6 +263,28 @@ struct Growing {
   size_t pos = 0;
   ~Growing() { std::free(text); }
 };
+
+ov_rc growByList(Growing* buffer, const char* format, ...) OV_PRINTF(2, 3);
+
+ov_rc growByList(Growing* buffer, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const ov_rc result =
+      ov_str_vprintf_to_resize(&buffer->text, &buffer->capacity, &buffer->pos, format, arguments);
+  va_end(arguments);
+  return result;
+}
+
+TEST(StringsResizeTest, FormOfAnArgumentListMayFormatTwice) {
+  Growing buffer;
+  EXPECT_EQ(0, growByList(&buffer, "%d", 7));
+  EXPECT_EQ(1024u, buffer.capacity);
+  // What does not fit at first is formatted once more from the same arguments.
+  EXPECT_EQ(0, growByList(&buffer, "%02000d|%s", 5, "end"));
+  EXPECT_EQ(2005u, buffer.pos);
+  EXPECT_EQ(2048u, buffer.capacity);
+  EXPECT_EQ("5|end", std::string(buffer.text).substr(2000));
+}
 
 TEST(StringsResizeTest, NullBufferIsAllocatedWith1024Bytes) {
   Growing buffer;

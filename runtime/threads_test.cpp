@@ -11,7 +11,6 @@
 
 #include "runtime/captured_log.h"
 #include "runtime/ov_strings.h"
-#include "runtime/threads_internal.h"
 
 namespace {
 
@@ -45,19 +44,6 @@ TEST_P(ThreadsTest, AcquireNotesTheOwner) {
   EXPECT_EQ(0U, mutex.owner);
   EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex));
   EXPECT_EQ(ov_thread_self(), mutex.owner);
-  EXPECT_EQ(0, ov_mutex_release(&mutex));
-}
-
-TEST_P(ThreadsTest, HolderCannotAcquireAgain) {
-  static std::atomic<int> calls;
-  calls = 0;
-  ov::reacquire_hook = [] { ++calls; };
-  EXPECT_EQ(0, ov_mutex_acquire(&mutex));
-  EXPECT_EQ(183, ov_mutex_acquire(&mutex));
-  EXPECT_EQ(1, calls);
-  EXPECT_EQ(183, ov_mutex_acquire_nb(&mutex));
-  EXPECT_EQ(1, calls);
-  ov::reacquire_hook = nullptr;
   EXPECT_EQ(0, ov_mutex_release(&mutex));
 }
 

@@ -5,7 +5,6 @@
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_time.h"
-#include "runtime/time_calendar.h"
 
 namespace {
 
@@ -18,12 +17,6 @@ std::string format(const char* text, size_t size = 64) {
   EXPECT_EQ(0, ov_time_gmtime(&moment, &tm));
   const ov_rc result = ov_time_strftime(out.data(), size, text, &tm);
   return result == 0 ? out.c_str() : "error " + std::to_string(result);
-}
-
-std::string offset(int64_t seconds) {
-  char text[ov::utc_offset_room];
-  ov::format_utc_offset(seconds, text);
-  return text;
 }
 
 TEST(CalendarTest, TimesBreakDownAndComeBack) {
@@ -100,26 +93,6 @@ TEST(CalendarTest, MillisecondsAre000AndEveryOneIsExpanded) {
   EXPECT_EQ("11.000 000", format("%S.%L %L"));
   EXPECT_EQ("%L%z", format("%%L%%z"));
   EXPECT_EQ("L", format("L"));
-}
-
-TEST(CalendarTest, OffsetIsThePresentOneEverywhereInTheFormat) {
-  const int64_t now = time(nullptr);
-  std::tm local;
-  int64_t shifted = 0;
-  ASSERT_EQ(0, ov_time_localtime(&now, &local));
-  ASSERT_EQ(0, ov_time_timegm(&local, &shifted));
-  const std::string expected = offset(shifted - now);
-  EXPECT_EQ(expected + " " + expected, format("%z %z"));
-}
-
-TEST(CalendarTest, OffsetHasAMinusUnlessItIsAbove0) {
-  EXPECT_EQ("-0000", offset(0));
-  EXPECT_EQ("+0100", offset(3600));
-  EXPECT_EQ("-0100", offset(-3600));
-  EXPECT_EQ("+0530", offset(19800));
-  EXPECT_EQ("-0330", offset(-12600));
-  EXPECT_EQ("-0030", offset(-1800));
-  EXPECT_EQ("+1400", offset(50400));
 }
 
 TEST(CalendarTest, TextThatDoesNotFitOrIsEmptyGives122AndLeavesTheBuffer) {

@@ -1,12 +1,12 @@
 #include "runtime/log_platform.h"
 
-#include <sys/syscall.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <mutex>
 
 #include "runtime/ov_files.h"
+#include "runtime/ov_threads.h"
 
 namespace ov {
 namespace {
@@ -18,7 +18,7 @@ uint32_t process_id() {
 }
 
 uint32_t thread_id() {
-  return static_cast<uint32_t>(syscall(SYS_gettid));
+  return ov_thread_self();
 }
 
 uint64_t coarse_milliseconds() {
