@@ -81,12 +81,32 @@ TEST(ProcessesTest, StartFailures) {
   EXPECT_EQ(22, ov_process_create(&process, "\xFF"));
   EXPECT_EQ(2, ov_process_spawn("no-such-program.exe", nullptr, 0));
   EXPECT_EQ(22, ov_process_spawn(nullptr, nullptr, 0));
+  EXPECT_EQ(22, ov_process_spawnas(nullptr, nullptr, 0, 1));
   const char* const entries[] = {"A=\xFF"};
   EXPECT_EQ(8, ov_process_spawn("cmd.exe", entries, 1));
   int32_t state;
   EXPECT_EQ(22, ov_process_wait(nullptr, 0, &state));
   EXPECT_EQ(22, ov_process_wait(&process, 0, nullptr));
   EXPECT_EQ(22, ov_process_kill(nullptr));
+}
+
+TEST(ProcessesTest, LastArgumentOfASpawnIsNotRead) {
+  const TempFolder folder;
+  const std::string command = "cmd.exe /c echo x>" + folder.path("done");
+  EXPECT_EQ(0, ov_process_spawnas(command.c_str(), nullptr, 0, 1));
+  while (TempFolder::read(folder.path("done")) != "x\r\n") Sleep(10);
+}
+
+TEST(ProcessesTest, LogOnNeedsAUserAndAPassword) {
+  ov_process process;
+  const ov_credentials nobody = {nullptr, ""};
+  EXPECT_EQ(22, ov_process_runas(&process, &nobody));
+  EXPECT_EQ(22, ov_process_runas(&process, nullptr));
+  EXPECT_EQ(22, ov_process_runas(nullptr, &nobody));
+  const std::string domain(512, 'd');
+  const std::string user = domain + "\\bob";
+  const ov_credentials longDomain = {user.c_str(), "secret"};
+  EXPECT_EQ(122, ov_process_runas(&process, &longDomain));
 }
 
 // What a process that is spawned with these entries has for an environment.
