@@ -1,5 +1,7 @@
 #include "runtime/child_pipes_win.h"
 
+#include <algorithm>
+
 #include "runtime/last_code_win.h"
 
 namespace ov {
@@ -36,10 +38,7 @@ ov_rc ChildPipes::add(Stream stream, void** ours) {
 }
 
 bool ChildPipes::any() const {
-  for (const Pipe& pipe : pipes_) {
-    if (pipe.child != nullptr) return true;
-  }
-  return false;
+  return std::ranges::any_of(pipes_, [](const Pipe& pipe) { return pipe.child != nullptr; });
 }
 
 void ChildPipes::fill(STARTUPINFOW* startup) const {

@@ -19,7 +19,7 @@ struct NetFree {
 }  // namespace
 
 ov_rc ov::computer_name(char* out, size_t size) {
-  DWORD characters = static_cast<DWORD>(size);
+  auto characters = static_cast<DWORD>(size);
   return code_of(GetComputerNameA(out, &characters));
 }
 

@@ -9,7 +9,7 @@
 static_assert(sizeof(wchar_t) == sizeof(uint16_t));
 
 ov_rc ov::drive_roots(uint16_t* out, size_t units) {
-  const DWORD size = static_cast<DWORD>(units);
+  const auto size = static_cast<DWORD>(units);
   const DWORD length = GetLogicalDriveStringsW(size, reinterpret_cast<wchar_t*>(out));
   if (length == 0) return last_code();
   return length >= size ? OV_EBUFFER : 0;

@@ -30,7 +30,7 @@ ov_rc split(const char* name, UserName* parts) {
   if (separator == nullptr) separator = strchr(name, '\\');
   if (separator == nullptr) separator = strchr(name, '/');
   if (separator == nullptr) return ov_str_ncpy(parts->user, name, sizeof parts->user);
-  const size_t length = static_cast<size_t>(separator - name);
+  const auto length = static_cast<size_t>(separator - name);
   char* const first = userFirst ? parts->user : parts->domain;
   char* const second = userFirst ? parts->domain : parts->user;
   const ov_rc error = ov_str_nto(first, name, length, kNameSize, nullptr);

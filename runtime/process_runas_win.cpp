@@ -39,7 +39,7 @@ ov_rc split_user(const char* user, ov_process* process) {
   const char* const separator = strchr(user, '\\');
   char domain[sizeof process->domain / sizeof *process->domain] = "";
   if (separator != nullptr) {
-    const size_t length = static_cast<size_t>(separator - user);
+    const auto length = static_cast<size_t>(separator - user);
     if (length >= sizeof domain) return OV_ERANGE;
     memcpy(domain, user, length);
     domain[length] = '\0';

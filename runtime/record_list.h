@@ -25,7 +25,7 @@ class RecordList {
 
   // A cleared record at the end; null when memory is short.
   Record* append() {
-    Record* const record = new (std::nothrow) Record();
+    auto* const record = new (std::nothrow) Record();
     if (record == nullptr) return nullptr;
     *last_ = record;
     last_ = &record->next;

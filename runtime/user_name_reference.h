@@ -24,11 +24,13 @@ inline std::string raised(const std::string& text) {
 inline std::optional<std::string> normalForm(
     const std::string& name, const std::string& computer,
     const std::function<std::optional<std::string>(const std::string&)>& shortName) {
-  std::string user = name, domain;
+  std::string user = name;
+  std::string domain;
   for (const char separator : {'@', '\\', '/'}) {
     const size_t at = name.find(separator);
     if (at == std::string::npos) continue;
-    const std::string before = name.substr(0, at), behind = name.substr(at + 1);
+    const std::string before = name.substr(0, at);
+    const std::string behind = name.substr(at + 1);
     user = separator == '@' ? before : behind;
     domain = separator == '@' ? behind : before;
     break;

@@ -34,7 +34,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   ov::fake_names.note = false;
   ov::fake_names.domains = {{"a", "Longer.than.the.name"}, {"acme.example", "Acme"}, {"acme", "A"}};
   const int32_t level = data[0] % 4;
-  const std::string name = std::string(reinterpret_cast<const char*>(data + 2), size - 2).c_str();
+  const char* const text = reinterpret_cast<const char*>(data + 2);
+  const std::string name(text, ov_str_nlen(text, size - 2));
   std::vector<char> buffer(name.size() + 1 + data[1]);
   memcpy(buffer.data(), name.c_str(), name.size() + 1);
   const ov_rc error = ov_platform_normalize_user_name_ex(buffer.data(), buffer.size(), level);
