@@ -37,7 +37,7 @@ ov_rc create_one(const char* path, ov_dir_cb callback, void* argument) {
 
 ov_rc create_above(const char* path, ov_dir_cb callback, void* argument) {
   for (const char* end = ov_path_next_dirsep(path); end != nullptr;) {
-    const size_t length = static_cast<size_t>(end - path);
+    const auto length = static_cast<size_t>(end - path);
     char prefix[OV_PATH_SIZE];
     if (length >= sizeof prefix) return OV_ERANGE;
     memcpy(prefix, path, length);

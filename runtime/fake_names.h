@@ -2,7 +2,9 @@
 // included by one source of a program.
 #pragma once
 
+#include <functional>
 #include <map>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -18,11 +20,13 @@ struct FakeNames {
   ov_rc computer_error = 0;
   // By the name in lower case.
   std::map<std::string, std::string> domains;
-  // Looked-up domains are noted; a flag, since many threads may look up without a lock.
-  bool note = true;
+  // Called with each domain that is looked up, in the thread that does.
+  std::function<void(const std::string& domain)> on_ask;
+  // The domains that were looked up. Guarded by fake_names_lock while threads run.
   std::vector<std::string> asked;
 };
 inline FakeNames fake_names;
+inline std::mutex fake_names_lock;
 
 inline std::string lower(std::string text) {
   for (char& c : text) c = ascii_lower(c);
@@ -36,7 +40,11 @@ ov_rc computer_name(char* out, size_t size) {
 }
 
 ov_rc flat_domain_name(const char* domain, char* out, size_t size) {
-  if (fake_names.note) fake_names.asked.emplace_back(domain);
+  {
+    const std::lock_guard lock(fake_names_lock);
+    fake_names.asked.emplace_back(domain);
+  }
+  if (fake_names.on_ask) fake_names.on_ask(domain);
   const auto found = fake_names.domains.find(lower(domain));
   if (found == fake_names.domains.end()) return 1355;
   return ov_str_ncpy(out, found->second.c_str(), size);

@@ -102,9 +102,9 @@ void copy_uri(const char* in, char* out, size_t size) {
 }
 
 bool overlaps(const char* text, const char* buffer, size_t size) {
-  const uintptr_t first = reinterpret_cast<uintptr_t>(text);
+  const auto first = reinterpret_cast<uintptr_t>(text);
   const uintptr_t last = first + strlen(text);
-  const uintptr_t start = reinterpret_cast<uintptr_t>(buffer);
+  const auto start = reinterpret_cast<uintptr_t>(buffer);
   return first < start + size && start <= last;
 }
 

@@ -28,11 +28,9 @@ void ov_path_init(ov_path* path) {
 void ov_path_change_directory(ov_path* path, const char* segment, size_t length) {
   if (path == nullptr || segment == nullptr || length == 0) return;
   if (length == 1 && segment[0] == '.') return;
-  if (!is_dotdot(segment, length)) {
-    store(path, segment, length);
-  } else if (path->count == 0 && path->prefix[0] != '\0') {
-    return;  // a root cannot be left
-  } else if (ov_path_can_go_up_a_directory(path)) {
+  const bool up = is_dotdot(segment, length);
+  if (up && path->count == 0 && path->prefix[0] != '\0') return;  // a root cannot be left
+  if (up && ov_path_can_go_up_a_directory(path)) {
     path->segments[--path->count] = {};
   } else {
     store(path, segment, length);

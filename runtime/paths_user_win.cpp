@@ -55,7 +55,7 @@ ov_rc profile_value(const wchar_t* key, wchar_t* out, size_t size) {
   HKEY open = nullptr;
   LSTATUS error = RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_QUERY_VALUE, &open);
   if (error != 0) return static_cast<ov_rc>(error);
-  DWORD bytes = static_cast<DWORD>((size - 1) * sizeof(wchar_t));
+  auto bytes = static_cast<DWORD>((size - 1) * sizeof(wchar_t));
   error = RegQueryValueExW(open, L"ProfileImagePath", nullptr, nullptr,
                            reinterpret_cast<BYTE*>(out), &bytes);
   RegCloseKey(open);

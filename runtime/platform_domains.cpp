@@ -29,7 +29,7 @@ struct Entry {
   char resolved[kNameSize];
 };
 
-// Guarded by the domain lock, which is also held while the platform is asked.
+// Guarded by the domain lock, which nobody holds while the platform asks the network.
 Entry cache[kRememberedDomains];
 uint32_t age_counter = 1;
 uint32_t users = 0;
@@ -58,6 +58,25 @@ bool init_if_nobody_did() {
   return true;
 }
 
+// Whether the domain is known; then the result of writing its short name.
+bool recall(const char* domain, char* out, size_t size, ov_rc* result) {
+  const DomainLock lock;
+  Entry* const entry = find_entry(domain);
+  if (!equal_but_for_case(entry->requested, domain)) return false;
+  entry->age = age_counter++;
+  *result = ov_str_ncpy(out, entry->resolved, size);
+  return true;
+}
+
+// Another thread may have asked for the same domain meanwhile; then its entry is used again.
+void remember(const char* domain, const char* resolved) {
+  const DomainLock lock;
+  Entry* const entry = find_entry(domain);
+  ov_str_ncpy(entry->requested, domain, sizeof entry->requested);
+  ov_str_ncpy(entry->resolved, resolved, sizeof entry->resolved);
+  entry->age = age_counter++;
+}
+
 }  // namespace
 
 ov_rc ov_platform_init(void) {
@@ -79,14 +98,10 @@ ov_rc ov::remembered_domain_name(const char* domain, char* out, size_t size) {
   if (init_if_nobody_did() && g_dbg_level >= kNoteLevel) {
     ov_dbg("Nobody called ov_platform_init(). Resources may be leaked at program exit.");
   }
-  const DomainLock lock;
-  Entry* const entry = find_entry(domain);
-  if (!equal_but_for_case(entry->requested, domain)) {
-    char resolved[kNameSize];
-    if (flat_domain_name(domain, resolved, sizeof resolved) != 0) return kNotFound;
-    ov_str_ncpy(entry->requested, domain, sizeof entry->requested);
-    ov_str_ncpy(entry->resolved, resolved, sizeof entry->resolved);
-  }
-  entry->age = age_counter++;
-  return ov_str_ncpy(out, entry->resolved, size);
+  ov_rc result = 0;
+  if (recall(domain, out, size, &result)) return result;
+  char resolved[kNameSize];
+  if (flat_domain_name(domain, resolved, sizeof resolved) != 0) return kNotFound;
+  remember(domain, resolved);
+  return ov_str_ncpy(out, resolved, size);
 }

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "runtime/captured_log.h"
@@ -105,7 +106,34 @@ TEST_F(DomainsTest, UseWithoutInitIsNotedOnce) {
   EXPECT_EQ(0, ov_platform_fini());
 }
 
-// The fake platform has no lock of its own: it relies on that of the domains, as does this.
+TEST_F(DomainsTest, LookUpHoldsUpNoOther) {
+  ov_platform_init();
+  EXPECT_TRUE(isNew("domain1"));
+  fake_names.on_ask = [](const std::string& domain) {
+    if (domain != "domain2") return;
+    std::thread([] { EXPECT_EQ("Flat1", resolved("domain1")); }).join();
+    std::thread([] { EXPECT_EQ("Flat3", resolved("domain3")); }).join();
+  };
+  EXPECT_EQ("Flat2", resolved("domain2"));
+  fake_names.on_ask = nullptr;
+  for (int i = 1; i < 4; ++i) EXPECT_FALSE(isNew(name(i))) << i;
+  ov_platform_fini();
+}
+
+TEST_F(DomainsTest, DomainThatTwoAskForAtOnceTakesOnePlace) {
+  ov_platform_init();
+  for (int i = 0; i < 19; ++i) EXPECT_TRUE(isNew(name(i)));
+  bool first = true;
+  fake_names.on_ask = [&first](const std::string&) {
+    if (!std::exchange(first, false)) return;
+    std::thread([] { EXPECT_EQ("Flat19", resolved("domain19")); }).join();
+  };
+  EXPECT_EQ("Flat19", resolved("domain19"));
+  fake_names.on_ask = nullptr;
+  for (int i = 0; i < 20; ++i) EXPECT_FALSE(isNew(name(i))) << i;
+  ov_platform_fini();
+}
+
 TEST_F(DomainsTest, ManyThreadsShareTheDomains) {
   std::atomic<int> wrong = 0;
   std::vector<std::thread> threads;

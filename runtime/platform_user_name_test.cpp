@@ -175,7 +175,6 @@ void expectAsReference(const std::string& name, int32_t level) {
 
 TEST_F(UserNameTest, EqualsTheReferenceOnAllShortNames) {
   fake_names.domains = {{"a", "b"}, {"bbb", "Long.name"}, {"a.", ""}};
-  fake_names.note = false;
   const std::string alphabet = "abB@\\/.";
   size_t names = 1;
   for (size_t length = 0; length <= 6; ++length, names *= alphabet.size()) {
@@ -194,7 +193,6 @@ TEST_F(UserNameTest, EqualsTheReferenceOnAllShortNames) {
 
 TEST_F(UserNameTest, EqualsTheReferenceOnRandomNames) {
   fake_names.domains = {{"a", "b"}, {"bbb", "Long.name"}, {"a.", ""}};
-  fake_names.note = false;
   std::mt19937 random(1);
   for (int round = 0; round < 20000; ++round) {
     std::string name(random() % (round % 10 == 0 ? 1100 : 24), '\0');

@@ -31,7 +31,7 @@ std::optional<std::string> noShortName(const std::string&) {
 // The first byte is the level, the second what the name's buffer has beyond the name.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 2) return 0;
-  ov::fake_names.note = false;
+  ov::fake_names.asked.clear();
   ov::fake_names.domains = {{"a", "Longer.than.the.name"}, {"acme.example", "Acme"}, {"acme", "A"}};
   const int32_t level = data[0] % 4;
   const char* const text = reinterpret_cast<const char*>(data + 2);
