@@ -5,7 +5,6 @@
 #include <winternl.h>
 
 #include <memory>
-#include <vector>
 
 namespace Vantrel::Web::Host {
 
@@ -17,23 +16,10 @@ struct CloseHandleOnExit {
 };
 using Handle = std::unique_ptr<void, CloseHandleOnExit>;
 
-// The records of the extended handle list, as the platform publishes them.
-struct HandleEntry {
-  void* object;
-  ULONG_PTR processId;
-  ULONG_PTR handle;
-  ULONG access;
-  USHORT creatorBackTrace;
-  USHORT objectType;
-  ULONG attributes;
-  ULONG reserved;
-};
-struct HandleList {
-  ULONG_PTR count;
-  ULONG_PTR reserved;
-  HandleEntry entries[1];
-};
-constexpr int kExtendedHandleInformation = 64;
+// The platform gives the lowest free number to a new handle, so the numbers in use lie close:
+// behind that many free ones there is none.
+constexpr int kFreeInARow = 1024;
+constexpr uintptr_t kHandleStep = 4;
 constexpr int kThreadStartAddress = 9;
 
 template <typename Function>
@@ -80,19 +66,15 @@ std::set<uint32_t> threadsStartedIn(const void* base) {
 }
 
 size_t handleCount() {
-  using Query = NTSTATUS(NTAPI*)(int, PVOID, ULONG, PULONG);
-  static const auto query = systemFunction<Query>("NtQuerySystemInformation");
-  // GetProcessHandleCount answers 0 under Wine; the list of all handles is right everywhere.
-  std::vector<char> buffer(1 << 16);
-  ULONG needed = 0;
-  while (query(kExtendedHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()),
-               &needed) < 0) {
-    buffer.resize(buffer.size() * 2);
-  }
-  const auto* list = static_cast<const HandleList*>(static_cast<const void*>(buffer.data()));
+  // GetProcessHandleCount answers 0 under Wine, and the list of all processes' handles makes its
+  // server crash when one of them is just ending.
   size_t count = 0;
-  for (size_t i = 0; i < list->count; ++i) {
-    if (list->entries[i].processId == GetCurrentProcessId()) ++count;
+  int freeInARow = 0;
+  for (uintptr_t number = kHandleStep; freeInARow < kFreeInARow; number += kHandleStep) {
+    DWORD flags = 0;
+    const bool used = GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) != FALSE;
+    if (used) ++count;
+    freeInARow = used ? 0 : freeInARow + 1;
   }
   return count;
 }
