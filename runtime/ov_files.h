@@ -117,6 +117,28 @@ ov_rc ov_file_copy(const char* from, const char* to, int32_t mode);
 /* Makes `link` another name of the file `existing`. */
 ov_rc ov_file_hardlink(const char* existing, const char* link);
 
+/* Makes `link` a symbolic link with the text `target`, which need not lead to anything; a relative
+   one counts from the link's directory. 1314 without the right to make links. */
+ov_rc ov_file_symlink(const char* target, const char* link);
+
+/* Writes what a symbolic link or a mount point leads to, with forward slashes. `size` counts bytes.
+   4390 for a path that is no link, 122 for a target that does not fit. */
+ov_rc ov_file_readlink(const char* path, char* out, size_t size);
+
+/* Sets times of a file or directory, in seconds since 1970; null leaves one as it is. 22 for a time
+   that the platform has no number for. */
+ov_rc ov_file_utime(const char* path, const int64_t* accessed, const int64_t* modified);
+ov_rc ov_file_utime3(const char* path, const int64_t* accessed, const int64_t* modified,
+                     const int64_t* created);
+
+/* Makes a file read-only, unless the owner's write bit (octal 0200) is in `mode`. This platform
+   keeps no other bit. */
+ov_rc ov_file_permissions(const char* path, int32_t mode);
+
+/* 0 when `uid` and `gid` are the present ones or -1. Files of this platform have owners without
+   numbers, so every other is 50. */
+ov_rc ov_file_chown(const char* path, int32_t uid, int32_t gid);
+
 /* Replaces each backslash by a slash, in place. */
 void ov_file_tounixpath(char* path);
 
