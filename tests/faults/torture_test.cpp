@@ -15,23 +15,12 @@
 #include "runtime/ov_runtime.h"
 #include "runtime/temp_folder.h"
 #include "tests/faults/failing_calls_win.h"
+#include "tests/host/process_state.h"
 
 namespace {
 
 using ov::TempFolder;
-
-// The handles of this process, by asking for each value that one may have; the lowest free value is
-// always the next. The system's list of all handles of all processes is too dear to be asked for as
-// often as here.
-size_t handleCount() {
-  constexpr uintptr_t kEnd = 0x800;
-  size_t count = 0;
-  for (uintptr_t value = 4; value < kEnd; value += 4) {
-    DWORD flags = 0;
-    if (GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags)) ++count;
-  }
-  return count;
-}
+using Vantrel::Web::Host::handleCount;
 
 // More calls than any piece of work makes.
 constexpr int kMostCalls = 2000;
