@@ -9,9 +9,13 @@ state=$(dirname "$WINEPREFIX")
 exec 9>"$state/lock"
 flock 9
 [ -f "$WINEPREFIX/complete" ] && exit 0
-rm -rf "$WINEPREFIX"
-# No descriptor 9 for Wine: its server outlives us and would keep the lock.
-wineboot -i 9>&- >/dev/null 2>&1
+# No descriptor 9 for Wine: its server outlives us and would keep the lock. Now and then the first
+# server of a new prefix does not start, within a moment; then a second one does.
+boot() {
+  rm -rf "$WINEPREFIX"
+  wineboot -i 9>&- >"$state/wineboot.log" 2>&1
+}
+boot || { sleep 1 && boot; } || { cat "$state/wineboot.log" >&2; exit 1; }
 # Windows without an X server; no two-second wait per window where there is one.
 if [ -z "${DISPLAY:-}" ]; then
   wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f 9>&- >/dev/null
