@@ -16,5 +16,9 @@ for name in ${DISPLAY:+DISPLAY} ${OV_WINE_PASS:-}; do
   eval "value=\${$name-}"
   set -- "$name=$value" "$@"
 done
-exec env -i PATH="$PATH" HOME="$HOME" LC_ALL="$LC_ALL" TZ="$TZ" WINEPREFIX="$WINEPREFIX" \
+# At a fixed layout: with a random one Wine sometimes finds the one address taken at which every
+# Windows program has its shared data, and ends without a word. Some sandboxes do not let us choose.
+fixed=$(setarch -R true 2>/dev/null && echo "setarch -R") || true
+# shellcheck disable=SC2086 # two words or none
+exec $fixed env -i PATH="$PATH" HOME="$HOME" LC_ALL="$LC_ALL" TZ="$TZ" WINEPREFIX="$WINEPREFIX" \
   WINEARCH="$WINEARCH" WINEDEBUG="$WINEDEBUG" WINEDLLOVERRIDES="$WINEDLLOVERRIDES" "$@"

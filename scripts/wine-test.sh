@@ -6,9 +6,9 @@
 set -eu
 output=$(mktemp "$1/output.XXXXXX")
 trap 'rm -f "$output"' EXIT
-# About one start in three thousand ends within ten milliseconds, with status 1 and not a word: Wine's
-# loader has given up, and the program was never there. A test that fails has said so by then, and one
-# that crashes ends with another status; so only a silent 1 is started again.
+# Where wine-run.sh cannot fix the layout, about one start in three thousand ends within ten
+# milliseconds, with status 1 and not a word: the program was never there. A test that fails has said
+# so by then, and one that crashes ends with another status; so only a silent 1 is started again.
 for attempt in 1 2 3; do
   status=0
   "$(dirname "$0")/wine-run.sh" "$@" >"$output" 2>&1 || status=$?
