@@ -12,13 +12,7 @@
 
 namespace {
 
-// Calls `use` with every text over the alphabet, up to a length.
-void forEachText(const std::string& alphabet, size_t longest,
-                 const std::function<void(const std::string&)>& use, std::string text = "") {
-  use(text);
-  if (text.size() == longest) return;
-  for (const char c : alphabet) forEachText(alphabet, longest, use, text + c);
-}
+using ov::reference::forEachText;
 
 struct Case {
   const char* in;

@@ -3,11 +3,20 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace ov::reference {
+
+// Calls `use` with every text over the alphabet, up to a length.
+inline void forEachText(const std::string& alphabet, size_t longest,
+                        const std::function<void(const std::string&)>& use, std::string text = "") {
+  use(text);
+  if (text.size() == longest) return;
+  for (const char c : alphabet) forEachText(alphabet, longest, use, text + c);
+}
 
 inline bool isLetter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');

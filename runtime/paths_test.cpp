@@ -18,6 +18,8 @@
 
 namespace {
 
+using ov::reference::forEachText;
+
 // The canonical form, or "<failed>". The buffer on the heap is exactly as large as told, so that a
 // sanitizer sees every byte beyond it.
 std::string canonical(const std::string& path, size_t size = OV_PATH_SIZE) {
@@ -36,14 +38,6 @@ std::string parent(const std::string& path) {
   if (length < 0) return "<failed>";
   EXPECT_EQ(strlen(out), static_cast<size_t>(length));
   return out;
-}
-
-// Calls `use` with every text over the alphabet, up to a length.
-void forEachText(const std::string& alphabet, size_t longest,
-                 const std::function<void(const std::string&)>& use, std::string text = "") {
-  use(text);
-  if (text.size() == longest) return;
-  for (const char c : alphabet) forEachText(alphabet, longest, use, text + c);
 }
 
 struct Case {
