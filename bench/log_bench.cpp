@@ -11,7 +11,7 @@
 #include "bench/bench.h"
 #include "runtime/ov_files.h"
 #include "runtime/ov_log.h"
-#include "runtime/temp_folder.h"
+#include "tests/support/runtime/temp_folder.h"
 
 #if defined(_WIN32)
 #include <windows.h>

@@ -10,10 +10,10 @@
 
 #include "bench/bench.h"
 #include "core/approved_files.h"
-#include "core/json_document.h"
 #include "core/request_check.h"
 #include "service/http_reply_reader.h"
 #include "service/http_response.h"
+#include "text/json_document.h"
 
 namespace Vantrel::Web {
 namespace {

@@ -14,7 +14,7 @@
 #include "bench/bench.h"
 #include "runtime/ov_paths.h"
 #include "runtime/ov_strings.h"
-#include "runtime/strings_base64.h"
+#include "runtime/strings/base64.h"
 
 namespace Vantrel::Web {
 namespace {

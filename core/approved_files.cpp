@@ -3,8 +3,8 @@
 #include <set>
 #include <stdexcept>
 
-#include "core/text.h"
 #include "runtime/ov_log.h"
+#include "text/text.h"
 
 namespace Vantrel::Web {
 

@@ -1,7 +1,7 @@
 #include "core/destination_consent.h"
 
-#include "core/text.h"
 #include "runtime/ov_log.h"
+#include "text/text.h"
 
 namespace Vantrel::Web {
 

@@ -7,14 +7,14 @@
 #include <cctype>
 #include <string_view>
 
-#include "core/error_reply.h"
-#include "core/error_texts.h"
 #include "core/plugin_platform.h"
 #include "core/version.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_sockets.h"
 #include "runtime/ov_strings.h"
 #include "service/launch.h"
+#include "text/error_reply.h"
+#include "text/error_texts.h"
 #include "threads/system_exception.h"
 
 namespace Vantrel::Web {

@@ -15,11 +15,11 @@
 #include <vector>
 
 #include "core/destination_consent.h"
-#include "service/callback.h"
 #include "service/http_request.h"
 #include "service/http_response.h"
 #include "service/request_worker.h"
 #include "service/transfers_poller.h"
+#include "threads/callback.h"
 
 namespace Vantrel::Web {
 

@@ -2,8 +2,6 @@
 
 #include <new>
 
-#include "core/error_reply.h"
-#include "core/error_texts.h"
 #include "core/plugin.h"
 #include "core/request_check.h"
 #include "runtime/ov_log.h"
@@ -11,6 +9,8 @@
 #include "service/service_url.h"
 #include "service/vantrel_request.h"
 #include "service/window.h"
+#include "text/error_reply.h"
+#include "text/error_texts.h"
 
 namespace Vantrel::Web {
 

@@ -1,7 +1,7 @@
 // Requests that a page forwards to the desktop client, and the client's windows.
 #include "core/plugin.h"
 
-#include "core/plugin_fixture.h"
+#include "tests/support/core_fixture.h"
 
 namespace Vantrel::Web {
 namespace {

@@ -1,7 +1,7 @@
 // Life, session and identification of an instance.
 #include "core/plugin.h"
 
-#include "core/plugin_fixture.h"
+#include "tests/support/core_fixture.h"
 
 namespace Vantrel::Web {
 namespace {

@@ -1,11 +1,11 @@
 // Transfers that a page starts directly, by naming sources and a destination.
 
-#include "core/error_texts.h"
 #include "core/plugin.h"
-#include "core/text.h"
 #include "core/transfer.h"
 #include "runtime/ov_log.h"
 #include "service/launch.h"
+#include "text/error_texts.h"
+#include "text/text.h"
 
 namespace Vantrel::Web {
 

@@ -1,7 +1,7 @@
 // Transfers that a page starts directly.
 #include "core/plugin.h"
 
-#include "core/plugin_fixture.h"
+#include "tests/support/core_fixture.h"
 
 namespace Vantrel::Web {
 namespace {

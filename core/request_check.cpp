@@ -3,10 +3,10 @@
 #include <string_view>
 
 #include "core/approved_files.h"
-#include "core/error_reply.h"
-#include "core/error_texts.h"
-#include "core/json_document.h"
-#include "core/text.h"
+#include "text/error_reply.h"
+#include "text/error_texts.h"
+#include "text/json_document.h"
+#include "text/text.h"
 
 namespace Vantrel::Web {
 

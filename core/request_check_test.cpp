@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/approved_files.h"
-#include "core/error_reply.h"
+#include "text/error_reply.h"
 
 namespace Vantrel::Web {
 namespace {

@@ -2,11 +2,11 @@
 
 #include <memory>
 
-#include "core/error_texts.h"
-#include "core/text.h"
 #include "runtime/ov_log.h"
 #include "service/launch.h"
 #include "service/vantrel_request.h"
+#include "text/error_texts.h"
+#include "text/text.h"
 
 namespace Vantrel::Web {
 

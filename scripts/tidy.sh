@@ -38,6 +38,6 @@ if [ "${1:-}" = --one ]; then
   tidy_one "$3" "$2"
   exit
 fi
-git ls-files -z -- 'browsers/*.cpp' 'core/*.cpp' 'runtime/*.cpp' 'service/*.cpp' 'threads/*.cpp' \
+git ls-files -z -- 'browsers/*.cpp' 'core/*.cpp' 'runtime/*.cpp' 'service/*.cpp' 'text/*.cpp' 'threads/*.cpp' \
   ':!*_test.cpp' |
   xargs -0 -n 1 -P "${OV_TIDY_JOBS:-$(nproc)}" "$0" --one "$common"

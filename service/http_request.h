@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "service/callback.h"
 #include "service/http_response.h"
+#include "threads/callback.h"
 
 namespace Vantrel::Web {
 

@@ -3,7 +3,7 @@
 #include <windows.h>
 #include <shlobj.h>
 
-#include "core/wide_text.h"
+#include "text/wide_text.h"
 
 namespace Vantrel::Web {
 

@@ -4,10 +4,10 @@
 #include <mutex>
 #include <utility>
 
-#include "core/error_texts.h"
 #include "runtime/ov_log.h"
 #include "service/launch.h"
 #include "service/service_url.h"
+#include "text/error_texts.h"
 
 namespace Vantrel::Web {
 

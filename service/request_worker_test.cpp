@@ -9,13 +9,13 @@
 #include <string>
 #include <vector>
 
-#include "core/error_texts.h"
 #include "service/testing.h"
 #include "service/vantrel_request.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/service_files.h"
+#include "text/error_texts.h"
 
 namespace Vantrel::Web {
 namespace {

@@ -5,10 +5,10 @@
 #include <memory>
 #include <mutex>
 
-#include "core/error_texts.h"
-#include "core/json_document.h"
 #include "runtime/ov_log.h"
 #include "service/vantrel_request.h"
+#include "text/error_texts.h"
+#include "text/json_document.h"
 
 namespace Vantrel::Web {
 

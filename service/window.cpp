@@ -3,10 +3,10 @@
 #include <memory>
 #include <utility>
 
-#include "core/error_texts.h"
 #include "runtime/ov_log.h"
 #include "service/launch.h"
 #include "service/vantrel_request.h"
+#include "text/error_texts.h"
 
 namespace Vantrel::Web {
 

@@ -6,13 +6,13 @@
 #include <thread>
 #include <vector>
 
-#include "core/error_texts.h"
 #include "service/service_url.h"
 #include "service/testing.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/service_files.h"
+#include "text/error_texts.h"
 
 namespace Vantrel::Web {
 namespace {

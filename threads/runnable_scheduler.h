@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "service/callback.h"
+#include "threads/callback.h"
 #include "threads/one_shot_manager.h"
 #include "threads/runnable.h"
 

@@ -8,7 +8,7 @@
 #include "runtime/ov_log.h"
 #include "threads/mutex.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -46,4 +46,4 @@ void freeUndeliveredCalls() {
   undelivered.clear();
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

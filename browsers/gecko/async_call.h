@@ -8,7 +8,7 @@
 
 #include "browsers/gecko/netscape_plugin_api.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 class AsyncCall {
  public:
@@ -30,4 +30,4 @@ void postToBrowser(NPP npp, std::unique_ptr<AsyncCall> call);
 // Frees the calls that the browser has not run. At the end of the module, on the browser's thread.
 void freeUndeliveredCalls();
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

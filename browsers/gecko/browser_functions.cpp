@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 NPNetscapeFuncs browserFuncs = {};
 
@@ -13,4 +13,4 @@ void copyBrowserFunctions(const NPNetscapeFuncs& funcs) {
   std::memcpy(&browserFuncs, &funcs, bytes);
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

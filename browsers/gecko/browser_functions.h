@@ -7,7 +7,7 @@
 
 #include "browsers/gecko/netscape_plugin_api.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 // A private copy of the browser's table, made by NP_Initialize.
 extern NPNetscapeFuncs browserFuncs;
@@ -49,4 +49,4 @@ class RetainedObject {
   NPObject* object = nullptr;
 };
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -5,17 +5,17 @@
 
 #include "browsers/gecko/async_call.h"
 #include "browsers/gecko/dialog_callback.h"
-#include "browsers/gecko/fake_browser.h"
 #include "browsers/gecko/page_calls.h"
 #include "browsers/gecko/request_callback.h"
 #include "browsers/gecko/transfer_event_handler.h"
 #include "core/approved_files.h"
-#include "core/error_reply.h"
-#include "core/error_texts.h"
 #include "service/http_response.h"
+#include "tests/support/fake_browser.h"
 #include "tests/support/log_recorder.h"
+#include "text/error_reply.h"
+#include "text/error_texts.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 namespace {
 
 using Calls = std::vector<std::vector<std::string>>;
@@ -252,4 +252,4 @@ TEST_F(DialogCallbackTest, AFolderIsApprovedThoughItsInstanceIsGone) {
 }
 
 }  // namespace
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -6,7 +6,7 @@
 #include "core/plugin.h"
 #include "runtime/ov_log.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 DialogCallback::DialogCallback(NPP instance, NPObject* function, DialogKind kind)
     : callbackObject(function), npp(instance), dialogKind(kind) {}
@@ -38,4 +38,4 @@ void DialogCallback::returnMessage(const std::string& text) {
   message.deliver();
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

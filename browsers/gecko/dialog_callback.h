@@ -7,9 +7,9 @@
 
 #include "browsers/gecko/browser_functions.h"
 #include "dialogs/file_dialog.h"
-#include "service/callback.h"
+#include "threads/callback.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 class DialogCallback : public Callback {
  public:
@@ -27,4 +27,4 @@ class DialogCallback : public Callback {
   DialogKind dialogKind;
 };
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

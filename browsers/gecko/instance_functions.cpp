@@ -8,7 +8,7 @@
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "runtime/ov_log.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -170,4 +170,4 @@ NPError OW_PopulatePluginFunctionTable(NPPluginFuncs* funcs) {
   return NPERR_NO_ERROR;
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

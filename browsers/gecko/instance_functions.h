@@ -4,9 +4,9 @@
 
 #include "browsers/gecko/netscape_plugin_api.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 // Fills the browser's table with them. Returns an NPError.
 NPError OW_PopulatePluginFunctionTable(NPPluginFuncs* funcs);
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -4,19 +4,19 @@
 #include <optional>
 
 #include "browsers/gecko/async_call.h"
-#include "browsers/gecko/fake_browser.h"
 #include "browsers/gecko/instance_functions.h"
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "browsers/gecko/script_object.h"
 #include "core/approved_files.h"
-#include "core/error_reply.h"
+#include "tests/support/fake_browser.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/service_files.h"
+#include "text/error_reply.h"
 #include "threads/runnable_scheduler.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 namespace {
 
 using Calls = std::vector<std::vector<std::string>>;
@@ -390,4 +390,4 @@ TEST_F(InstanceTest, WhatAMethodThrowsIsItsErrorReply) {
 }
 
 }  // namespace
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

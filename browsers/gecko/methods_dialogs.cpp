@@ -3,11 +3,11 @@
 
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "browsers/gecko/variant.h"
-#include "core/error_reply.h"
-#include "core/error_texts.h"
 #include "runtime/ov_log.h"
+#include "text/error_reply.h"
+#include "text/error_texts.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -99,4 +99,4 @@ bool ovOrvaneWebPlugin::runSaveFileDialogAsync(const NPVariant* args, uint32_t a
   return true;
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

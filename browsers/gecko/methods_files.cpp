@@ -5,7 +5,7 @@
 #include "browsers/gecko/variant.h"
 #include "runtime/ov_log.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 bool ovOrvaneWebPlugin::readAsArrayBuffer(const NPVariant* args, uint32_t argCount,
                                           NPVariant* result) {
@@ -37,4 +37,4 @@ bool ovOrvaneWebPlugin::readChunkAsArrayBuffer(const NPVariant* args, uint32_t a
   return true;
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

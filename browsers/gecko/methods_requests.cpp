@@ -4,7 +4,7 @@
 #include "browsers/gecko/request_callback.h"
 #include "browsers/gecko/variant.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 bool ovOrvaneWebPlugin::vantrelHttpRequest(const NPVariant* args, uint32_t argCount,
                                            NPVariant* result) {
@@ -48,4 +48,4 @@ bool ovOrvaneWebPlugin::httpRequestImplementation(const NPVariant* args, uint32_
   return true;
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -4,10 +4,10 @@
 
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "browsers/gecko/variant.h"
-#include "core/error_reply.h"
-#include "core/error_texts.h"
+#include "text/error_reply.h"
+#include "text/error_texts.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -89,4 +89,4 @@ bool ovOrvaneWebPlugin::handleDrop(const NPVariant* args, uint32_t argCount, NPV
   return true;
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -4,7 +4,7 @@
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "browsers/gecko/variant.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 bool ovOrvaneWebPlugin::addToDownloadList(const NPVariant* args, uint32_t argCount,
                                           NPVariant* result) {
@@ -77,4 +77,4 @@ bool ovOrvaneWebPlugin::startUploadToURL(const NPVariant* args, uint32_t argCoun
   return true;
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -12,12 +12,12 @@
 #include "browsers/gecko/browser_functions.h"
 #include "browsers/gecko/instance_functions.h"
 #include "browsers/gecko/stale_copies.h"
-#include "browsers/plugin_log.h"
+#include "browsers/shared/plugin_log.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_time.h"
 #include "threads/runnable_scheduler.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -79,13 +79,13 @@ void shutdown() {
 
 }  // namespace
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko
 
 extern "C" {
 
 NPError NP_ABI NP_Initialize(NPNetscapeFuncs* funcs) {
   try {
-    return funcs ? Vantrel::Web::initialize(funcs) : Vantrel::Web::refuseNullTable();
+    return funcs ? Vantrel::Web::Gecko::initialize(funcs) : Vantrel::Web::Gecko::refuseNullTable();
   } catch (const std::exception& exception) {
     ov_err("%s", exception.what());
     return NPERR_GENERIC_ERROR;
@@ -94,12 +94,12 @@ NPError NP_ABI NP_Initialize(NPNetscapeFuncs* funcs) {
 
 NPError NP_ABI NP_GetEntryPoints(NPPluginFuncs* funcs) {
   OV_DEBUG("NP_GetEntryPoints()");
-  return Vantrel::Web::OW_PopulatePluginFunctionTable(funcs);
+  return Vantrel::Web::Gecko::OW_PopulatePluginFunctionTable(funcs);
 }
 
 NPError NP_ABI NP_Shutdown() {
   try {
-    Vantrel::Web::shutdown();
+    Vantrel::Web::Gecko::shutdown();
   } catch (const std::exception& exception) {
     ov_err("%s", exception.what());
   }

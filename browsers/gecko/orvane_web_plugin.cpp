@@ -14,7 +14,7 @@
 #include "service/launch.h"
 #include "threads/runnable_scheduler.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -150,4 +150,4 @@ void ovOrvaneWebPlugin::setEventHandler(const NPVariant& value) {
   }
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -16,10 +16,10 @@
 #include "browsers/gecko/transfer_event_handler.h"
 #include "browsers/gecko/view_delegate.h"
 #include "core/plugin.h"
-#include "service/callback.h"
+#include "threads/callback.h"
 #include "threads/one_shot_manager.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 struct ovOrvaneWebScriptObject;
 
@@ -119,4 +119,4 @@ class ovOrvaneWebPlugin : public ovIOrvaneWebViewDelegate {
   bool transparent = false;
 };
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 ovOrvaneWebView::ovOrvaneWebView(std::unique_ptr<ovIOrvaneWebViewImpl> implementation)
     : impl(std::move(implementation)) {}
@@ -44,4 +44,4 @@ void ovOrvaneWebView::setTransparent(bool flag) {
   if (impl) impl->setTransparent(flag);
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

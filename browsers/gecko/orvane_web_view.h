@@ -8,7 +8,7 @@
 
 #include "browsers/gecko/netscape_plugin_api.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 // What a platform does for the view.
 class ovIOrvaneWebViewImpl {
@@ -48,4 +48,4 @@ class ovOrvaneWebView {
   std::unique_ptr<ovIOrvaneWebViewImpl> impl;
 };
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

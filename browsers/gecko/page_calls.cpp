@@ -6,7 +6,7 @@
 #include "browsers/gecko/browser_functions.h"
 #include "browsers/gecko/variant.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -71,4 +71,4 @@ void sendEvent(NPP npp, NPObject* target, PageEvent event, const std::string& pa
   invokeDefault(npp, target, args, 2);
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -6,7 +6,7 @@
 
 #include "browsers/gecko/netscape_plugin_api.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 // Numbers of the events of the page.
 enum class PageEvent { kDrop = 0, kDropEx = 1, kTransfer = 2, kDragLeave = 3, kDragOver = 4 };
@@ -23,4 +23,4 @@ void callMethod(NPP npp, NPObject* object, const char* method, const std::string
 // Calls target(name of the event, payload); a null target is no call.
 void sendEvent(NPP npp, NPObject* target, PageEvent event, const std::string& payload);
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

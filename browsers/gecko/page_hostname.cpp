@@ -4,7 +4,7 @@
 #include "browsers/gecko/variant.h"
 #include "runtime/ov_log.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -36,4 +36,4 @@ std::string pageHostname(NPP npp) {
   return hostname;
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

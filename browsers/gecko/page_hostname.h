@@ -5,9 +5,9 @@
 
 #include "browsers/gecko/netscape_plugin_api.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 // window.location.hostname, or "localhost" when that is empty or cannot be had.
 std::string pageHostname(NPP npp);
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -6,10 +6,10 @@
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "browsers/gecko/page_calls.h"
 #include "core/approved_files.h"
-#include "core/text.h"
 #include "runtime/ov_log.h"
+#include "text/text.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 void ovOrvaneWebPlugin::doDrop(std::vector<std::string>& files) {
   OV_DEBUG("ovOrvaneWebPlugin::doDrop()");
@@ -48,4 +48,4 @@ void ovOrvaneWebPlugin::tellPage(PageEvent event, const std::string& payload) {
   if (dropMode == DropMode::kCallback) sendEvent(npp, eventHandler, event, payload);
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

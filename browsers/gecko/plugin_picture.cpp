@@ -6,7 +6,7 @@
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "runtime/ov_log.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 bool ovOrvaneWebPlugin::setWindow(NPWindow* window, NPP instance) {
   if (!window) return true;
@@ -54,4 +54,4 @@ bool ovOrvaneWebPlugin::destroyStream(NPStream* stream, NPReason) {
   return true;
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -2,12 +2,12 @@
 
 #include <exception>
 
-#include "core/error_reply.h"
-#include "core/error_texts.h"
 #include "runtime/ov_log.h"
 #include "service/http_response.h"
+#include "text/error_reply.h"
+#include "text/error_texts.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 RequestCallback::RequestCallback(NPP instance, NPObject* function)
     : message(std::make_unique<StringCallbackMessage>(instance, function)), npp(instance) {}
@@ -29,4 +29,4 @@ void RequestCallback::returnMessage(const std::string& text) {
   postToBrowser(npp, std::move(message));
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

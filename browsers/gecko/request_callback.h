@@ -8,9 +8,9 @@
 
 #include "browsers/gecko/netscape_plugin_api.h"
 #include "browsers/gecko/string_callback_message.h"
-#include "service/callback.h"
+#include "threads/callback.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 class RequestCallback : public Callback {
  public:
@@ -26,4 +26,4 @@ class RequestCallback : public Callback {
   NPP npp;
 };
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

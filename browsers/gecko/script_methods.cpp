@@ -4,7 +4,7 @@
 
 #include "browsers/gecko/orvane_web_plugin.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 std::span<const NamedScriptMethod> scriptMethods() {
   static constexpr NamedScriptMethod kMethods[] = {
@@ -49,4 +49,4 @@ const NamedScriptMethod* findScriptMethod(std::string_view name) {
   return found == methods.end() ? nullptr : &*found;
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

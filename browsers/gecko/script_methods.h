@@ -7,7 +7,7 @@
 
 #include "browsers/gecko/netscape_plugin_api.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 class ovOrvaneWebPlugin;
 
@@ -25,4 +25,4 @@ std::span<const NamedScriptMethod> scriptMethods();
 // Exact and case-sensitive; null for an unknown name.
 const NamedScriptMethod* findScriptMethod(std::string_view name);
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

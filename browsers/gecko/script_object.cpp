@@ -10,10 +10,10 @@
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "browsers/gecko/script_methods.h"
 #include "browsers/gecko/variant.h"
-#include "core/error_reply.h"
 #include "runtime/ov_log.h"
+#include "text/error_reply.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -195,4 +195,4 @@ NPClass* scriptClass() {
   return &table;
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

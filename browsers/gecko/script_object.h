@@ -7,7 +7,7 @@
 
 #include "browsers/gecko/netscape_plugin_api.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 class ovOrvaneWebPlugin;
 
@@ -18,4 +18,4 @@ struct ovOrvaneWebScriptObject : NPObject {
 // The table for NPN_CreateObject, the same for all instances.
 NPClass* scriptClass();
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

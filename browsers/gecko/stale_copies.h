@@ -2,9 +2,9 @@
 // folders. Browser's thread only.
 #pragma once
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 // Deletes them, so that the browser loads none of them besides this one. Failures are ignored.
 void removeStalePluginCopies();
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -40,4 +40,4 @@ void removeStalePluginCopies() {
   }
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

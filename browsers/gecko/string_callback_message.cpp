@@ -3,7 +3,7 @@
 #include "browsers/gecko/page_calls.h"
 #include "runtime/ov_log.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 void StringCallbackMessage::deliver() {
   OV_DEBUG("callbackBrowser - msg=%s", text.c_str());
@@ -11,4 +11,4 @@ void StringCallbackMessage::deliver() {
   callbackObject.reset();
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -7,7 +7,7 @@
 #include "browsers/gecko/async_call.h"
 #include "browsers/gecko/browser_functions.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 class StringCallbackMessage : public AsyncCall {
  public:
@@ -26,4 +26,4 @@ class StringCallbackMessage : public AsyncCall {
   NPP npp;
 };
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

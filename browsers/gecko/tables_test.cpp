@@ -12,7 +12,7 @@
 #include "browsers/gecko/script_object.h"
 #include "tests/support/log_recorder.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 namespace {
 
 TEST(ScriptMethodsTest, ThirtyNamesEachFoundAsItself) {
@@ -106,4 +106,4 @@ TEST(PluginTableTest, AFullTableIsFilledInSilence) {
 }
 
 }  // namespace
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -7,7 +7,7 @@
 #include "browsers/gecko/page_calls.h"
 #include "runtime/ov_log.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -61,4 +61,4 @@ void TransferEventHandler::transferEventOccurred(const std::string& text) {
   }
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

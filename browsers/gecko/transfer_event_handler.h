@@ -11,7 +11,7 @@
 #include "browsers/gecko/browser_functions.h"
 #include "service/transfer_event_listener.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 // The standing target of events.
 class EventHandler {
@@ -47,4 +47,4 @@ class TransferEventHandler : public EventHandler, public TransferEventListener {
   std::shared_ptr<TransferEventHandler*> self;
 };
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

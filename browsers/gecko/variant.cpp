@@ -6,7 +6,7 @@
 
 #include "browsers/gecko/browser_functions.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 namespace {
 
@@ -115,4 +115,4 @@ void stringToVariant(const std::string& text, NPVariant* variant) {
   setCopy(text, variant);
 }
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

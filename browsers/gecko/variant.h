@@ -9,7 +9,7 @@
 
 #include "browsers/gecko/netscape_plugin_api.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 // What a script method wants an argument to be.
 enum class Argument { kText, kNonEmptyText, kBoolean, kObject };
@@ -39,4 +39,4 @@ void setNull(NPVariant* result);
 void stringToVariant(const char* text, NPVariant* variant);
 void stringToVariant(const std::string& text, NPVariant* variant);
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -4,9 +4,9 @@
 
 #include <limits>
 
-#include "browsers/gecko/fake_browser.h"
+#include "tests/support/fake_browser.h"
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 namespace {
 
 class VariantTest : public testing::Test {
@@ -144,4 +144,4 @@ TEST_F(VariantTest, ArgumentsAreCheckedByCountThenType) {
 }
 
 }  // namespace
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace Vantrel::Web {
+namespace Vantrel::Web::Gecko {
 
 class ovIOrvaneWebViewDelegate {
  public:
@@ -22,4 +22,4 @@ class ovIOrvaneWebViewDelegate {
   ovIOrvaneWebViewDelegate& operator=(const ovIOrvaneWebViewDelegate&) = default;
 };
 
-}  // namespace Vantrel::Web
+}  // namespace Vantrel::Web::Gecko

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "runtime/captured_log.h"
+#include "tests/support/runtime/captured_log.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <new>
 
-#include "runtime/unreplaced_call_win.h"
+#include "tests/support/runtime/unreplaced_call_win.h"
 
 namespace ov::torture {
 

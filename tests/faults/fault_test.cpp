@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "runtime/temp_folder.h"
+#include "tests/support/runtime/temp_folder.h"
 
 namespace {
 

@@ -13,9 +13,9 @@
 #include <string>
 
 #include "runtime/ov_runtime.h"
-#include "runtime/temp_folder.h"
 #include "tests/faults/failing_calls_win.h"
 #include "tests/host/process_state.h"
+#include "tests/support/runtime/temp_folder.h"
 
 namespace {
 

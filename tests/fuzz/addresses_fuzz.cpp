@@ -6,8 +6,8 @@
 #include <string>
 
 #include "runtime/ov_sockets.h"
-#include "runtime/sockets_names.h"
-#include "runtime/sockets_names_reference.h"
+#include "runtime/sockets/names.h"
+#include "tests/support/runtime/sockets_names_reference.h"
 
 namespace {
 

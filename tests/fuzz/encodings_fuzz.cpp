@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "runtime/encodings_reference.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
+#include "tests/support/runtime/encodings_reference.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include "runtime/ov_paths.h"
 #include "runtime/ov_strings.h"
 #include "runtime/ov_uri.h"
-#include "runtime/paths_internal.h"
-#include "runtime/paths_reference.h"
+#include "runtime/paths/internal.h"
+#include "tests/support/runtime/paths_reference.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "runtime/numbers_reference.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
-#include "runtime/utf_reference.h"
-#include "runtime/wildcard_reference.h"
+#include "tests/support/runtime/numbers_reference.h"
+#include "tests/support/runtime/utf_reference.h"
+#include "tests/support/runtime/wildcard_reference.h"
 
 namespace {
 

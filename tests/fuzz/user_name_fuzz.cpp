@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "runtime/fake_names.h"
-#include "runtime/user_name_reference.h"
+#include "tests/support/runtime/fake_names.h"
+#include "tests/support/runtime/user_name_reference.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "runtime/error_platform.h"
+#include "runtime/errors/platform.h"
 
 #include <cstdio>
 

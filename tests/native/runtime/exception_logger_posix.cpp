@@ -1,10 +1,10 @@
 // Backtraces from the C library, without names; there is no handler of faults in sanitizer builds,
 // which have their own.
-#include "runtime/exception_logger.h"
+#include "runtime/faults/exception_logger.h"
 
 #include <execinfo.h>
 
-#include "runtime/backtrace.h"
+#include "runtime/faults/backtrace.h"
 
 namespace ov {
 

@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "runtime/files_internal.h"
+#include "runtime/files/internal.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "tests/native/runtime/code_posix.h"

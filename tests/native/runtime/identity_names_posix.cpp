@@ -2,7 +2,7 @@
 // place together with a name of this computer.
 #include <unistd.h>
 
-#include "runtime/identity_platform.h"
+#include "runtime/platform/identity_platform.h"
 #include "tests/native/runtime/code_posix.h"
 
 ov_rc ov::computer_name(char* out, size_t size) {

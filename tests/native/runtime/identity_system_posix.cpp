@@ -1,9 +1,9 @@
 // What a POSIX system tells of itself and of this process, for sanitizer builds.
 #include <mutex>
 
-#include "runtime/identity_platform.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
+#include "runtime/platform/identity_platform.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // One drive on a POSIX system, for sanitizer builds.
 #include <sys/statvfs.h>
 
-#include "runtime/identity_platform.h"
 #include "runtime/ov_errors.h"
+#include "runtime/platform/identity_platform.h"
 #include "tests/native/runtime/code_posix.h"
 
 ov_rc ov::drive_roots(uint16_t* out, size_t units) {

@@ -1,4 +1,4 @@
-#include "runtime/log_platform.h"
+#include "runtime/log/platform.h"
 
 #include <time.h>
 #include <unistd.h>

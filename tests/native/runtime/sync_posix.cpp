@@ -9,7 +9,7 @@
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
-#include "runtime/threads_internal.h"
+#include "runtime/sync/internal.h"
 
 using namespace ov;
 

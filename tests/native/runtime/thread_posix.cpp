@@ -10,7 +10,7 @@
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_strings.h"
-#include "runtime/threads_internal.h"
+#include "runtime/sync/internal.h"
 
 using namespace ov;
 

@@ -1,4 +1,4 @@
-#include "runtime/time_platform.h"
+#include "runtime/time/platform.h"
 
 #include <time.h>
 

@@ -1,0 +1,76 @@
+#include "runtime/errors/platform.h"
+
+#include <windows.h>
+
+#include <initializer_list>
+#include <iterator>
+#include <memory>
+
+#include "runtime/faults/exception_codes.h"
+#include "runtime/ov_errors.h"
+#include "runtime/ov_strings.h"
+
+namespace ov {
+namespace {
+
+constexpr bool codes_are(std::initializer_list<DWORD> published) {
+  const ExceptionCode* entry = exception_codes;
+  for (const DWORD code : published) {
+    if ((entry++)->code != code) return false;
+  }
+  return entry == std::end(exception_codes);
+}
+
+static_assert(codes_are({EXCEPTION_ACCESS_VIOLATION,
+                         EXCEPTION_ARRAY_BOUNDS_EXCEEDED,
+                         EXCEPTION_BREAKPOINT,
+                         EXCEPTION_DATATYPE_MISALIGNMENT,
+                         EXCEPTION_FLT_DENORMAL_OPERAND,
+                         EXCEPTION_FLT_DIVIDE_BY_ZERO,
+                         EXCEPTION_FLT_INEXACT_RESULT,
+                         EXCEPTION_FLT_INVALID_OPERATION,
+                         EXCEPTION_FLT_OVERFLOW,
+                         EXCEPTION_FLT_STACK_CHECK,
+                         EXCEPTION_FLT_UNDERFLOW,
+                         EXCEPTION_ILLEGAL_INSTRUCTION,
+                         EXCEPTION_IN_PAGE_ERROR,
+                         EXCEPTION_INT_DIVIDE_BY_ZERO,
+                         EXCEPTION_INT_OVERFLOW,
+                         EXCEPTION_INVALID_DISPOSITION,
+                         EXCEPTION_NONCONTINUABLE_EXCEPTION,
+                         EXCEPTION_PRIV_INSTRUCTION,
+                         EXCEPTION_SINGLE_STEP,
+                         EXCEPTION_STACK_OVERFLOW}));
+
+struct FreeLocal {
+  void operator()(wchar_t* text) const { LocalFree(text); }
+};
+
+constexpr DWORD message_flags =
+    FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+// The least number of characters to allocate.
+constexpr DWORD message_room = 4096;
+
+}  // namespace
+
+uint32_t last_error() {
+  return GetLastError();
+}
+
+void set_last_error(uint32_t error) {
+  SetLastError(error);
+}
+
+ov_rc system_message(int32_t code, char* buffer, size_t size) {
+  wchar_t* text = nullptr;
+  // With ALLOCATE_BUFFER the address of the pointer goes where a buffer is declared.
+  const DWORD length = FormatMessageW(message_flags, nullptr, static_cast<DWORD>(code),
+                                      MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
+                                      reinterpret_cast<wchar_t*>(&text), message_room, nullptr);
+  const ov_rc error = length == 0 ? system_error() : 0;
+  const std::unique_ptr<wchar_t, FreeLocal> owner(text);
+  if (error != 0) return error;
+  return ov_wchar_to_utf8(text, buffer, &size);
+}
+
+}  // namespace ov

@@ -1,0 +1,27 @@
+// The caller's error, kept over a piece of work that must not change it: both the system's last
+// error and errno. A local object of the thread that does the work.
+#pragma once
+
+#include <cerrno>
+#include <cstdint>
+
+#include "runtime/errors/platform.h"
+
+namespace ov {
+
+class SavedError {
+ public:
+  SavedError() : last_error_(last_error()), errno_(errno) {}
+  ~SavedError() {
+    set_last_error(last_error_);
+    errno = errno_;
+  }
+  SavedError(const SavedError&) = delete;
+  SavedError& operator=(const SavedError&) = delete;
+
+ private:
+  const uint32_t last_error_;
+  const int errno_;
+};
+
+}  // namespace ov

@@ -1,0 +1,78 @@
+#include "runtime/faults/backtrace.h"
+
+#include <cinttypes>
+
+#include "runtime/ov_log.h"
+#include "runtime/ov_strings.h"
+
+namespace ov {
+namespace {
+
+// Room for the text of a line, and for one address with its blank.
+constexpr size_t line_room = 1024;
+constexpr size_t address_room = 20;
+// How long one look-up waits for another; after a wait in vain, the rest goes without names.
+constexpr uint32_t symbol_patience = 500;
+
+uint64_t number_of(void* address) {
+  return reinterpret_cast<uint64_t>(address);
+}
+
+void log_addresses(const Backtrace& backtrace) {
+  char text[line_room];
+  size_t end = 0;
+  ov_str_printf_to(text, sizeof text, &end, "Backtrace hash:%#x ", backtrace.hash);
+  for (int i = 0; i < backtrace.count; ++i) {
+    // Only whole addresses.
+    if (sizeof text - end < address_room) break;
+    ov_str_printf_to(text, sizeof text, &end, "0x%016" PRIx64 " ", number_of(backtrace.frames[i]));
+  }
+  ov_err("%s", text);
+}
+
+}  // namespace
+
+int frame_limit(uint32_t major, uint32_t minor, bool second_release, int usual) {
+  const bool old = major == 5 && (minor == 1 || (minor == 2 && !second_release));
+  return old ? old_system_frames : usual;
+}
+
+bool is_hard_fault(uint32_t code) {
+  switch (code) {
+    case 0x80000002:  // misaligned data
+    case 0xc0000005:  // access violation
+    case 0xc0000006:  // error while paging in
+    case 0xc000001d:  // illegal instruction
+    case 0xc0000025:  // went on after a fault that allows no going on
+    case 0xc0000026:  // a handler's answer was none
+    case 0xc00000fd:  // stack overflow
+      return true;
+    default:  // array bounds, arithmetic of all kinds, privileged instruction
+      return code >= 0xc000008c && code <= 0xc0000096;
+  }
+}
+
+void log_backtrace(const Backtrace& backtrace, bool (*find)(void*, uint32_t, Symbol*)) {
+  if (backtrace.count == 0) {
+    ov_err("%s", "Backtrace unavailable.");
+    return;
+  }
+  log_addresses(backtrace);
+  uint32_t patience = symbol_patience;
+  for (int i = 0; i < backtrace.count; ++i) {
+    Symbol symbol;
+    if (!find(backtrace.frames[i], patience, &symbol)) patience = 0;
+    char text[line_room];
+    ov_snprintf(text, sizeof text, "%2d:0x%016" PRIx64 " %s+%" PRId64, i,
+                number_of(backtrace.frames[i]), symbol.name, symbol.displacement);
+    ov_err("%s", text);
+  }
+}
+
+}  // namespace ov
+
+void ov_log_btrace(void) {
+  ov::Backtrace backtrace;
+  ov::capture_backtrace(&backtrace, ov::called_frames);
+  ov::log_backtrace(backtrace);
+}

@@ -1,0 +1,67 @@
+// Marks the calling thread, for a scope, as one that reports a hard fault of its own to the log.
+// Whatever the fault has interrupted, the report must neither wait for ever nor begin again inside
+// itself. Needs no set-up and allocates nothing.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+#include "runtime/log/platform.h"
+
+namespace ov {
+
+class FaultReport {
+ public:
+  FaultReport() : slot_(enter(thread_id())) {}
+  ~FaultReport() {
+    if (!slot_) return;
+    slot_->thread.store(0, std::memory_order_release);
+    count.fetch_sub(1, std::memory_order_relaxed);
+  }
+  FaultReport(const FaultReport&) = delete;
+  FaultReport& operator=(const FaultReport&) = delete;
+
+  // False when there is to be no report: the thread is in one already, or too many others are.
+  explicit operator bool() const { return slot_ != nullptr; }
+
+  struct Slot {
+    std::atomic<uint32_t> thread;  // its id, 0 for a free slot; a thread finds its own only here
+    uint32_t waited;               // milliseconds spent on waiting for the log; the thread's own
+  };
+
+  // The report of the calling thread, null outside of one. A comparison while no thread is in one.
+  static Slot* of_this_thread() {
+    return count.load(std::memory_order_relaxed) == 0 ? nullptr : find(thread_id());
+  }
+
+ private:
+  // Threads that may fail at the same moment, each with a report of its own.
+  static constexpr size_t room = 16;
+
+  static Slot* find(uint32_t thread) {
+    for (Slot& slot : slots) {
+      if (slot.thread.load(std::memory_order_relaxed) == thread) return &slot;
+    }
+    return nullptr;
+  }
+
+  static Slot* enter(uint32_t thread) {
+    if (find(thread)) return nullptr;
+    for (Slot& slot : slots) {
+      uint32_t free = 0;
+      if (!slot.thread.compare_exchange_strong(free, thread, std::memory_order_acquire)) continue;
+      slot.waited = 0;
+      count.fetch_add(1, std::memory_order_relaxed);
+      return &slot;
+    }
+    return nullptr;
+  }
+
+  static inline Slot slots[room];
+  static inline std::atomic<uint32_t> count = 0;
+
+  Slot* const slot_;
+};
+
+}  // namespace ov

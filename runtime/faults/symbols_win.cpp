@@ -1,0 +1,189 @@
+#include "runtime/faults/symbols_win.h"
+
+#include <windows.h>
+#include <dbghelp.h>
+
+#include <cstring>
+#include <utility>
+
+#include "runtime/faults/backtrace.h"
+#include "runtime/ov_errors.h"
+#include "runtime/ov_files.h"
+#include "runtime/ov_log.h"
+#include "runtime/ov_paths.h"
+#include "runtime/ov_process.h"
+#include "runtime/ov_strings.h"
+#include "runtime/sync/bounded_lock.h"
+
+namespace ov {
+namespace {
+
+constexpr char library_name[] = "dbghelp.dll";
+// Places of a newer one than the system's, below the folder of programs.
+constexpr const char* tools_libraries[] = {
+    "Debugging Tools for Windows/dbghelp.dll",
+    "Debugging Tools for Windows 64-bit/dbghelp.dll",
+};
+// A file of this name beside the program keeps the program to its own libraries.
+constexpr char local_suffix[] = ".local";
+constexpr ov_rc no_library = 183;
+// How long opening and closing wait for a look-up that is under way.
+constexpr uint32_t patience = 5000;
+
+// A symbol with room for a name of the length that we ask for.
+struct SymbolRecord {
+  IMAGEHLP_SYMBOL64 symbol;
+  char more[sizeof Symbol::name];
+};
+static_assert(sizeof(IMAGEHLP_SYMBOL64) == 32);
+
+// All of it guarded by `lock`: the library works for one thread at a time.
+struct Symbols {
+  SymbolFailure failure;
+  ov_library library = nullptr;
+  HANDLE process = nullptr;
+  bool asked = false;        // whether a name has been asked for
+  bool initialized = false;  // by us, and so to be cleaned up by us
+  decltype(&SymInitialize) initialize = nullptr;
+  decltype(&SymFunctionTableAccess64) function_table = nullptr;
+  decltype(&SymGetModuleBase64) module_base = nullptr;
+  decltype(&UnDecorateSymbolName) undecorate = nullptr;
+  decltype(&SymGetSymFromAddr64) from_address = nullptr;
+};
+constinit Symbols symbols;
+constinit BoundedLock lock;
+
+void fail(ov_rc error, const char* text) {
+  symbols.failure.error = error;
+  ov_str_ncpy(symbols.failure.text, text, sizeof symbols.failure.text);
+}
+
+template <typename Function>
+bool look_up(const char* name, Function* out) {
+  void* address = nullptr;
+  if (ov_library_symbol(&symbols.library, name, &address) != 0) return false;
+  std::memcpy(out, &address, sizeof address);
+  return true;
+}
+
+void open_tools_library() {
+  char programs[OV_PATH_SIZE];
+  if (ov_process_getenv("ProgramFiles", programs, sizeof programs) != 0) return;
+  for (const char* name : tools_libraries) {
+    char path[OV_PATH_SIZE];
+    if (ov_file_append_path(programs, name, path, sizeof path) != 0) continue;
+    if (ov_library_open(&symbols.library, path) == 0) return;
+  }
+}
+
+bool open_library() {
+  char program[OV_PATH_SIZE];
+  if (ov_path_executable_path(program, sizeof program) <= 0) {
+    symbols.failure.error = OV_EINTERNAL1;
+    ov_err("ovbtrace: Error finding executable path.");
+    return false;
+  }
+  if (ov_str_ncat(program, local_suffix, sizeof program) != 0) {
+    fail(OV_EINTERNAL1, "Error appending paths.");
+    return false;
+  }
+  if (!ov_path_exists(program)) open_tools_library();
+  if (!ov_library_is_open(&symbols.library)) ov_library_open(&symbols.library, library_name);
+  if (ov_library_is_open(&symbols.library)) return true;
+  fail(no_library, "Could not load dbghelp.dll");
+  return false;
+}
+
+// The library's own state first, then the pointers into it. A state that somebody else in the
+// process has made stays.
+void close_library() {
+  if (ov_library_is_open(&symbols.library)) {
+    decltype(&SymCleanup) clean_up = nullptr;
+    if (look_up("SymCleanup", &clean_up) && symbols.initialized) clean_up(symbols.process);
+    ov_library_close(&symbols.library);
+  }
+  symbols.initialized = false;
+  symbols.initialize = nullptr;
+  symbols.function_table = nullptr;
+  symbols.module_base = nullptr;
+  symbols.undecorate = nullptr;
+  symbols.from_address = nullptr;
+}
+
+// A call of the library that it may lack.
+template <typename Function>
+Function optional_call(const char* name) {
+  const FARPROC address = GetProcAddress(static_cast<HMODULE>(symbols.library), name);
+  Function function;
+  std::memcpy(&function, &address, sizeof function);
+  return function;
+}
+
+// Has the library take up the modules of the process, those loaded since the set-up of the log
+// included. That takes memory and time, and hardly any process ever asks for a name; so it waits
+// until one does. The library reads the names of a module when they are first asked for: those of
+// all modules would take seconds. This setting is the process's, so it goes back to what it was.
+void take_up_modules() {
+  const auto get = optional_call<decltype(&SymGetOptions)>("SymGetOptions");
+  const auto set = optional_call<decltype(&SymSetOptions)>("SymSetOptions");
+  const DWORD before = get && set ? get() : 0;
+  if (get && set) set(before | SYMOPT_DEFERRED_LOADS);
+  symbols.initialized = symbols.initialize(symbols.process, nullptr, TRUE) != FALSE;
+  if (get && set) set(before);
+}
+
+void open_locked() {
+  symbols = {};
+  symbols.process = GetCurrentProcess();
+  if (!open_library()) return;
+  const bool found = look_up("SymInitialize", &symbols.initialize) &&
+                     look_up("SymFunctionTableAccess64", &symbols.function_table) &&
+                     look_up("SymGetModuleBase64", &symbols.module_base) &&
+                     look_up("UnDecorateSymbolName", &symbols.undecorate) &&
+                     look_up("SymGetSymFromAddr64", &symbols.from_address);
+  if (found) return;
+  close_library();
+  fail(OV_EINTERNAL1, "Could not load symbols from dbghelp.dll");
+}
+
+// What the library knows; without it, nothing.
+void find_locked(void* address, Symbol* symbol) {
+  if (!symbols.from_address || !symbols.undecorate) return;
+  if (!std::exchange(symbols.asked, true)) take_up_modules();
+  SymbolRecord record = {};
+  record.symbol.SizeOfStruct = sizeof record.symbol;
+  record.symbol.MaxNameLength = sizeof symbol->name;
+  DWORD64 displacement = 0;
+  symbols.from_address(symbols.process, reinterpret_cast<DWORD64>(address), &displacement,
+                       &record.symbol);
+  symbols.undecorate(record.symbol.Name, symbol->name, sizeof symbol->name, 0);
+  symbol->name[sizeof symbol->name - 1] = 0;
+  symbol->displacement = static_cast<int64_t>(displacement);
+}
+
+}  // namespace
+
+void open_symbols() {
+  if (!lock.acquire(patience)) return;
+  open_locked();
+  lock.release();
+}
+
+void close_symbols() {
+  if (!lock.acquire(patience)) return;
+  close_library();
+  lock.release();
+}
+
+const SymbolFailure& symbol_failure() {
+  return symbols.failure;
+}
+
+bool find_symbol(void* address, uint32_t milliseconds, Symbol* symbol) {
+  if (!lock.acquire(milliseconds)) return false;
+  find_locked(address, symbol);
+  lock.release();
+  return true;
+}
+
+}  // namespace ov

@@ -1,0 +1,64 @@
+// Holds the log's lock for a scope. A log call that the log's own work makes, on the thread that
+// holds the lock, does not wait for itself: it finds nested() and must leave the fold and the
+// rotation alone. So must the report of a fault, which waits for a bounded time only: the holder
+// may be a thread that the fault keeps from going on.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "runtime/faults/fault_report.h"
+#include "runtime/log/platform.h"
+#include "runtime/ov_threads.h"
+
+namespace ov {
+
+class LogLock {
+ public:
+  LogLock() : state_(acquire()) {
+    if (owns()) holder.store(thread_id(), std::memory_order_relaxed);
+  }
+  ~LogLock() {
+    if (!owns()) return;
+    holder.store(0, std::memory_order_relaxed);
+    release_log_lock();
+  }
+  LogLock(const LogLock&) = delete;
+  LogLock& operator=(const LogLock&) = delete;
+
+  // False when a report has waited in vain: the log is another thread's.
+  explicit operator bool() const { return state_ != State::refused; }
+  bool nested() const { return state_ != State::outer; }
+
+ private:
+  // `inner`: the calling thread holds it already, further out. `report`: held by a fault's report.
+  enum class State : uint8_t { outer, inner, report, refused };
+
+  // Milliseconds that the lines of a report wait together.
+  static constexpr uint32_t report_patience = 1000;
+
+  static State acquire() {
+    if (holder.load(std::memory_order_relaxed) == thread_id()) return State::inner;
+    if (FaultReport::Slot* const report = FaultReport::of_this_thread())
+      return acquire_for(*report);
+    acquire_log_lock();
+    return State::outer;
+  }
+
+  static State acquire_for(FaultReport::Slot& report) {
+    while (!try_acquire_log_lock()) {
+      if (report.waited >= report_patience) return State::refused;
+      ++report.waited;
+      ov_thread_sleep(1);
+    }
+    return State::report;
+  }
+
+  bool owns() const { return state_ == State::outer || state_ == State::report; }
+
+  // Thread id of the holder, 0 for none. A thread can find its own id here only if it wrote it.
+  static inline std::atomic<uint32_t> holder = 0;
+  const State state_;
+};
+
+}  // namespace ov

@@ -1,0 +1,49 @@
+#include "runtime/log/platform.h"
+
+#include <windows.h>
+
+#include <io.h>
+
+namespace ov {
+namespace {
+SRWLOCK log_lock = SRWLOCK_INIT;
+constexpr int standard_error = 2;
+}  // namespace
+
+uint32_t process_id() {
+  return GetCurrentProcessId();
+}
+
+uint32_t thread_id() {
+  return GetCurrentThreadId();
+}
+
+uint64_t coarse_milliseconds() {
+  return GetTickCount64();
+}
+
+void write_standard_error(std::string_view text) {
+  _write(standard_error, text.data(), static_cast<unsigned>(text.size()));
+}
+
+ov_rc open_file_size(void* file, uint64_t* size) {
+  LARGE_INTEGER value = {};
+  // A failure for which the system has no number counts as an empty file.
+  if (!GetFileSizeEx(file, &value)) return static_cast<ov_rc>(GetLastError());
+  *size = static_cast<uint64_t>(value.QuadPart);
+  return 0;
+}
+
+void acquire_log_lock() {
+  AcquireSRWLockExclusive(&log_lock);
+}
+
+bool try_acquire_log_lock() {
+  return TryAcquireSRWLockExclusive(&log_lock) != 0;
+}
+
+void release_log_lock() {
+  ReleaseSRWLockExclusive(&log_lock);
+}
+
+}  // namespace ov

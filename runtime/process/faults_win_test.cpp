@@ -1,0 +1,195 @@
+// Processes and pid files when calls of the system fail as told.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "runtime/ov_files.h"
+#include "runtime/ov_process.h"
+#include "tests/support/runtime/captured_log.h"
+#include "tests/support/runtime/real_call_win.h"
+#include "tests/support/runtime/temp_folder.h"
+
+namespace {
+
+using Messages = std::vector<std::string>;
+using ov::TempFolder;
+
+struct Faults {
+  DWORD wait = WAIT_OBJECT_0;  // the result of a wait, unless it is this one
+  DWORD exitCode = 0, write = 0, end = 0, start = 0;
+  int endsBefore = 0;  // calls that succeed before `end` is left
+  bool shortWrite = false;
+  DWORD error = 0;  // what a failed wait leaves
+  DWORD flags = 0;  // of the last start
+} faults;
+
+BOOL fail(DWORD error) {
+  SetLastError(error);
+  return FALSE;
+}
+
+DWORD WINAPI waitFor(HANDLE handle, DWORD milliseconds) {
+  if (faults.wait == WAIT_OBJECT_0) return WaitForSingleObjectEx(handle, milliseconds, FALSE);
+  SetLastError(faults.error);
+  return faults.wait;
+}
+
+BOOL WINAPI getExitCode(HANDLE process, LPDWORD code) {
+  if (faults.exitCode != 0) return fail(faults.exitCode);
+  return ov::real_call<decltype(&GetExitCodeProcess)>(L"kernel32.dll", "GetExitCodeProcess")(
+      process, code);
+}
+
+BOOL WINAPI writeFile(HANDLE file, LPCVOID data, DWORD size, LPDWORD written,
+                      LPOVERLAPPED overlapped) {
+  if (faults.write != 0) return fail(faults.write);
+  return ov::real_call<decltype(&WriteFile)>(L"kernel32.dll", "WriteFile")(
+      file, data, faults.shortWrite ? size - 1 : size, written, overlapped);
+}
+
+BOOL WINAPI setEnd(HANDLE file) {
+  if (faults.end != 0 && faults.endsBefore-- == 0) return fail(faults.end);
+  return ov::real_call<decltype(&SetEndOfFile)>(L"kernel32.dll", "SetEndOfFile")(file);
+}
+
+BOOL WINAPI createProcess(LPCWSTR program, LPWSTR command, LPSECURITY_ATTRIBUTES first,
+                          LPSECURITY_ATTRIBUTES second, BOOL inherit, DWORD flags, LPVOID block,
+                          LPCWSTR directory, LPSTARTUPINFOW startup,
+                          LPPROCESS_INFORMATION started) {
+  faults.flags = flags;
+  EXPECT_EQ(nullptr, directory);
+  if (faults.start != 0) return fail(faults.start);
+  return ov::real_call<decltype(&CreateProcessW)>(L"kernel32.dll", "CreateProcessW")(
+      program, command, first, second, inherit, flags, block, directory, startup, started);
+}
+
+}  // namespace
+
+extern "C" {
+decltype(&WaitForSingleObject) __imp_WaitForSingleObject = waitFor;
+decltype(&GetExitCodeProcess) __imp_GetExitCodeProcess = getExitCode;
+decltype(&WriteFile) __imp_WriteFile = writeFile;
+decltype(&SetEndOfFile) __imp_SetEndOfFile = setEnd;
+decltype(&CreateProcessW) __imp_CreateProcessW = createProcess;
+}
+
+namespace {
+
+DWORD handleCount() {
+  DWORD count = 0;
+  EXPECT_TRUE(GetProcessHandleCount(GetCurrentProcess(), &count));
+  return count;
+}
+
+class ProcessFaultsTest : public ::testing::Test {
+ protected:
+  ProcessFaultsTest() { faults = {}; }
+  ~ProcessFaultsTest() override { faults = {}; }
+  ov::CapturedLog log;
+};
+
+TEST_F(ProcessFaultsTest, WaitThatIsAbandonedOrFails) {
+  ov_process process = {};
+  process.process = CreateEventW(nullptr, TRUE, TRUE, nullptr);
+  process.user_token = CreateEventW(nullptr, TRUE, TRUE, nullptr);
+  int32_t state = 9;
+  faults.wait = WAIT_ABANDONED;
+  EXPECT_EQ(0, ov_process_wait(&process, 1, &state));
+  EXPECT_EQ(2, state);
+  faults.wait = WAIT_FAILED;
+  faults.error = 5;
+  EXPECT_EQ(5, ov_process_wait(&process, 1, &state));
+  EXPECT_EQ(3, state);
+  EXPECT_NE(INVALID_HANDLE_VALUE, process.user_token);
+  faults.wait = WAIT_OBJECT_0;
+  EXPECT_EQ(0, ov_process_wait(&process, 1, &state));
+  EXPECT_EQ(0, state);
+  EXPECT_EQ(INVALID_HANDLE_VALUE, process.user_token);
+  DWORD flags = 0;
+  EXPECT_TRUE(GetHandleInformation(process.process, &flags));  // stays open
+  CloseHandle(process.process);
+}
+
+TEST_F(ProcessFaultsTest, ExitCodeThatCannotBeRead) {
+  ov_process process = {};
+  process.process = CreateEventW(nullptr, TRUE, TRUE, nullptr);
+  process.user_token = INVALID_HANDLE_VALUE;
+  faults.exitCode = 5;
+  int32_t state = 9, code = 9;
+  EXPECT_EQ(5, ov_process_exited(&process, &state, &code));
+  EXPECT_EQ(9, state);
+  EXPECT_NE(nullptr, process.process);
+  CloseHandle(process.process);
+  process.process = INVALID_HANDLE_VALUE;  // would be this process, which runs
+  faults.exitCode = 0;
+  EXPECT_EQ(6, ov_process_exited(&process, &state, &code));
+}
+
+TEST_F(ProcessFaultsTest, CreationFlags) {
+  faults.start = 5;
+  ov_process process;
+  EXPECT_EQ(5, ov_process_create(&process, "cmd.exe"));
+  EXPECT_EQ(0x8000000U, faults.flags);
+  EXPECT_EQ(Messages{"DBG ov_process_create(): error starting process (errno=5)"}, log.take());
+  EXPECT_EQ(5, ov_process_spawn("cmd.exe", nullptr, 0));
+  EXPECT_EQ(0x8000400U, faults.flags);
+  EXPECT_EQ(5, ov_process_fork(&process, "cmd.exe", nullptr, nullptr, nullptr, nullptr, nullptr,
+                               nullptr, nullptr));
+  EXPECT_EQ(0x8000400U, faults.flags);
+}
+
+TEST_F(ProcessFaultsTest, SpawnClosesItsHandlesWhateverTheWaitGives) {
+  EXPECT_EQ(0, ov_process_spawn("cmd.exe /c exit 0", nullptr, 0));
+  const DWORD before = handleCount();
+  for (const DWORD result : {DWORD{WAIT_TIMEOUT}, WAIT_FAILED}) {
+    faults.wait = result;
+    EXPECT_EQ(0, ov_process_spawn("cmd.exe /c exit 0", nullptr, 0));
+    EXPECT_EQ(before, handleCount());
+  }
+}
+
+class PidFileFaultsTest : public ProcessFaultsTest {
+ protected:
+  PidFileFaultsTest() { ov_dir_create(folder.path("var/run/orvane").c_str(), 0, 1); }
+  // The code of a pid file that could not be made, and of which nothing is left.
+  ov_rc failure() {
+    char* path = const_cast<char*>("old");
+    const ov_rc error = ov_process_create_pidfile(folder.path().c_str(), "test", &path);
+    EXPECT_EQ(nullptr, path);
+    EXPECT_EQ(2, ov_file_exist(file.c_str(), 0));
+    return error;
+  }
+  void expectLine(ov_rc error) {
+    const Messages lines = log.take();
+    ASSERT_EQ(1U, lines.size());
+    EXPECT_EQ(0U, lines[0].find("ERR Failure writing to pid file '" + file +
+                                "', errno:" + std::to_string(error) + ", err desc:"));
+  }
+  TempFolder folder;
+  const std::string file = folder.path("var/run/orvane/test.pid");
+};
+
+TEST_F(PidFileFaultsTest, WriteFails) {
+  faults.write = 112;
+  EXPECT_EQ(112, failure());
+  expectLine(112);
+}
+
+TEST_F(PidFileFaultsTest, WriteIsShort) {
+  faults.shortWrite = true;
+  const ov_rc error = failure();
+  EXPECT_NE(0, error);
+  expectLine(error);
+}
+
+TEST_F(PidFileFaultsTest, TruncationFails) {
+  faults.end = 5;
+  faults.endsBefore = 1;  // the file is emptied when it is opened
+  EXPECT_EQ(5, failure());
+  EXPECT_EQ(Messages{"LOG ov_filetruncate: SetFileEnd failed, error=5"}, log.take());
+}
+
+}  // namespace

@@ -1,0 +1,116 @@
+// The plain calls on real sockets, and the functions without a platform call.
+#include <winsock2.h>
+#include <ws2tcpip.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+#include "runtime/ov_sockets.h"
+#include "runtime/ov_strings.h"
+#include "tests/support/runtime/socket_fixture_win.h"
+
+namespace {
+
+using Call = ov_rc (*)(ov_sock*, int32_t*);
+
+const Call kNothing[] = {
+    ov_sock_get_bindtodevice, ov_sock_set_bindtodevice, ov_sock_get_ip_mtudiscover,
+    ov_sock_get_ip_rcverr,    ov_sock_set_ip_rcverr,    ov_sock_get_ip_tos,
+    ov_sock_set_ip_tos,       ov_sock_get_priority,     ov_sock_set_priority,
+    ov_sock_get_tcp_keepcnt,  ov_sock_set_tcp_keepcnt,  ov_sock_get_tcp_keepidl,
+    ov_sock_set_tcp_keepidl,  ov_sock_get_tcp_keepitvl, ov_sock_set_tcp_keepitvl,
+    ov_sock_get_tcp_linger,   ov_sock_set_tcp_linger,   ov_sock_get_tcp_outq_size,
+    ov_sock_get_timestamp,    ov_sock_set_timestamp,
+};
+
+class SocketCallsTest : public ov::SocketFixture {
+ protected:
+  ov_sock sock = 4;
+};
+
+TEST_F(SocketCallsTest, FunctionsWithoutCounterpartCountAsFailedAssertions) {
+  ASSERT_EQ(20U, sizeof kNothing / sizeof *kNothing);
+  const int32_t before = g_ov_asserts_skipped;
+  int32_t value = 3;
+  for (const Call call : kNothing) EXPECT_EQ(0, call(&sock, &value));
+  EXPECT_EQ(before, g_ov_asserts_skipped);
+  g_ov_asserts_active = 0;
+  for (const Call call : kNothing) EXPECT_EQ(0, call(&sock, &value));
+  g_ov_asserts_active = 1;
+  EXPECT_EQ(before + 20, g_ov_asserts_skipped);
+  EXPECT_EQ(3, value);
+}
+
+TEST_F(SocketCallsTest, PlainCallsOnARealSocket) {
+  ov_sock udp = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
+  ASSERT_NE(~ov_sock{0}, udp);
+  sockaddr_in self = {};
+  self.sin_family = AF_INET;
+  self.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  int size = sizeof self;
+  ASSERT_EQ(0, bind(udp, reinterpret_cast<sockaddr*>(&self), size));
+  ASSERT_EQ(0, getsockname(udp, reinterpret_cast<sockaddr*>(&self), &size));
+  ASSERT_EQ(3, sendto(udp, "abc", 3, 0, reinterpret_cast<sockaddr*>(&self), size));
+  char out[4];
+  ASSERT_EQ(3, recv(udp, out, sizeof out, 0));
+  EXPECT_EQ(0, ov_sock_set_nonblocking(&udp));
+  EXPECT_EQ(SOCKET_ERROR, recv(udp, out, sizeof out, 0));
+  EXPECT_EQ(WSAEWOULDBLOCK, WSAGetLastError());
+  int32_t value = 1;
+  EXPECT_EQ(0, ov_sock_get_nonblocking(&udp, &value));
+  EXPECT_EQ(0, value);  // the call's result, not the mode
+  EXPECT_EQ(SOCKET_ERROR, recv(udp, out, sizeof out, 0));
+  EXPECT_EQ(0, ov_sock_set_blocking(&udp));
+  EXPECT_EQ(0, ov_sock_close(&udp));
+  value = 1;
+  EXPECT_EQ(10038, ov_sock_get_nonblocking(&udp, &value));
+  EXPECT_EQ(-1, value);
+}
+
+TEST_F(SocketCallsTest, ShutdownOfAnUnconnectedSocketIsSuccess) {
+  ov_sock tcp = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+  EXPECT_EQ(0, ov_sock_shutdown(&tcp, 0));
+  EXPECT_EQ(0, ov_sock_shutdown_rw(&tcp));
+  EXPECT_EQ(0, ov_sock_close(&tcp));
+  EXPECT_EQ(10038, ov_sock_shutdown_rw(&tcp));
+  EXPECT_EQ(22, ov_sock_shutdown(nullptr, 0));
+}
+
+TEST_F(SocketCallsTest, BytesThatWait) {
+  ov_sock listener = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+  sockaddr_in self = {};
+  self.sin_family = AF_INET;
+  self.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  int size = sizeof self;
+  ASSERT_EQ(0, bind(listener, reinterpret_cast<sockaddr*>(&self), size));
+  ASSERT_EQ(0, getsockname(listener, reinterpret_cast<sockaddr*>(&self), &size));
+  ASSERT_EQ(0, listen(listener, 1));
+  ov_sock client = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+  ASSERT_EQ(0, connect(client, reinterpret_cast<sockaddr*>(&self), size));
+  ov_sock server = accept(listener, nullptr, nullptr);
+  ASSERT_EQ(5, send(client, "12345", 5, 0));
+  char first = 0;
+  ASSERT_EQ(1, recv(server, &first, 1, MSG_PEEK));  // until it is there
+  int32_t waiting = 0;
+  EXPECT_EQ(0, ov_sock_get_tcp_inq_size(&server, &waiting));
+  EXPECT_EQ(5, waiting);
+  for (ov_sock* open : {&client, &server, &listener}) EXPECT_EQ(0, ov_sock_close(open));
+  EXPECT_EQ(10038, ov_sock_get_tcp_inq_size(&server, &waiting));
+  EXPECT_EQ(22, ov_sock_get_tcp_inq_size(nullptr, &waiting));
+  EXPECT_EQ(22, ov_sock_get_tcp_inq_size(&server, nullptr));
+  uint32_t argument = 0;
+  EXPECT_EQ(22, ov_sock_ioctl(nullptr, 0, &argument));
+  EXPECT_EQ(22, ov_sock_ioctl(&server, 0, nullptr));
+  EXPECT_EQ(22, ov_sock_get_nonblocking(&server, nullptr));
+}
+
+TEST_F(SocketCallsTest, FixedAnswers) {
+  int32_t level = 0;
+  EXPECT_EQ(0, ov_sock_timer_level(&sock, &level));
+  EXPECT_EQ(3, level);
+  EXPECT_EQ(22, ov_sock_timer_level(&sock, nullptr));
+  EXPECT_EQ(0, ov_sock_is_nonblocking_safe());
+}
+
+}  // namespace

@@ -1,0 +1,90 @@
+// The ways of the base64 encoder, each by itself.
+#include "runtime/strings/base64.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/support/runtime/encodings_reference.h"
+
+namespace {
+
+using namespace ov::reference;
+
+// One way of the encoder against the slow one. The source has exactly the bytes told.
+void compare_encoder(const std::string& symbols, size_t length, std::mt19937& random,
+                     size_t (*encode_with)(const ov::Base64Alphabet&, const uint8_t*, size_t,
+                                           char*)) {
+  const ov::Base64Alphabet alphabet(symbols[62], symbols[63]);
+  std::vector<uint8_t> bytes(length);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
+  std::vector<char> text(length / 3 * 4 + 5, '#');
+  const size_t done = encode_with(alphabet, bytes.data(), length, text.data());
+  ASSERT_LE(done, length);
+  const std::string expected =
+      slow_encode(std::string(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(done)),
+                  symbols, false);
+  ASSERT_EQ(expected, std::string(text.data(), expected.size()));
+  ASSERT_EQ('#', text[expected.size()]);
+}
+
+size_t encode_by_table(const ov::Base64Alphabet& alphabet, const uint8_t* src, size_t len,
+                       char* dst) {
+  ov::base64_encode_by_table(alphabet, src, len, dst);
+  return len;
+}
+
+TEST(Base64EncoderTest, EveryWayOfTheEncoderAgreesWithTheSlowEncoder) {
+  std::mt19937 random(23);
+  for (size_t length = 0; length < 260; ++length) {
+    for (const std::string& symbols : {standard_alphabet, url_alphabet}) {
+      for (int round = 0; round < 4; ++round) {
+        ASSERT_NO_FATAL_FAILURE(compare_encoder(symbols, length, random, &encode_by_table));
+        ASSERT_TRUE(ov::base64_can_shuffle()) << "this processor cannot show it";
+        ASSERT_NO_FATAL_FAILURE(
+            compare_encoder(symbols, length, random, &ov::base64_encode_by_shuffle));
+      }
+    }
+  }
+}
+
+TEST(Base64EncoderTest, ShufflesEncodeEveryPairOfValuesInEveryPlace) {
+  ASSERT_TRUE(ov::base64_can_shuffle()) << "this processor cannot show it";
+  // Two neighbours of 12 bits each in all 8 places of a block of 12 bytes.
+  for (const std::string& symbols : {standard_alphabet, url_alphabet}) {
+    const ov::Base64Alphabet alphabet(symbols[62], symbols[63]);
+    for (uint32_t pair = 0; pair < 4096; ++pair) {
+      std::string expected(16, 'A');
+      std::string bytes(16, '\0');
+      const uint32_t group = pair << 12 | pair;
+      for (size_t place = 0; place < 4; ++place) {
+        for (size_t i = 0; i < 3; ++i) {
+          bytes[place * 3 + i] = static_cast<char>(group >> (16 - 8 * i));
+        }
+        for (size_t i = 0; i < 4; ++i) {
+          expected[place * 4 + i] = symbols[i % 2 == 0 ? pair >> 6 : pair & 63];
+        }
+      }
+      std::string text(16, '#');
+      ASSERT_EQ(12u,
+                ov::base64_encode_by_shuffle(
+                    alphabet, reinterpret_cast<const uint8_t*>(bytes.data()), 16, text.data()));
+      ASSERT_EQ(expected, text);
+    }
+  }
+}
+
+TEST(Base64EncoderTest, ShufflesLeaveAtMost15Bytes) {
+  ASSERT_TRUE(ov::base64_can_shuffle()) << "this processor cannot show it";
+  const ov::Base64Alphabet alphabet('+', '/');
+  const std::vector<uint8_t> bytes(100);
+  char text[200];
+  for (size_t length = 0; length <= 100; ++length) {
+    const size_t done = ov::base64_encode_by_shuffle(alphabet, bytes.data(), length, text);
+    EXPECT_EQ(length < 16 ? 0 : (length - 4) / 12 * 12, done) << length;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,105 @@
+// Formatting into fixed and into growing buffers, and copying into growing ones.
+#include <cstdlib>
+#include <cstring>
+
+#include "runtime/errors/platform.h"
+#include "runtime/ov_errors.h"
+#include "runtime/ov_log.h"
+#include "runtime/ov_strings.h"
+
+namespace {
+
+constexpr size_t first_capacity = 1024;
+
+// Makes room for `needed` bytes by doubling the capacity; on failure nothing changes.
+ov_rc reserve(char** buffer, size_t* capacity, size_t needed) {
+  size_t size = *capacity == 0 ? first_capacity : *capacity;
+  while (size < needed) {
+    if (size > SIZE_MAX / 2) return OV_ENOMEM;
+    size *= 2;
+  }
+  if (*buffer && size == *capacity) return 0;
+  char* grown = static_cast<char*>(std::realloc(*buffer, size));
+  if (!grown) return OV_ENOMEM;
+  if (!*buffer) std::memset(grown, 0, size);
+  *buffer = grown;
+  *capacity = size;
+  return 0;
+}
+
+}  // namespace
+
+ov_rc ov_str_vprintf_to(char* dst, size_t dstSize, size_t* pos, const char* format,
+                        va_list arguments) {
+  const size_t start = pos ? *pos : 0;
+  if (!dst) return OV_EINVAL;
+  if (!format || start >= dstSize) {
+    if (dstSize > 0) dst[0] = 0;
+    return OV_EINVAL;
+  }
+  const size_t room = dstSize - start;
+  const int32_t length = ov_vsnprintf(dst + start, room, format, arguments);
+  if (length < 0) {
+    const ov_rc error = ov::system_error();
+    dst[start] = 0;
+    return error;
+  }
+  size_t end = start + static_cast<size_t>(length);
+  const bool cut = end == dstSize;
+  if (cut) {
+    end = dstSize - 1;
+    ov_utf8_trim_trailing_partial(dst, &end);
+  }
+  if (pos) *pos = end;
+  return cut ? OV_EBUFFER : 0;
+}
+
+ov_rc ov_str_printf_to(char* dst, size_t dstSize, size_t* pos, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const ov_rc result = ov_str_vprintf_to(dst, dstSize, pos, format, arguments);
+  va_end(arguments);
+  return result;
+}
+
+ov_rc ov_str_vprintf_to_resize(char** buffer, size_t* capacity, size_t* pos, const char* format,
+                               va_list arguments) {
+  if (!buffer || !capacity) return OV_EINVAL;
+  if (const ov_rc error = reserve(buffer, capacity, 1)) return error;
+  const size_t start = pos ? *pos : 0;
+  if (format && start < *capacity) {
+    va_list measured;
+    va_copy(measured, arguments);
+    const int32_t length = ov_vsnprintf(nullptr, 0, format, measured);
+    va_end(measured);
+    const size_t needed = start + static_cast<size_t>(length < 0 ? 0 : length) + 1;
+    if (const ov_rc error = reserve(buffer, capacity, needed)) return error;
+  }
+  return ov_str_vprintf_to(*buffer, *capacity, pos, format, arguments);
+}
+
+ov_rc ov_str_printf_to_resize(char** buffer, size_t* capacity, size_t* pos, const char* format,
+                              ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const ov_rc result = ov_str_vprintf_to_resize(buffer, capacity, pos, format, arguments);
+  va_end(arguments);
+  return result;
+}
+
+ov_rc ov_str_nto_resize(char** buffer, const char* src, size_t srcMax, size_t* capacity,
+                        size_t* pos) {
+  if (!buffer || !capacity) return OV_EINVAL;
+  if (const ov_rc error = reserve(buffer, capacity, 1)) return error;
+  const size_t start = pos ? *pos : 0;
+  if (src && start < *capacity) {
+    const size_t length = ov_str_nlen(src, srcMax);
+    if (length > SIZE_MAX - start - 1) return OV_ENOMEM;
+    if (const ov_rc error = reserve(buffer, capacity, start + length + 1)) return error;
+  }
+  return ov_str_nto(*buffer, src, srcMax, *capacity, pos);
+}
+
+ov_rc ov_str_to_resize(char** buffer, const char* src, size_t* capacity, size_t* pos) {
+  return ov_str_nto_resize(buffer, src, SIZE_MAX, capacity, pos);
+}

@@ -1,0 +1,45 @@
+#include "runtime/strings/utf8_ascii.h"
+
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <bit>
+
+// A block that begins inside the text ends on the same page of memory, so it may be read whole
+// though the text may end in it. Sanitizers would report the bytes behind the end.
+#if defined(__clang__)
+#define OV_READS_WHOLE_BLOCKS __attribute__((no_sanitize("address", "thread")))
+#else
+#define OV_READS_WHOLE_BLOCKS
+#endif
+
+namespace {
+
+constexpr size_t block_size = sizeof(__m128i);
+
+bool is_plain(uint8_t byte) {
+  return byte != 0 && byte < 0x80;
+}
+
+// A bit for each byte of the block that is 0 or above 0x7f.
+OV_READS_WHOLE_BLOCKS uint32_t other_bytes(const uint8_t* block) {
+  const __m128i bytes = *reinterpret_cast<const __m128i*>(block);
+  const __m128i zeros = _mm_cmpeq_epi8(bytes, _mm_setzero_si128());
+  return static_cast<uint32_t>(_mm_movemask_epi8(_mm_or_si128(bytes, zeros)));
+}
+
+}  // namespace
+
+size_t ov::utf8_ascii_run(const uint8_t* text, size_t max) {
+  size_t run = 0;
+  for (; run < max && reinterpret_cast<uintptr_t>(text + run) % block_size != 0; ++run) {
+    if (!is_plain(text[run])) return run;
+  }
+  for (; run < max; run += block_size) {
+    if (const uint32_t others = other_bytes(text + run)) {
+      run += static_cast<size_t>(std::countr_zero(others));
+      break;
+    }
+  }
+  return std::min(run, max);
+}

@@ -1,0 +1,86 @@
+// Threads.
+#include <windows.h>
+
+#include "runtime/errors/last_code_win.h"
+#include "runtime/ov_errors.h"
+#include "runtime/ov_log.h"
+#include "runtime/ov_strings.h"
+#include "runtime/sync/internal.h"
+
+using namespace ov;
+
+namespace {
+
+bool is_open(const ov_thread* thread) {
+  return thread != nullptr && thread->handle != kClosedObject && thread->handle != nullptr;
+}
+
+void count_failed_assertion() {
+  if (g_ov_asserts_active == 0) ++g_ov_asserts_skipped;
+}
+
+ov_rc join_failed(ov_rc error) {
+  ov_log("ov_thread_join failed, err=%d", error);
+  return error;
+}
+
+}  // namespace
+
+ov_rc ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument) {
+  if (function == nullptr) {
+    count_failed_assertion();
+    return OV_EINVAL;
+  }
+  DWORD id = 0;
+  const HANDLE handle = CreateThread(nullptr, 0, function, argument, 0, &id);
+  if (handle == nullptr) {
+    const ov_rc error = last_code();
+    ov_log("ov_thread_spawn failed, err=%d", error);
+    return error;
+  }
+  if (thread == nullptr) {
+    CloseHandle(handle);
+  } else {
+    thread->handle = handle;
+    thread->id = static_cast<uint32_t>(id);
+  }
+  return 0;
+}
+
+ov_rc ov_thread_join(ov_thread* thread) {
+  if (thread == nullptr) {
+    count_failed_assertion();
+    return OV_EINVAL;
+  }
+  // All ones stands for the process itself in the kernel's eyes; to wait for it would never end.
+  if (!is_open(thread)) return join_failed(OV_EBADF);
+  const DWORD result = WaitForSingleObject(thread->handle, INFINITE);
+  if (result != WAIT_OBJECT_0) {
+    return join_failed(result == WAIT_FAILED ? last_code() : static_cast<ov_rc>(result));
+  }
+  CloseHandle(thread->handle);
+  thread->handle = kClosedObject;
+  return 0;
+}
+
+ov_rc ov_thread_sleep(uint32_t milliseconds) {
+  Sleep(milliseconds);
+  return 0;
+}
+
+uint32_t ov_thread_self(void) {
+  return static_cast<uint32_t>(GetCurrentThreadId());
+}
+
+uint32_t ov_thread_getid(const ov_thread* thread) {
+  return thread == nullptr ? 0 : thread->id;
+}
+
+int32_t ov_thread_alive(const ov_thread* thread) {
+  if (!is_open(thread)) return 1;
+  return WaitForSingleObject(thread->handle, 0) == WAIT_OBJECT_0;
+}
+
+void ov_thread_exit(void) {
+  ExitThread(0);
+}
