@@ -2,7 +2,7 @@
    of ov_runtime.h. Any thread may call everything here. Calendar times are seconds since 1970. */
 #pragma once
 
-#include <time.h>
+#include <time.h> /* Read by C too. NOLINT(modernize-deprecated-headers) */
 
 #include "runtime/ov_types.h"
 

@@ -1,9 +1,11 @@
 /* Types that every family of the base runtime shares. Part of ov_runtime.h. */
 #pragma once
 
+/* Read by C too. NOLINTBEGIN(modernize-deprecated-headers) */
 #include <stdarg.h>
 #include <stddef.h>
 #include <stdint.h>
+/* NOLINTEND(modernize-deprecated-headers) */
 
 #ifdef __cplusplus
 #define OV_BEGIN_DECLS extern "C" {

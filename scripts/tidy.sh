@@ -12,7 +12,7 @@ MINGW_ARGUMENTS=${MINGW_ARGUMENTS:-"--extra-arg=--target=x86_64-w64-mingw32 $(
   x86_64-w64-mingw32-g++-posix -E -x c++ - -v </dev/null 2>&1 | grep '^ .*include/c++' |
     sed 's/^ /--extra-arg=-isystem/')"}
 export MINGW_ARGUMENTS
-common=$({ cat .clang-tidy "$0"; git ls-files -z -- '*.h' | xargs -0 cat; } | sha256sum | cut -c1-16)
+common=$({ cat "$0"; git ls-files -z -- '*.h' '.clang-tidy' '**/.clang-tidy' | xargs -0 cat; } | sha256sum | cut -c1-16)
 
 # Windows sources are read as MinGW's compiler sees them.
 tidy_one() {
