@@ -44,20 +44,20 @@ std::string parameter(const std::map<std::string, std::string>& parameters, cons
 
 Plugin::Plugin() {
   OV_DEBUG("Plugin() [%p]", static_cast<void*>(this));
-  setLayeredWindowAttributes = findSetLayeredWindowAttributes();
+  setLayeredWindowAttributes_ = findSetLayeredWindowAttributes();
   if (const ov_rc code = ov_sock_init()) {
     ov_err("%s", describeSystemError("Failed to initialize socket: ", code).c_str());
   }
-  requestWorker = std::make_unique<RequestWorker>();
-  transfersPoller = std::make_unique<TransfersPoller>();
+  requestWorker_ = std::make_unique<RequestWorker>();
+  transfersPoller_ = std::make_unique<TransfersPoller>();
   changeToHomeDirectory();
   OV_DEBUG("Plugin() - done");
 }
 
 Plugin::~Plugin() {
   OV_DEBUG("~Plugin() [%p]", static_cast<void*>(this));
-  endWorker(requestWorker);
-  endWorker(transfersPoller);
+  endWorker(requestWorker_);
+  endWorker(transfersPoller_);
   ov_sock_fini();
   OV_DEBUG("~Plugin() - done");
 }
@@ -72,23 +72,23 @@ void Plugin::setUserAgent(const std::string& text) {
   const auto* const hit =
       std::find_if(kBrowsers.begin(), kBrowsers.end(),
                    [&agent](const char* word) { return agent.find(word) != std::string::npos; });
-  browserHost = hit == kBrowsers.end() ? agent : *hit;
-  ov_log("Browser host: %s", browserHost.c_str());
+  browserHost_ = hit == kBrowsers.end() ? agent : *hit;
+  ov_log("Browser host: %s", browserHost_.c_str());
 }
 
 void Plugin::init(int32_t launchTimeoutMs) {
   OV_DEBUG("PlugIn::init() - launchTimeoutMs=%d", launchTimeoutMs);
   setLaunchTimeout(launchTimeoutMs);
   launchVantrel();
-  requestWorker->start();
+  requestWorker_->start();
 }
 
 void Plugin::setParameters(const std::map<std::string, std::string>& parameters) {
   if (const std::string capacity = parameter(parameters, "link-capacity"); !capacity.empty()) {
-    linkCapacity = ov_str_atoi(capacity.c_str());
+    linkCapacity_ = ov_str_atoi(capacity.c_str());
   }
-  transferIcon = parameter(parameters, "transfer-icon");
-  dropUploadUrl = parameter(parameters, "drop-upload-url");
+  transferIcon_ = parameter(parameters, "transfer-icon");
+  dropUploadUrl_ = parameter(parameters, "drop-upload-url");
 }
 
 std::string Plugin::validateHostname(const std::string& id) const {
@@ -101,20 +101,20 @@ std::string Plugin::validateHostname(const std::string& id) const {
 
 std::string Plugin::initSession(const std::string& applicationId, const std::string& domain) {
   OV_DEBUG("initSession\n  appId: %s\n  domain: %s", applicationId.c_str(), domain.c_str());
-  if (sessionInitialized) return jsonErrorReply(kErrorSessionInitialized);
+  if (sessionInitialized_) return jsonErrorReply(kErrorSessionInitialized);
   std::string error = validateHostname(applicationId);
   if (!error.empty()) return error;
-  appId = applicationId;
-  transfersPoller->setAppId(applicationId);
+  appId_ = applicationId;
+  transfersPoller_->setAppId(applicationId);
   try {
-    transfersPoller->start();
+    transfersPoller_->start();
   } catch (...) {
-    appId.clear();
-    transfersPoller->setAppId("");
+    appId_.clear();
+    transfersPoller_->setAppId("");
     throw;
   }
-  sessionInitialized = true;
-  return "{\"app_id\":\"" + appId + "\"}";
+  sessionInitialized_ = true;
+  return "{\"app_id\":\"" + appId_ + "\"}";
 }
 
 std::string Plugin::queryBrowserEngine(int32_t code) {

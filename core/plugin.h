@@ -85,34 +85,34 @@ class Plugin {
   void clearUploadList();
 
   // What the user chose last as a folder or save path.
-  void setLastSelectedPath(const std::string& path) { consent.setLastSelectedPath(path); }
+  void setLastSelectedPath(const std::string& path) { consent_.setLastSelectedPath(path); }
   bool isDestinationAllowed(const std::string& path) const {
-    return consent.isDestinationAllowed(path);
+    return consent_.isDestinationAllowed(path);
   }
 
   std::string hostname;  // of the page; assigned by the front end
   std::string name;      // the page's own; only the front end's property touches it
 
-  const std::string& getBrowserHost() const { return browserHost; }
-  TransfersPoller* getTransfersPoller() const { return transfersPoller.get(); }
+  const std::string& getBrowserHost() const { return browserHost_; }
+  TransfersPoller* getTransfersPoller() const { return transfersPoller_.get(); }
 
  private:
   bool download(const std::vector<std::string>& sources, const std::string& destination);
   bool upload(const std::vector<std::string>& sources, const std::string& destinationUrl);
 
-  std::string appId;
-  std::vector<std::string> downloadList;
-  std::string browserHost;
-  DestinationConsent consent;
-  std::unique_ptr<RequestWorker> requestWorker;
-  bool sessionInitialized = false;
-  std::unique_ptr<TransfersPoller> transfersPoller;
-  std::vector<std::string> uploadList;
+  std::string appId_;
+  std::vector<std::string> downloadList_;
+  std::string browserHost_;
+  DestinationConsent consent_;
+  std::unique_ptr<RequestWorker> requestWorker_;
+  bool sessionInitialized_ = false;
+  std::unique_ptr<TransfersPoller> transfersPoller_;
+  std::vector<std::string> uploadList_;
   // Parameters that reach no document; kept because the element has them.
-  std::string transferIcon;
-  int32_t linkCapacity = 0;
-  std::string dropUploadUrl;
-  void* setLayeredWindowAttributes = nullptr;
+  std::string transferIcon_;
+  int32_t linkCapacity_ = 0;
+  std::string dropUploadUrl_;
+  void* setLayeredWindowAttributes_ = nullptr;
 };
 
 }  // namespace Vantrel::Web

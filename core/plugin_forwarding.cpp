@@ -49,7 +49,7 @@ bool display() {
 
 bool Plugin::validateRequestBody(const std::string& body, std::string& error) const {
   const HostnameCheck check = [this](const std::string& id) { return validateHostname(id); };
-  return checkRequestBody(body, check, consent, error);
+  return checkRequestBody(body, check, consent_, error);
 }
 
 void Plugin::vantrelHttpRequest(std::string& error, const std::string& method,
@@ -80,7 +80,7 @@ std::string Plugin::vantrelHttpRequestAsync(const std::string& method, const std
   std::unique_ptr<HttpRequest> request = newVantrelRequest(method, path, text, kFormatJson);
   if (!request) return jsonErrorReply(kErrorCreatingRequest);
   request->callback = std::move(callback);
-  requestWorker->addRequest(std::move(request));
+  requestWorker_->addRequest(std::move(request));
   return {};
 }
 
@@ -98,7 +98,7 @@ void Plugin::httpRequestImplementation(const std::string& method, const std::str
     return;
   }
   request->callback = std::move(callback);
-  requestWorker->addRequest(std::move(request));
+  requestWorker_->addRequest(std::move(request));
 }
 
 std::string Plugin::queryVantrelVersion() {

@@ -20,7 +20,7 @@ class PluginForwardingTest : public PluginTest {
     EXPECT_NE(error.empty(), response == nullptr);
     return response ? response->body() : error;
   }
-  bool sent(const std::string& path) const { return !server.requests(path).empty(); }
+  bool sent(const std::string& path) const { return !server_.requests(path).empty(); }
 
   static constexpr char kRefusedSend[] =
       R"({"transfer_specs":[{"transfer_spec":{"direction":"send","paths":[{"source":"C:/no"}]}}]})";
@@ -30,10 +30,10 @@ class PluginForwardingTest : public PluginTest {
 
 TEST_F(PluginForwardingTest, ABodyGoesOutByteForByte) {
   const std::string body = "{ \"a\" :\t[1, 2.50]\r\n, \"b\": \"\xC3\xA4\" }";
-  server.always("/p", Script::reply("{\"ok\":1}"));
+  server_.always("/p", Script::reply("{\"ok\":1}"));
   EXPECT_EQ(request("/p", body), "{\"ok\":1}");
-  ASSERT_EQ(server.requests("/p").size(), 1u);
-  const std::string sent = server.requests("/p").front();
+  ASSERT_EQ(server_.requests("/p").size(), 1u);
+  const std::string sent = server_.requests("/p").front();
   EXPECT_EQ(messageBody(sent), body);
   EXPECT_EQ(sent.find("POST /p HTTP/1.1\r\nAuthorization-key: key\r\n"), 0u) << sent;
   EXPECT_NE(sent.find("Content-Type: application/vnd.orvane.xferreq+json\r\n"), std::string::npos);
@@ -41,74 +41,74 @@ TEST_F(PluginForwardingTest, ABodyGoesOutByteForByte) {
 
 TEST_F(PluginForwardingTest, AnEmptyBodyGoesOutAsAnEmptyObject) {
   request("/p", "");
-  EXPECT_EQ(messageBody(server.requests("/p").front()), "{}");
+  EXPECT_EQ(messageBody(server_.requests("/p").front()), "{}");
 }
 
 TEST_F(PluginForwardingTest, AnErrorStatusReachesThePageLikeASuccess) {
-  server.always("/p", Script().send(httpReply("{\"error\":1}", "500 Internal Server Error")));
+  server_.always("/p", Script().send(httpReply("{\"error\":1}", "500 Internal Server Error")));
   EXPECT_EQ(request("/p", "{}"), "{\"error\":1}");
 }
 
 TEST_F(PluginForwardingTest, ARefusedBodyIsNotSentAndNoClientIsLookedFor) {
   plugin();
-  const size_t pings = server.requests(kPing).size();
+  const size_t pings = server_.requests(kPing).size();
   EXPECT_EQ(request("/p", kRefusedSend), kRefusal);
   EXPECT_NE(request("/p", "no json").find("Error parsing JSON: "), std::string::npos);
   EXPECT_FALSE(sent("/p"));
-  EXPECT_EQ(server.requests(kPing).size(), pings);
+  EXPECT_EQ(server_.requests(kPing).size(), pings);
 }
 
 TEST_F(PluginForwardingTest, WithoutAClientThePageGetsTheContactError) {
   plugin();
-  server.always(kPing, Script());
+  server_.always(kPing, Script());
   EXPECT_EQ(request("/p", "{}"), kContactReply);
-  EXPECT_GE(log.countContaining("ERR Error contacting Orvane Vantrel. "), 1u) << log.text();
+  EXPECT_GE(log_.countContaining("ERR Error contacting Orvane Vantrel. "), 1u) << log_.text();
   EXPECT_FALSE(sent("/p"));
 }
 
 TEST_F(PluginForwardingTest, AClientThatHangsUpIsAContactError) {
-  server.always("/p", Script());
+  server_.always("/p", Script());
   EXPECT_EQ(request("/p", "{}"), kContactReply);
-  EXPECT_EQ(log.countContaining("ERR Error contacting Orvane Vantrel. "), 1u) << log.text();
+  EXPECT_EQ(log_.countContaining("ERR Error contacting Orvane Vantrel. "), 1u) << log_.text();
 }
 
 TEST_F(PluginForwardingTest, AnAsynchronousRequestAnswersThroughItsCallback) {
-  server.always("/p", Script::reply("{\"late\":1}"));
+  server_.always("/p", Script::reply("{\"late\":1}"));
   EXPECT_EQ(plugin().vantrelHttpRequestAsync("POST", "/p", "", callback()), "");
-  ASSERT_TRUE(answers.wait(1));
-  EXPECT_EQ(answers.get(), std::vector<std::string>{"{\"late\":1}"});
-  EXPECT_EQ(messageBody(server.requests("/p").front()), "{}");
+  ASSERT_TRUE(answers_.wait(1));
+  EXPECT_EQ(answers_.get(), std::vector<std::string>{"{\"late\":1}"});
+  EXPECT_EQ(messageBody(server_.requests("/p").front()), "{}");
 }
 
 TEST_F(PluginForwardingTest, ThreeAsynchronousRequestsAreAnsweredInOrder) {
   for (const char* const path : {"/1", "/2", "/3"}) {
-    server.always(path, Script::reply(path));
+    server_.always(path, Script::reply(path));
     EXPECT_EQ(plugin().vantrelHttpRequestAsync("GET", path, "", callback()), "");
   }
-  ASSERT_TRUE(answers.wait(3));
-  EXPECT_EQ(answers.get(), (std::vector<std::string>{"/1", "/2", "/3"}));
+  ASSERT_TRUE(answers_.wait(3));
+  EXPECT_EQ(answers_.get(), (std::vector<std::string>{"/1", "/2", "/3"}));
 }
 
 TEST_F(PluginForwardingTest, ARefusedAsynchronousRequestAnswersAtOnceAndOnlyOnce) {
   EXPECT_EQ(plugin().vantrelHttpRequestAsync("POST", "/p", kRefusedSend, callback()), kRefusal);
-  core.reset();
-  EXPECT_TRUE(answers.get().empty());
+  core_.reset();
+  EXPECT_TRUE(answers_.get().empty());
   EXPECT_FALSE(sent("/p"));
 }
 
 TEST_F(PluginForwardingTest, AnAsynchronousRequestNeedsAKnownUrl) {
-  files.removeUrl();
+  files_.removeUrl();
   EXPECT_EQ(plugin().vantrelHttpRequestAsync("POST", "/p", "{}", callback()),
             jsonErrorReply("Error creating HTTP request"));
-  EXPECT_TRUE(answers.get().empty());
+  EXPECT_TRUE(answers_.get().empty());
 }
 
 TEST_F(PluginForwardingTest, TheUncheckedRoadHasNoKeyAndNoCheck) {
-  server.always("/p", Script::reply("{\"sent\":1}"));
+  server_.always("/p", Script::reply("{\"sent\":1}"));
   plugin().httpRequestImplementation("PUT", "/p", kRefusedSend, callback());
-  ASSERT_TRUE(answers.wait(1));
-  EXPECT_EQ(answers.get(), std::vector<std::string>{"{\"sent\":1}"});
-  EXPECT_EQ(server.requests("/p"),
+  ASSERT_TRUE(answers_.wait(1));
+  EXPECT_EQ(answers_.get(), std::vector<std::string>{"{\"sent\":1}"});
+  EXPECT_EQ(server_.requests("/p"),
             std::vector<std::string>{"PUT /p HTTP/1.1\r\nConnection: close\r\nContent-Length: " +
                                      std::to_string(sizeof kRefusedSend - 1) +
                                      "\r\nContent-Type: application/json\r\n"
@@ -118,40 +118,40 @@ TEST_F(PluginForwardingTest, TheUncheckedRoadHasNoKeyAndNoCheck) {
 
 TEST_F(PluginForwardingTest, TheUncheckedRoadSendsAnEmptyBodyAsAnEmptyObject) {
   plugin().httpRequestImplementation("POST", "/p", "", callback());
-  ASSERT_TRUE(answers.wait(1));
-  EXPECT_EQ(messageBody(server.requests("/p").front()), "{}");
+  ASSERT_TRUE(answers_.wait(1));
+  EXPECT_EQ(messageBody(server_.requests("/p").front()), "{}");
 }
 
 TEST_F(PluginForwardingTest, TheUncheckedRoadTellsAMissingUrlInsideTheCall) {
-  files.removeUrl();
+  files_.removeUrl();
   plugin().httpRequestImplementation("POST", "/p", "{}", callback());
-  EXPECT_EQ(answers.get(),
+  EXPECT_EQ(answers_.get(),
             std::vector<std::string>{"message: " + jsonErrorReply("Failed to get Vantrel URL")});
 }
 
 TEST_F(PluginForwardingTest, TheClientsVersionIsHandedOnUnread) {
-  server.always("/v4/vantrel/version", Script::reply("{\"version\":\"3.7\"}"));
+  server_.always("/v4/vantrel/version", Script::reply("{\"version\":\"3.7\"}"));
   EXPECT_EQ(plugin().queryVantrelVersion(), "{\"version\":\"3.7\"}");
-  const std::string sent = server.requests("/v4/vantrel/version").front();
+  const std::string sent = server_.requests("/v4/vantrel/version").front();
   EXPECT_EQ(sent.find("GET /v4/vantrel/version HTTP/1.1\r\n"), 0u);
   EXPECT_EQ(messageBody(sent), R"({"orvane_vantrel_settings":{"app_id":"version request"}})");
 }
 
 TEST_F(PluginForwardingTest, AnEmptyVersionIsAnErrorReply) {
-  server.always("/v4/vantrel/version", Script().send("HTTP/1.1 200 OK\r\nX: y\r\n\r\n"));
+  server_.always("/v4/vantrel/version", Script().send("HTTP/1.1 200 OK\r\nX: y\r\n\r\n"));
   EXPECT_EQ(plugin().queryVantrelVersion(),
             jsonErrorReply("Error retrieving the Orvane Vantrel version"));
 }
 
 TEST_F(PluginForwardingTest, AVersionThatCannotBeAskedForIsTheContactError) {
-  server.always("/v4/vantrel/version", Script());
+  server_.always("/v4/vantrel/version", Script());
   EXPECT_EQ(plugin().queryVantrelVersion(), kContactReply);
 }
 
 TEST_F(PluginForwardingTest, WindowCommandsAskForTheirWindow) {
-  files.writeProcessId("4711");
+  files_.writeProcessId("4711");
   std::vector<int32_t> foreground;
-  platform.onForeground = [&foreground](int32_t id) {
+  platform_.onForeground = [&foreground](int32_t id) {
     foreground.push_back(id);
     return 0;
   };
@@ -160,8 +160,8 @@ TEST_F(PluginForwardingTest, WindowCommandsAskForTheirWindow) {
   EXPECT_TRUE(plugin().displayTransferManager());
   for (const char* const path :
        {"/windows/about/", "/windows/preferences/", "/windows/transfer-manager/"}) {
-    ASSERT_EQ(server.requests(path).size(), 1u) << path;
-    EXPECT_EQ(server.requests(path).front(),
+    ASSERT_EQ(server_.requests(path).size(), 1u) << path;
+    EXPECT_EQ(server_.requests(path).front(),
               std::string("GET ") + path +
                   " HTTP/1.1\r\nAuthorization-key: key\r\nConnection: close\r\n"
                   "Content-Length: 0\r\n"

@@ -27,7 +27,7 @@ void changeToHomeDirectory() {
 
 void* findSetLayeredWindowAttributes() {
   const HMODULE user32 = GetModuleHandleW(L"USER32.DLL");
-  if (!user32) return nullptr;
+  if (user32 == nullptr) return nullptr;
   return reinterpret_cast<void*>(GetProcAddress(user32, "SetLayeredWindowAttributes"));
 }
 

@@ -12,25 +12,25 @@ constexpr char kActivity[] = "/v5/vantrel/transfers/activity";
 
 TEST_F(PluginTest, ConstructionAndDestructionAreLogged) {
   { const Plugin unused; }
-  EXPECT_EQ(log.countContaining("DBG Plugin() ["), 1u);
-  EXPECT_EQ(log.count("DBG Plugin() - done"), 1u);
-  EXPECT_EQ(log.countContaining("DBG ~Plugin() ["), 1u);
-  EXPECT_EQ(log.count("DBG ~Plugin() - done"), 1u);
-  EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
+  EXPECT_EQ(log_.countContaining("DBG Plugin() ["), 1u);
+  EXPECT_EQ(log_.count("DBG Plugin() - done"), 1u);
+  EXPECT_EQ(log_.countContaining("DBG ~Plugin() ["), 1u);
+  EXPECT_EQ(log_.count("DBG ~Plugin() - done"), 1u);
+  EXPECT_TRUE(log_.lines("ERR").empty()) << log_.text();
 }
 
 TEST_F(PluginTest, InitLooksForTheClientAndStartsTheRequestThread) {
   plugin();
-  EXPECT_TRUE(log.has("DBG PlugIn::init() - launchTimeoutMs=0")) << log.text();
-  EXPECT_EQ(server.requests(kPing).size(), 1u);
+  EXPECT_TRUE(log_.has("DBG PlugIn::init() - launchTimeoutMs=0")) << log_.text();
+  EXPECT_EQ(server_.requests(kPing).size(), 1u);
   plugin().httpRequestImplementation("GET", "/x", "", callback());
-  EXPECT_TRUE(answers.wait(1));
+  EXPECT_TRUE(answers_.wait(1));
 }
 
 TEST_F(PluginTest, AClientThatCannotBeStartedDoesNotStopInit) {
-  files.removeUrl();
+  files_.removeUrl();
   plugin();
-  EXPECT_TRUE(log.has("ERR Failed to determine Orvane Vantrel executable path")) << log.text();
+  EXPECT_TRUE(log_.has("ERR Failed to determine Orvane Vantrel executable path")) << log_.text();
   EXPECT_EQ(Plugin::queryVersion(), "3.7");
 }
 
@@ -52,7 +52,7 @@ TEST_F(PluginTest, TheUserAgentNamesTheBrowser) {
     Plugin plugin;
     plugin.setUserAgent(row.userAgent);
     EXPECT_EQ(plugin.getBrowserHost(), row.browserHost);
-    EXPECT_TRUE(log.has(std::string("LOG Browser host: ") + row.browserHost)) << log.text();
+    EXPECT_TRUE(log_.has(std::string("LOG Browser host: ") + row.browserHost)) << log_.text();
   }
 }
 
@@ -80,8 +80,8 @@ TEST_F(PluginTest, ACaretTiesTheIdToTheExactHost) {
        {"^Some.Host", "^", "^some.hos", "^some.host.", "^sub.some.host", "^^some.host"}) {
     EXPECT_EQ(plugin().validateHostname(id), refusal) << id;
   }
-  EXPECT_TRUE(log.has("ERR Hostname validation failed:\n  Expected: some.host\n  Got: Some.Host"))
-      << log.text();
+  EXPECT_TRUE(log_.has("ERR Hostname validation failed:\n  Expected: some.host\n  Got: Some.Host"))
+      << log_.text();
 }
 
 TEST_F(PluginTest, WithoutAHostEveryIdPasses) {
@@ -92,7 +92,7 @@ TEST_F(PluginTest, WithoutAHostEveryIdPasses) {
 
 TEST_F(PluginTest, ASessionAnswersWithItsIdRaw) {
   EXPECT_EQ(plugin().initSession("id\"\\", "domain"), "{\"app_id\":\"id\"\\\"}");
-  EXPECT_TRUE(log.has("DBG initSession\n  appId: id\"\\\n  domain: domain")) << log.text();
+  EXPECT_TRUE(log_.has("DBG initSession\n  appId: id\"\\\n  domain: domain")) << log_.text();
 }
 
 TEST_F(PluginTest, ASecondSessionIsRefusedAndTheFirstIdStaysInForce) {
@@ -100,16 +100,16 @@ TEST_F(PluginTest, ASecondSessionIsRefusedAndTheFirstIdStaysInForce) {
   const std::string refusal = jsonErrorReply("Session was already initialized");
   EXPECT_EQ(plugin().initSession("second", ""), refusal);
   EXPECT_EQ(plugin().initSession("first", ""), refusal);
-  ASSERT_TRUE(server.waitForRequests(kActivity, 1));
-  EXPECT_NE(server.requests(kActivity).front().find("\"app_id\": \"first\""), std::string::npos);
+  ASSERT_TRUE(server_.waitForRequests(kActivity, 1));
+  EXPECT_NE(server_.requests(kActivity).front().find("\"app_id\": \"first\""), std::string::npos);
 }
 
 TEST_F(PluginTest, AFailedSessionStartsNothingAndMayBeTriedAgain) {
   EXPECT_EQ(plugin().initSession("^other", ""),
             jsonErrorReply("Invalid application ID hostname: some.host"));
-  EXPECT_EQ(log.countContaining("TransferPoller::run()"), 0u);
+  EXPECT_EQ(log_.countContaining("TransferPoller::run()"), 0u);
   EXPECT_EQ(plugin().initSession("^some.host", ""), "{\"app_id\":\"^some.host\"}");
-  EXPECT_TRUE(server.waitForRequests(kActivity, 1));
+  EXPECT_TRUE(server_.waitForRequests(kActivity, 1));
 }
 
 TEST_F(PluginTest, AnEmptyIdMakesASession) {
@@ -122,21 +122,21 @@ TEST_F(PluginTest, ParametersMayBeMissing) {
   plugin().setParameters(
       {{"link-capacity", "1000"}, {"transfer-icon", "i"}, {"LINK-capacity", "x"}});
   plugin().setParameters({{"link-capacity", "no number"}});
-  EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
+  EXPECT_TRUE(log_.lines("ERR").empty()) << log_.text();
 }
 
 TEST_F(PluginTest, DestructionStopsTheRequestThreadThenThePoller) {
   plugin().initSession("id", "");
-  core.reset();
+  core_.reset();
   std::vector<std::string> order;
-  for (const std::string& line : log.lines("DBG")) {
+  for (const std::string& line : log_.lines("DBG")) {
     for (const char* const part : {"~RequestWorker()", "~TransfersPoller()", "~Plugin() - done"}) {
       if (line.find(part) != std::string::npos) order.push_back(part);
     }
   }
   EXPECT_EQ(order, (std::vector<std::string>{"~RequestWorker()", "~TransfersPoller()",
                                              "~Plugin() - done"}))
-      << log.text();
+      << log_.text();
 }
 
 }  // namespace

@@ -17,10 +17,10 @@ bool Plugin::download(const std::vector<std::string>& sources, const std::string
       return false;
     }
     ov_log("Accepted download to %s (user selected %s)", destination.c_str(),
-           consent.lastSelectedPath().c_str());
+           consent_.lastSelectedPath().c_str());
   }
   // One choice of the user allows one direct download.
-  consent.clear();
+  consent_.clear();
   allowVantrelForeground();
   Transfer transfer;
   transfer.setFiles(sources);
@@ -30,7 +30,7 @@ bool Plugin::download(const std::vector<std::string>& sources, const std::string
 
 bool Plugin::upload(const std::vector<std::string>& sources, const std::string& destinationUrl) {
   OV_DEBUG("Plugin::upload()");
-  consent.clear();
+  consent_.clear();
   allowVantrelForeground();
   std::vector<std::string> urls;
   urls.reserve(sources.size());
@@ -56,28 +56,28 @@ bool Plugin::startUploadToURL(const std::string& path, const std::string& url) {
 }
 
 bool Plugin::startListDownloadToPath(const std::string& destination) {
-  return download(downloadList, destination);
+  return download(downloadList_, destination);
 }
 
 bool Plugin::startListUploadToURL(const std::string& url) {
-  return upload(uploadList, url);
+  return upload(uploadList_, url);
 }
 
 bool Plugin::uploadDropped(const std::vector<std::string>& sources) {
-  return upload(sources, dropUploadUrl);
+  return upload(sources, dropUploadUrl_);
 }
 
 void Plugin::addToDownloadList(const std::string& url) {
-  downloadList.push_back(url);
+  downloadList_.push_back(url);
 }
 void Plugin::addToUploadList(const std::string& path) {
-  uploadList.push_back(path);
+  uploadList_.push_back(path);
 }
 void Plugin::clearDownloadList() {
-  downloadList.clear();
+  downloadList_.clear();
 }
 void Plugin::clearUploadList() {
-  uploadList.clear();
+  uploadList_.clear();
 }
 
 }  // namespace Vantrel::Web

@@ -15,7 +15,7 @@ class PluginTransfersTest : public PluginTest {
   // The documents posted so far.
   std::vector<std::string> documents() const {
     std::vector<std::string> bodies;
-    for (const std::string& request : server.requests("/transfers/")) {
+    for (const std::string& request : server_.requests("/transfers/")) {
       bodies.push_back(messageBody(request));
     }
     return bodies;
@@ -29,22 +29,22 @@ TEST_F(PluginTransfersTest, ADownloadWithoutADestinationIsPosted) {
   EXPECT_TRUE(plugin().startDownload("fasp://h/a?x=1&y=\"2\""));
   EXPECT_EQ(documents(),
             std::vector<std::string>{document("<src>fasp://h/a?x=1&amp;y=\"2\"</src>")});
-  EXPECT_TRUE(log.has("LOG PlugIn::startDownload()")) << log.text();
-  EXPECT_TRUE(log.has("LOG   fasp://h/a?x=1&y=\"2\"")) << log.text();
-  EXPECT_TRUE(log.has("DBG Plugin::download() to ")) << log.text();
+  EXPECT_TRUE(log_.has("LOG PlugIn::startDownload()")) << log_.text();
+  EXPECT_TRUE(log_.has("LOG   fasp://h/a?x=1&y=\"2\"")) << log_.text();
+  EXPECT_TRUE(log_.has("DBG Plugin::download() to ")) << log_.text();
 }
 
 TEST_F(PluginTransfersTest, ADestinationMustHaveBeenSelected) {
   plugin().setLastSelectedPath("C:\\down load");
   EXPECT_FALSE(plugin().startDownloadToPath("u", "E:\\x %s"));
   EXPECT_TRUE(
-      log.has("ERR The website attempted to transfer to an unauthorized directory: "
-              "E:\\x %s"))
-      << log.text();
+      log_.has("ERR The website attempted to transfer to an unauthorized directory: "
+               "E:\\x %s"))
+      << log_.text();
   EXPECT_TRUE(documents().empty());
   EXPECT_TRUE(plugin().startDownloadToPath("u", "C:\\down load\\sub"));
-  EXPECT_TRUE(log.has("LOG Accepted download to C:\\down load\\sub (user selected C:/down load)"))
-      << log.text();
+  EXPECT_TRUE(log_.has("LOG Accepted download to C:\\down load\\sub (user selected C:/down load)"))
+      << log_.text();
   EXPECT_EQ(documents(),
             std::vector<std::string>{document("<src>u</src><dest>file://C:/down load/sub</dest>")});
 }
@@ -71,7 +71,7 @@ TEST_F(PluginTransfersTest, AnUploadIsNotHeldToTheApprovedFiles) {
   EXPECT_TRUE(plugin().startUploadToURL("C:\\a b\\<f>", "fasp://h/?a=1&b=2"));
   EXPECT_EQ(documents(), std::vector<std::string>{document("<src>file://C:/a b/&lt;f&gt;</src>"
                                                            "<dest>fasp://h/?a=1&amp;b=2</dest>")});
-  EXPECT_TRUE(log.has("DBG Plugin::upload()")) << log.text();
+  EXPECT_TRUE(log_.has("DBG Plugin::upload()")) << log_.text();
 }
 
 TEST_F(PluginTransfersTest, ListsKeepOrderAndDuplicatesAndAreNotEmptiedByAStart) {
@@ -105,22 +105,22 @@ TEST_F(PluginTransfersTest, DroppedFilesGoToTheUploadUrlOfTheElement) {
 }
 
 TEST_F(PluginTransfersTest, AnErrorStatusCountsAsStarted) {
-  server.always("/transfers/", Script().send(httpReply("no", "500 Internal Server Error")));
+  server_.always("/transfers/", Script().send(httpReply("no", "500 Internal Server Error")));
   EXPECT_TRUE(plugin().startDownload("u"));
 }
 
 TEST_F(PluginTransfersTest, WithoutAClientNothingIsPosted) {
   plugin();
-  server.always(kPing, Script());
+  server_.always(kPing, Script());
   EXPECT_FALSE(plugin().startDownload("u"));
-  EXPECT_EQ(log.countContaining("ERR Error contacting Orvane Vantrel. "), 1u) << log.text();
+  EXPECT_EQ(log_.countContaining("ERR Error contacting Orvane Vantrel. "), 1u) << log_.text();
   EXPECT_TRUE(documents().empty());
 }
 
 TEST_F(PluginTransfersTest, AStartLetsTheClientComeToTheFront) {
-  files.writeProcessId("12");
+  files_.writeProcessId("12");
   int calls = 0;
-  platform.onForeground = [&calls](int32_t id) {
+  platform_.onForeground = [&calls](int32_t id) {
     calls += id == 12;
     return 0;
   };

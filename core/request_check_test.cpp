@@ -22,10 +22,10 @@ class RequestCheckTest : public testing::Test {
   std::string check(const std::string& body) {
     std::string error = "left from before";
     const HostnameCheck hostname = [this](const std::string& id) {
-      askedIds.push_back(id);
+      askedIds_.push_back(id);
       return id == "refused" ? jsonErrorReply("host") : std::string();
     };
-    const bool passed = checkRequestBody(body, hostname, consent, error);
+    const bool passed = checkRequestBody(body, hostname, consent_, error);
     EXPECT_EQ(passed, error.empty()) << error;
     return error;
   }
@@ -41,8 +41,8 @@ class RequestCheckTest : public testing::Test {
                  destination + "}}");
   }
 
-  DestinationConsent consent;
-  std::vector<std::string> askedIds;
+  DestinationConsent consent_;
+  std::vector<std::string> askedIds_;
 };
 
 TEST_F(RequestCheckTest, ABodyThatIsNoJsonIsRefusedWithTheParsersText) {
@@ -64,14 +64,14 @@ TEST_F(RequestCheckTest, AnApplicationIdIsJudgedByTheHostname) {
   EXPECT_EQ(check(R"({"orvane_vantrel_settings":{"app_id":"refused"}})"), jsonErrorReply("host"));
   EXPECT_EQ(check(R"({"orvane_vantrel_settings":{"app_id":"good"}})"), "");
   EXPECT_EQ(check(R"({"orvane_vantrel_settings":{"app_id":12.50}})"), "");
-  EXPECT_EQ(askedIds, (std::vector<std::string>{"refused", "good", "12.50"}));
+  EXPECT_EQ(askedIds_, (std::vector<std::string>{"refused", "good", "12.50"}));
 }
 
 TEST_F(RequestCheckTest, AnEmptyOrUnreadableApplicationIdIsNotJudged) {
   for (const char* const id : {"\"\"", "null", "true", "[]", "{}"}) {
     EXPECT_EQ(check(std::string(R"({"orvane_vantrel_settings":{"app_id":)") + id + "}}"), "");
   }
-  EXPECT_TRUE(askedIds.empty());
+  EXPECT_TRUE(askedIds_.empty());
 }
 
 TEST_F(RequestCheckTest, TheApplicationIdIsJudgedBeforeTheSpecifications) {
@@ -94,7 +94,7 @@ TEST_F(RequestCheckTest, AFirstSpecificationThatIsNoObjectPasses) {
 }
 
 TEST_F(RequestCheckTest, AnAbsoluteReceiveNeedsTheSelectedDestination) {
-  consent.setLastSelectedPath("C:\\Users\\me\\Downloads");
+  consent_.setLastSelectedPath("C:\\Users\\me\\Downloads");
   EXPECT_EQ(check(receive("\"C:/Users/me/Downloads\"")), "");
   EXPECT_EQ(check(receive(R"("C:\\Users\\me\\Downloads\\sub")")), "");
   EXPECT_EQ(check(receive("\"C:/Users/me\"")),
@@ -103,14 +103,14 @@ TEST_F(RequestCheckTest, AnAbsoluteReceiveNeedsTheSelectedDestination) {
 }
 
 TEST_F(RequestCheckTest, ADestinationThatCannotBeReadIsRefused) {
-  consent.setLastSelectedPath("C:/d");
+  consent_.setLastSelectedPath("C:/d");
   for (const char* const destination : {"null", "{}", "\"\""}) {
     EXPECT_EQ(check(receive(destination)), jsonErrorReply(kUnauthorizedDirectory));
   }
 }
 
 TEST_F(RequestCheckTest, OneSelectionServesAnyNumberOfRequests) {
-  consent.setLastSelectedPath("C:/d");
+  consent_.setLastSelectedPath("C:/d");
   EXPECT_EQ(check(receive("\"C:/d\"")), "");
   EXPECT_EQ(check(receive("\"C:/d\"")), "");
 }
@@ -216,7 +216,7 @@ TEST_F(RequestCheckTest, ManyPathsAreCheckedOnce) {
   std::string paths;
   for (int i = 0; i < 100000; ++i) {
     files.push_back("C:/many/" + std::string(70, 'x') + std::to_string(i));
-    paths += (i ? ",{\"source\":\"" : "{\"source\":\"") + files.back() + "\"}";
+    paths += (i != 0 ? ",{\"source\":\"" : "{\"source\":\"") + files.back() + "\"}";
   }
   addToApprovedFileList(files);
   EXPECT_EQ(check(send(",\"paths\":[" + paths + "]")), "");

@@ -19,12 +19,13 @@ constexpr char kTransfersPath[] = "/transfers/";
 std::string Transfer::document() const {
   std::string text = "<xferreq xmlns=\"";
   text.append(kXferreqNamespace).append("\">");
-  for (const std::string& file : files) {
+  for (const std::string& file : files_) {
     if (!file.empty()) text.append("<src>").append(xmlEscape(file)).append("</src>");
   }
-  if (!destination.empty()) text.append("<dest>").append(xmlEscape(destination)).append("</dest>");
+  if (!destination_.empty())
+    text.append("<dest>").append(xmlEscape(destination_)).append("</dest>");
   // The client's own form of a parameter, with one quotation mark and no end tag.
-  for (const auto& [key, value] : parameters) {
+  for (const auto& [key, value] : parameters_) {
     text.append("<param name=\"").append(key).append(" value=\"").append(value).append("\">");
   }
   return text.append("</xferreq>");

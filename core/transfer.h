@@ -19,8 +19,8 @@ class Transfer {
   Transfer& operator=(const Transfer&) = default;
 
   // Sources: URLs, or texts made by fileUrl. Empty entries are left out of the document.
-  void setFiles(const std::vector<std::string>& newFiles) { files = newFiles; }
-  void setDestination(const std::string& text) { destination = text; }
+  void setFiles(const std::vector<std::string>& newFiles) { files_ = newFiles; }
+  void setDestination(const std::string& text) { destination_ = text; }
 
   // The document, in one line.
   std::string document() const;
@@ -30,9 +30,9 @@ class Transfer {
   bool post() const;
 
  protected:
-  std::vector<std::string> files;
-  std::string destination;
-  std::map<std::string, std::string> parameters;
+  std::vector<std::string> files_;
+  std::string destination_;
+  std::map<std::string, std::string> parameters_;
 };
 
 }  // namespace Vantrel::Web

@@ -49,7 +49,7 @@ TEST(TransferTest, MarkupIsEscapedAndQuotesAreNot) {
 TEST(TransferTest, ParametersStandInTheClientsForm) {
   class WithParameters : public Transfer {
    public:
-    WithParameters() { parameters = {{"b", "<2>"}, {"a", "1"}}; }
+    WithParameters() { parameters_ = {{"b", "<2>"}, {"a", "1"}}; }
   };
   EXPECT_EQ(WithParameters().document(),
             std::string(kOpen) +
@@ -60,22 +60,22 @@ TEST(TransferTest, ParametersStandInTheClientsForm) {
 class TransferPostTest : public testing::Test {
  protected:
   TransferPostTest() {
-    files.writeUrl(server.url() + "\nkey");
-    transfer.setFiles({"a?1&2"});
-    transfer.setDestination("d");
+    files_.writeUrl(server_.url() + "\nkey");
+    transfer_.setFiles({"a?1&2"});
+    transfer_.setDestination("d");
   }
 
-  const TestSupport::ServiceFiles files;
-  TestSupport::FakePlatform platform;
-  TestSupport::LogRecorder log;
-  ScriptedServer server;
-  Transfer transfer;
+  const TestSupport::ServiceFiles files_;
+  TestSupport::FakePlatform platform_;
+  TestSupport::LogRecorder log_;
+  ScriptedServer server_;
+  Transfer transfer_;
 };
 
 TEST_F(TransferPostTest, BytesOnTheWire) {
-  EXPECT_TRUE(transfer.post());
+  EXPECT_TRUE(transfer_.post());
   const std::string document = std::string(kOpen) + "<src>a?1&amp;2</src><dest>d</dest></xferreq>";
-  EXPECT_EQ(server.requests("/transfers/"),
+  EXPECT_EQ(server_.requests("/transfers/"),
             std::vector<std::string>{"POST /transfers/ HTTP/1.1\r\n"
                                      "Authorization-key: key\r\n"
                                      "Connection: close\r\n"
@@ -89,36 +89,36 @@ TEST_F(TransferPostTest, BytesOnTheWire) {
 }
 
 TEST_F(TransferPostTest, ErrorStatusIsSuccess) {
-  server.always("/transfers/", Script().send(TestSupport::httpReply("no", "500 Error")));
-  EXPECT_TRUE(transfer.post());
-  EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
+  server_.always("/transfers/", Script().send(TestSupport::httpReply("no", "500 Error")));
+  EXPECT_TRUE(transfer_.post());
+  EXPECT_TRUE(log_.lines("ERR").empty()) << log_.text();
 }
 
 TEST_F(TransferPostTest, ClientThatCannotBeStartedIsLoggedOnceAndNotConnectedTo) {
-  files.removeUrl();
-  EXPECT_FALSE(transfer.post());
-  EXPECT_EQ(log.count(std::string("ERR ") + kErrorContacting), 1U);
-  EXPECT_EQ(server.connections(), 0U);
+  files_.removeUrl();
+  EXPECT_FALSE(transfer_.post());
+  EXPECT_EQ(log_.count(std::string("ERR ") + kErrorContacting), 1U);
+  EXPECT_EQ(server_.connections(), 0U);
 }
 
 TEST_F(TransferPostTest, CloseWithoutAReplyIsFalseAndLoggedOnce) {
-  server.always("/transfers/", Script());
-  EXPECT_FALSE(transfer.post());
-  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{kErrorContacting});
+  server_.always("/transfers/", Script());
+  EXPECT_FALSE(transfer_.post());
+  EXPECT_EQ(log_.lines("ERR"), std::vector<std::string>{kErrorContacting});
 }
 
 TEST_F(TransferPostTest, AddressThatGoesAwayAfterTheLaunchIsFalseAndReported) {
   constexpr char kPing[] = "/v5/vantrel/info/ping";
-  server.always(kPing, Script().hold().send(TestSupport::httpReply("{}")));
+  server_.always(kPing, Script().hold().send(TestSupport::httpReply("{}")));
   std::thread remover([&] {
-    server.waitForRequests(kPing, 1);
-    files.removeUrl();
+    server_.waitForRequests(kPing, 1);
+    files_.removeUrl();
     clearVantrelUrl();
-    server.release();
+    server_.release();
   });
-  EXPECT_FALSE(transfer.post());
+  EXPECT_FALSE(transfer_.post());
   remover.join();
-  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{kErrorCreatingRequest});
+  EXPECT_EQ(log_.lines("ERR"), std::vector<std::string>{kErrorCreatingRequest});
 }
 
 }  // namespace

@@ -9,11 +9,11 @@
 
 namespace Vantrel::Web {
 
-File::File(std::string filePath) : path(std::move(filePath)) {
-  if (const ov_rc code = ov_file_init(&handle)) {
+File::File(std::string filePath) : path_(std::move(filePath)) {
+  if (const ov_rc code = ov_file_init(&handle_)) {
     noteError(code);
-    ov_log("File::File() error: %s", errorText);
-    handle = closedHandle();
+    ov_log("File::File() error: %s", errorText_);
+    handle_ = closedHandle();
   }
 }
 
@@ -22,24 +22,24 @@ File::~File() {
 }
 
 void File::open() {
-  if (const ov_rc code = ov_file_openread(path.c_str(), &handle)) {
+  if (const ov_rc code = ov_file_openread(path_.c_str(), &handle_)) {
     noteError(code);
-    OV_DEBUG("File::open() failed: %s", errorText);
-    handle = closedHandle();
+    OV_DEBUG("File::open() failed: %s", errorText_);
+    handle_ = closedHandle();
   }
 }
 
 // The size has no limit of its own: the files are the user's, written by the client, and a size
 // that memory cannot hold is an exception that the callers log.
 std::string File::read() {
-  if (!ov_file_valid(&handle)) return {};
+  if (!ov_file_valid(&handle_)) return {};
   ov_stat record = {};
   std::string text;
-  if (ov_file_fstat(&handle, &record) == 0) {
+  if (ov_file_fstat(&handle_, &record) == 0) {
     text.resize(static_cast<size_t>(record.size));
     const uint64_t wanted = std::min<uint64_t>(record.size, std::numeric_limits<uint32_t>::max());
     uint32_t count = 0;
-    ov_file_read(&handle, text.data(), static_cast<uint32_t>(wanted), &count);
+    ov_file_read(&handle_, text.data(), static_cast<uint32_t>(wanted), &count);
     text.resize(count);
   }
   close();
@@ -47,12 +47,12 @@ std::string File::read() {
 }
 
 void File::close() {
-  if (ov_file_valid(&handle)) ov_file_close(&handle);
-  handle = closedHandle();
+  if (ov_file_valid(&handle_)) ov_file_close(&handle_);
+  handle_ = closedHandle();
 }
 
 void File::noteError(ov_rc code) {
-  ov_platform_errstr(code, errorText, sizeof errorText);
+  ov_platform_errstr(code, errorText_, sizeof errorText_);
 }
 
 }  // namespace Vantrel::Web

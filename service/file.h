@@ -27,9 +27,9 @@ class File {
   static ov_file closedHandle() { return reinterpret_cast<ov_file>(~uintptr_t{0}); }
   void noteError(ov_rc code);
 
-  std::string path;
-  ov_file handle = closedHandle();
-  char errorText[4096] = "";  // the platform's text of the last error
+  std::string path_;
+  ov_file handle_ = closedHandle();
+  char errorText_[4096] = "";  // the platform's text of the last error
 };
 
 }  // namespace Vantrel::Web

@@ -75,14 +75,14 @@ class FileFailureTest : public testing::Test {
     return file.read();
   }
 
-  TestSupport::LogRecorder log;
+  TestSupport::LogRecorder log_;
 };
 
 TEST_F(FileFailureTest, FailedInitialisationIsLoggedAndTheFileIsClosed) {
   calls.initCode = 28677;
   File file("path");
-  ASSERT_EQ(log.lines("LOG").size(), 1U) << log.text();
-  EXPECT_EQ(log.lines("LOG")[0].rfind("File::File() error: ", 0), 0U);
+  ASSERT_EQ(log_.lines("LOG").size(), 1U) << log_.text();
+  EXPECT_EQ(log_.lines("LOG")[0].rfind("File::File() error: ", 0), 0U);
   EXPECT_EQ(file.read(), "");
   EXPECT_EQ(calls.closes, 0);
 }

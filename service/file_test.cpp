@@ -14,20 +14,20 @@ namespace {
 class FileTest : public testing::Test {
  protected:
   std::string readBack(const std::string& text) {
-    files.writeUrl(text);
-    File file(files.urlFile());
+    files_.writeUrl(text);
+    File file(files_.urlFile());
     file.open();
     return file.read();
   }
 
-  const TestSupport::ServiceFiles files;
-  TestSupport::LogRecorder log;
+  const TestSupport::ServiceFiles files_;
+  TestSupport::LogRecorder log_;
 };
 
 TEST_F(FileTest, ReadsTheWholeFileByteForByte) {
   const std::string text = "first\nsecond\r\n\x1a\xff last";
   EXPECT_EQ(readBack(text), text);
-  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(log_.text(), "");
 }
 
 TEST_F(FileTest, EmptyFileIsAnEmptyText) {
@@ -45,24 +45,24 @@ TEST_F(FileTest, LargeFileIsReadInOnePiece) {
 }
 
 TEST_F(FileTest, MissingFileIsADebugLineAndAnEmptyText) {
-  File file(files.urlFile());
+  File file(files_.urlFile());
   file.open();
   EXPECT_EQ(file.read(), "");
-  ASSERT_EQ(log.lines().size(), 1U) << log.text();
+  ASSERT_EQ(log_.lines().size(), 1U) << log_.text();
   const std::string prefix = "DBG File::open() failed: ";
-  EXPECT_EQ(log.lines()[0].rfind(prefix, 0), 0U);
-  EXPECT_GT(log.lines()[0].size(), prefix.size());
+  EXPECT_EQ(log_.lines()[0].rfind(prefix, 0), 0U);
+  EXPECT_GT(log_.lines()[0].size(), prefix.size());
 }
 
 TEST_F(FileTest, FileThatWasNotOpenedReadsEmpty) {
-  files.writeUrl("text");
-  File file(files.urlFile());
+  files_.writeUrl("text");
+  File file(files_.urlFile());
   EXPECT_EQ(file.read(), "");
 }
 
 TEST_F(FileTest, ReadingClosesTheFile) {
-  files.writeUrl("text");
-  File file(files.urlFile());
+  files_.writeUrl("text");
+  File file(files_.urlFile());
   file.open();
   EXPECT_EQ(file.read(), "text");
   EXPECT_EQ(file.read(), "");
@@ -70,14 +70,14 @@ TEST_F(FileTest, ReadingClosesTheFile) {
 }
 
 TEST_F(FileTest, DestructorClosesAnOpenFile) {
-  files.writeUrl("text");
+  files_.writeUrl("text");
   {
-    File file(files.urlFile());
+    File file(files_.urlFile());
     file.open();
   }
   // An open file could not be replaced.
-  files.removeUrl();
-  files.writeUrl("other");
+  files_.removeUrl();
+  files_.writeUrl("other");
   EXPECT_EQ(readBack("third"), "third");
 }
 

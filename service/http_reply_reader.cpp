@@ -31,52 +31,52 @@ bool isDigit(char c) {
 }  // namespace
 
 bool HttpReplyReader::feed(std::string_view piece) {
-  response.append(piece.substr(0, piece.find('\0')));
-  if (lengthState == Length::kUnknown) {
+  response_.append(piece.substr(0, piece.find('\0')));
+  if (lengthState_ == Length::kUnknown) {
     if (!findLengthLine()) return false;
     readLength();
   }
-  if (lengthState == Length::kAbsent) return false;
+  if (lengthState_ == Length::kAbsent) return false;
   // Of a reply that promises nothing not even the rest of the head is awaited.
-  if (contentLength == 0) return true;
-  if (!findHeaderEnd() || response.size() - bodyStart < contentLength) return false;
-  response.resize(bodyStart + static_cast<size_t>(contentLength));
+  if (contentLength_ == 0) return true;
+  if (!findHeaderEnd() || response_.size() - bodyStart_ < contentLength_) return false;
+  response_.resize(bodyStart_ + static_cast<size_t>(contentLength_));
   return true;
 }
 
 // Whether the line of the length label is there with its line end.
 bool HttpReplyReader::findLengthLine() {
-  if (labelEnd == std::string::npos) {
-    const size_t label = findResumably(response, kLengthLabel, labelSearch);
+  if (labelEnd_ == std::string::npos) {
+    const size_t label = findResumably(response_, kLengthLabel, labelSearch_);
     if (label == std::string::npos) return false;
-    labelEnd = label + kLengthLabel.size();
-    lineEndSearch = labelEnd;
+    labelEnd_ = label + kLengthLabel.size();
+    lineEndSearch_ = labelEnd_;
   }
-  return findResumably(response, kLineEnd, lineEndSearch) != std::string::npos;
+  return findResumably(response_, kLineEnd, lineEndSearch_) != std::string::npos;
 }
 
 // A length too large for 64 bits counts as the largest; a negative one as no length at all.
 void HttpReplyReader::readLength() {
-  lengthState = Length::kKnown;
+  lengthState_ = Length::kKnown;
   // The line has its end, so this stops before the end of the text.
-  const char* at = response.c_str() + labelEnd;
+  const char* at = response_.c_str() + labelEnd_;
   while (*at == ' ' || *at == '\t') ++at;
   const bool negative = *at == '-';
   if (*at == '-' || *at == '+') ++at;
   constexpr uint64_t kMax = std::numeric_limits<uint64_t>::max();
   for (; isDigit(*at); ++at) {
     const auto digit = static_cast<uint64_t>(*at - '0');
-    contentLength = contentLength > (kMax - digit) / 10 ? kMax : contentLength * 10 + digit;
+    contentLength_ = contentLength_ > (kMax - digit) / 10 ? kMax : contentLength_ * 10 + digit;
   }
-  if (negative && contentLength > 0) lengthState = Length::kAbsent;
+  if (negative && contentLength_ > 0) lengthState_ = Length::kAbsent;
 }
 
 bool HttpReplyReader::findHeaderEnd() {
-  if (bodyStart != std::string::npos) return true;
-  const size_t end = findResumably(response, kHeaderEnd, headerEndSearch);
+  if (bodyStart_ != std::string::npos) return true;
+  const size_t end = findResumably(response_, kHeaderEnd, headerEndSearch_);
   if (end == std::string::npos) return false;
-  bodyStart = end + kHeaderEnd.size();
-  response.reserve(bodyStart + static_cast<size_t>(std::min(contentLength, kMaxReserve)));
+  bodyStart_ = end + kHeaderEnd.size();
+  response_.reserve(bodyStart_ + static_cast<size_t>(std::min(contentLength_, kMaxReserve)));
   return true;
 }
 

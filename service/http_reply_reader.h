@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace Vantrel::Web {
 
@@ -19,7 +20,9 @@ class HttpReplyReader {
   bool feed(std::string_view piece);
 
   // What has arrived, cut to the promised length when the reply is complete.
-  const std::string& text() const { return response; }
+  const std::string& text() const { return response_; }
+  // Gives the text away, without a copy.
+  std::string takeText() { return std::move(response_); }
 
  private:
   enum class Length { kUnknown, kKnown, kAbsent };
@@ -28,14 +31,14 @@ class HttpReplyReader {
   void readLength();
   bool findHeaderEnd();
 
-  std::string response;
-  Length lengthState = Length::kUnknown;
-  uint64_t contentLength = 0;
-  size_t labelEnd = std::string::npos;   // behind "Content-Length:"
-  size_t bodyStart = std::string::npos;  // behind the empty line
-  size_t labelSearch = 0;                // where the next search for each of them begins
-  size_t lineEndSearch = 0;
-  size_t headerEndSearch = 0;
+  std::string response_;
+  Length lengthState_ = Length::kUnknown;
+  uint64_t contentLength_ = 0;
+  size_t labelEnd_ = std::string::npos;   // behind "Content-Length:"
+  size_t bodyStart_ = std::string::npos;  // behind the empty line
+  size_t labelSearch_ = 0;                // where the next search for each of them begins
+  size_t lineEndSearch_ = 0;
+  size_t headerEndSearch_ = 0;
 };
 
 }  // namespace Vantrel::Web

@@ -71,7 +71,7 @@ std::unique_ptr<HttpResponse> HttpRequest::invoke() {
     if (!sendAll(socket, requestText())) return nullptr;
     HttpReplyReader reader;
     receiveReply(socket, reader);
-    return parseHttpResponse(reader.text());
+    return parseHttpResponse(reader.takeText());
   } catch (const std::exception& error) {
     ov_err("HttpRequest::invoke() - %s", error.what());
     return nullptr;

@@ -25,14 +25,14 @@ class HttpRequestTest : public testing::Test {
  protected:
   // Performs an exchange that the server answers with `script`.
   std::unique_ptr<HttpResponse> exchange(const Script& script) {
-    server.otherwise(script);
-    HttpRequest request("127.0.0.1", server.port());
+    server_.otherwise(script);
+    HttpRequest request("127.0.0.1", server_.port());
     request.path = "/p";
     return request.invoke();
   }
 
-  ScriptedServer server;
-  LogRecorder log;
+  ScriptedServer server_;
+  LogRecorder log_;
 };
 
 TEST_F(HttpRequestTest, FreshRequestIsAnEmptyGet) {
@@ -46,62 +46,63 @@ TEST_F(HttpRequestTest, FreshRequestIsAnEmptyGet) {
 }
 
 TEST_F(HttpRequestTest, BytesOnTheWireWithABody) {
-  HttpRequest request("127.0.0.1", server.port());
+  HttpRequest request("127.0.0.1", server_.port());
   request.method = "POST";
   request.path = "/transfers/";
   request.setBody("<x>\r\n</x>");
   request.addHeader("Content-Type", "text/xml");
   request.addHeader("Authorization-key", "key");
   ASSERT_TRUE(request.invoke());
-  EXPECT_EQ(server.requests(), std::vector<std::string>{"POST /transfers/ HTTP/1.1\r\n"
-                                                        "Authorization-key: key\r\n"
-                                                        "Connection: close\r\n"
-                                                        "Content-Length: 9\r\n"
-                                                        "Content-Type: text/xml\r\n"
-                                                        "User-Agent: Orvane Vantrel\r\n"
-                                                        "\r\n"
-                                                        "<x>\r\n</x>"});
+  EXPECT_EQ(server_.requests(), std::vector<std::string>{"POST /transfers/ HTTP/1.1\r\n"
+                                                         "Authorization-key: key\r\n"
+                                                         "Connection: close\r\n"
+                                                         "Content-Length: 9\r\n"
+                                                         "Content-Type: text/xml\r\n"
+                                                         "User-Agent: Orvane Vantrel\r\n"
+                                                         "\r\n"
+                                                         "<x>\r\n</x>"});
 }
 
 TEST_F(HttpRequestTest, EmptyBodyStillCarriesItsLength) {
   ASSERT_TRUE(exchange(Script::reply("{}")));
-  EXPECT_EQ(server.requests(), std::vector<std::string>{"GET /p HTTP/1.1\r\n"
-                                                        "Connection: close\r\n"
-                                                        "Content-Length: 0\r\n"
-                                                        "User-Agent: Orvane Vantrel\r\n"
-                                                        "\r\n"});
+  EXPECT_EQ(server_.requests(), std::vector<std::string>{"GET /p HTTP/1.1\r\n"
+                                                         "Connection: close\r\n"
+                                                         "Content-Length: 0\r\n"
+                                                         "User-Agent: Orvane Vantrel\r\n"
+                                                         "\r\n"});
 }
 
 TEST_F(HttpRequestTest, HeadersOfOneNameGoOutAsTwoLinesInOrderOfAdding) {
-  HttpRequest request("127.0.0.1", server.port());
+  HttpRequest request("127.0.0.1", server_.port());
   request.addHeader("b", "1");
   request.addHeader("Z", "2");
   request.addHeader("b", "0");
   ASSERT_TRUE(request.invoke());
-  EXPECT_EQ(server.requests(), std::vector<std::string>{"GET  HTTP/1.1\r\n"
-                                                        "Connection: close\r\n"
-                                                        "Content-Length: 0\r\n"
-                                                        "User-Agent: Orvane Vantrel\r\n"
-                                                        "Z: 2\r\n"
-                                                        "b: 1\r\n"
-                                                        "b: 0\r\n"
-                                                        "\r\n"});
+  EXPECT_EQ(server_.requests(), std::vector<std::string>{"GET  HTTP/1.1\r\n"
+                                                         "Connection: close\r\n"
+                                                         "Content-Length: 0\r\n"
+                                                         "User-Agent: Orvane Vantrel\r\n"
+                                                         "Z: 2\r\n"
+                                                         "b: 1\r\n"
+                                                         "b: 0\r\n"
+                                                         "\r\n"});
 }
 
 TEST_F(HttpRequestTest, LineEndInAHeaderValueGoesOutAsItIs) {
-  HttpRequest request("127.0.0.1", server.port());
+  HttpRequest request("127.0.0.1", server_.port());
   request.addHeader("Authorization-key", "key\n");
   ASSERT_TRUE(request.invoke());
-  ASSERT_EQ(server.requests().size(), 1U);
-  EXPECT_NE(server.requests()[0].find("Authorization-key: key\n\r\nConnection"), std::string::npos);
+  ASSERT_EQ(server_.requests().size(), 1U);
+  EXPECT_NE(server_.requests()[0].find("Authorization-key: key\n\r\nConnection"),
+            std::string::npos);
 }
 
 TEST_F(HttpRequestTest, KeyThatEndsInCrLfPutsAnEmptyLineIntoTheHead) {
-  HttpRequest request("127.0.0.1", server.port());
+  HttpRequest request("127.0.0.1", server_.port());
   request.addHeader("Authorization-key", "key\r\n");
   ASSERT_TRUE(request.invoke());
-  ASSERT_EQ(server.requests().size(), 1U);
-  EXPECT_EQ(server.requests()[0].rfind("GET  HTTP/1.1\r\nAuthorization-key: key\r\n\r\n", 0), 0U);
+  ASSERT_EQ(server_.requests().size(), 1U);
+  EXPECT_EQ(server_.requests()[0].rfind("GET  HTTP/1.1\r\nAuthorization-key: key\r\n\r\n", 0), 0U);
 }
 
 TEST_F(HttpRequestTest, ReplyIsTakenApart) {
@@ -126,7 +127,7 @@ TEST_F(HttpRequestTest, CompleteReplyIsNotWaitedForAnyLonger) {
   const auto response = exchange(Script().send(httpReply("body")).hold());
   ASSERT_TRUE(response);
   EXPECT_EQ(response->body(), "body");
-  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(log_.text(), "");
 }
 
 TEST_F(HttpRequestTest, BytesBehindTheLengthAreNeverSeen) {
@@ -147,12 +148,12 @@ TEST_F(HttpRequestTest, LengthZeroWithoutTheEmptyLineIsNull) {
 
 TEST_F(HttpRequestTest, RepliesWithoutAUsableLengthAreReadToTheClose) {
   for (const char* line : {"", "content-length: 2\r\n", "Content-Length: -2\r\n"}) {
-    log.clear();
+    log_.clear();
     const auto response = exchange(
         Script().send("HTTP/1.1 200 OK\r\n" + std::string(line) + "\r\nbo").pause().send("dy"));
     ASSERT_TRUE(response) << line;
     EXPECT_EQ(response->body(), "body") << line;
-    EXPECT_EQ(log.count(kShutdownLine), 1U) << line;
+    EXPECT_EQ(log_.count(kShutdownLine), 1U) << line;
   }
 }
 
@@ -161,7 +162,7 @@ TEST_F(HttpRequestTest, ShortBodyCountsAsSuccess) {
       exchange(Script().send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nshort"));
   ASSERT_TRUE(response);
   EXPECT_EQ(response->body(), "short");
-  EXPECT_EQ(log.count(kShutdownLine), 1U);
+  EXPECT_EQ(log_.count(kShutdownLine), 1U);
 }
 
 TEST_F(HttpRequestTest, LengthBeyondAllMemoryIsReadToTheClose) {
@@ -174,9 +175,9 @@ TEST_F(HttpRequestTest, LengthBeyondAllMemoryIsReadToTheClose) {
 TEST_F(HttpRequestTest, MalformedRepliesAreNull) {
   for (const char* reply : {"", "HTTP/1.1 200 OK", "HTTP/1.1 200\r\n\r\n", "garbage\r\n\r\n",
                             "HTTP/1.1 200 OK\r\nA:1\r\n\r\nx", "HTTP/1.1 200 OK\r\nA: 1\r\n"}) {
-    log.clear();
+    log_.clear();
     EXPECT_FALSE(exchange(Script().send(reply))) << reply;
-    EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
+    EXPECT_TRUE(log_.lines("ERR").empty()) << log_.text();
   }
 }
 
@@ -189,13 +190,13 @@ TEST_F(HttpRequestTest, NulInTheBodyDropsTheRestOfItsPiece) {
 
 TEST_F(HttpRequestTest, CloseWithoutAReplyIsNull) {
   EXPECT_FALSE(exchange(Script()));
-  EXPECT_EQ(log.text(), std::string(kShutdownLine) + "\n");
+  EXPECT_EQ(log_.text(), std::string(kShutdownLine) + "\n");
 }
 
 TEST_F(HttpRequestTest, ResetWhileWaitingIsReportedAndNull) {
   EXPECT_FALSE(exchange(Script().pause(500).reset()));
-  EXPECT_EQ(log.countContaining("] - recv failed ("), 1U) << log.text();
-  EXPECT_EQ(log.count("ERR HttpRequest::invoke() - socket.recv() returned -1"), 1U);
+  EXPECT_EQ(log_.countContaining("] - recv failed ("), 1U) << log_.text();
+  EXPECT_EQ(log_.count("ERR HttpRequest::invoke() - socket.recv() returned -1"), 1U);
 }
 
 TEST_F(HttpRequestTest, ResetBehindAUsableReplyKeepsIt) {
@@ -208,20 +209,20 @@ TEST_F(HttpRequestTest, ResetBehindAUsableReplyKeepsIt) {
 // failing send is seen over a platform that fails as told.
 #if !defined(_WIN32)
 TEST_F(HttpRequestTest, ResetWhileSendingIsReportedAndNull) {
-  server.nextConnection(Script().reset());
-  HttpRequest request("127.0.0.1", server.port());
+  server_.nextConnection(Script().reset());
+  HttpRequest request("127.0.0.1", server_.port());
   request.setBody(std::string(10U << 20, 'x'));
   EXPECT_FALSE(request.invoke());
-  EXPECT_EQ(log.countContaining("Socket::send() ["), 1U) << log.text();
-  EXPECT_EQ(log.countContaining("] - send failed ("), 1U);
-  EXPECT_EQ(log.countContaining("recv"), 0U);
+  EXPECT_EQ(log_.countContaining("Socket::send() ["), 1U) << log_.text();
+  EXPECT_EQ(log_.countContaining("] - send failed ("), 1U);
+  EXPECT_EQ(log_.countContaining("recv"), 0U);
 }
 #endif
 
 TEST_F(HttpRequestTest, RefusedConnectionIsNull) {
   HttpRequest request("127.0.0.1", TestSupport::unusedPort());
   EXPECT_FALSE(request.invoke());
-  EXPECT_EQ(log.countContaining("TcpSocket::connect() Connection failed for socket"), 1U);
+  EXPECT_EQ(log_.countContaining("TcpSocket::connect() Connection failed for socket"), 1U);
   EXPECT_TRUE(request.headers.empty());
 }
 
@@ -229,15 +230,16 @@ TEST_F(HttpRequestTest, UnresolvableHostIsNull) {
   HttpRequest request("127.0.0.1:33001\nkey", 0);
   EXPECT_FALSE(request.invoke());
   EXPECT_EQ(
-      log.count("ERR TcpSocket::connect() Couldn't resolve address for: 127.0.0.1:33001\nkey"), 3U);
+      log_.count("ERR TcpSocket::connect() Couldn't resolve address for: 127.0.0.1:33001\nkey"),
+      3U);
 }
 
 TEST_F(HttpRequestTest, BodyOfTenMegabytesArrivesWhole) {
-  HttpRequest request("127.0.0.1", server.port());
+  HttpRequest request("127.0.0.1", server_.port());
   request.setBody(std::string(10U << 20, 'x'));
   ASSERT_TRUE(request.invoke());
-  ASSERT_EQ(server.requests().size(), 1U);
-  EXPECT_EQ(TestSupport::messageBody(server.requests()[0]).size(), 10U << 20);
+  ASSERT_EQ(server_.requests().size(), 1U);
+  EXPECT_EQ(TestSupport::messageBody(server_.requests()[0]).size(), 10U << 20);
 }
 
 TEST_F(HttpRequestTest, HugeReplyArrivesWhole) {

@@ -1,5 +1,7 @@
 #include "service/http_response.h"
 
+#include <string_view>
+
 #include "runtime/ov_strings.h"
 
 namespace Vantrel::Web {
@@ -31,19 +33,24 @@ bool readStatus(std::string_view line, uint16_t& status) {
 
 }  // namespace
 
-std::unique_ptr<HttpResponse> parseHttpResponse(std::string_view text) {
-  auto response = std::make_unique<HttpResponse>();
+std::unique_ptr<HttpResponse> parseHttpResponse(std::string text) {
+  uint16_t status = 0;
+  std::multimap<std::string, std::string> headers;
+  std::string_view rest = text;
   std::string_view line;
-  if (!takeLine(text, line) || !readStatus(line, response->status)) return nullptr;
-  while (takeLine(text, line)) {
+  if (!takeLine(rest, line) || !readStatus(line, status)) return nullptr;
+  while (takeLine(rest, line)) {
     if (line.empty()) {
-      response->body_ = text;
+      // The body moves to the front of the memory that it stands in.
+      text.erase(0, text.size() - rest.size());
+      auto response = std::make_unique<HttpResponse>(std::move(text));
+      response->status = status;
+      response->headers = std::move(headers);
       return response;
     }
     const size_t nameEnd = line.find(kHeaderSeparator);
     if (nameEnd == std::string_view::npos) return nullptr;
-    response->headers.emplace(line.substr(0, nameEnd),
-                              line.substr(nameEnd + kHeaderSeparator.size()));
+    headers.emplace(line.substr(0, nameEnd), line.substr(nameEnd + kHeaderSeparator.size()));
   }
   return nullptr;
 }

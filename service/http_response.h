@@ -5,22 +5,29 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <string_view>
+#include <utility>
 
 namespace Vantrel::Web {
 
 class HttpResponse {
  public:
-  // A copy of the body; the only member that decides anything.
-  std::string body() const { return body_; }
+  HttpResponse() = default;
+  explicit HttpResponse(std::string text) : body_(std::move(text)) {}
+
+  // The only part that decides anything.
+  const std::string& body() const { return body_; }
+  // Gives the body away, without a copy.
+  std::string takeBody() { return std::move(body_); }
 
   uint16_t status = 0;
   std::multimap<std::string, std::string> headers;
+
+ private:
   std::string body_;
 };
 
 // Splits a whole reply; null if it is cut off inside its head, if its status line has no reason, or
 // if a header line has no ": ". Linear in the length of `text`.
-std::unique_ptr<HttpResponse> parseHttpResponse(std::string_view text);
+std::unique_ptr<HttpResponse> parseHttpResponse(std::string text);
 
 }  // namespace Vantrel::Web

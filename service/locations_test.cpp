@@ -26,118 +26,118 @@ class LocationsTest : public testing::Test {
   // Puts an executable below a new installation directory and gives the directory's name as the
   // registry would, with its trailing separator.
   std::string install(const std::string& name) {
-    const std::string directory = files.appDataDirectory() + "/" + name + "/";
+    const std::string directory = files_.appDataDirectory() + "/" + name + "/";
     std::filesystem::create_directories(directory + "bin");
     std::ofstream(directory + "bin/orvanevantrel.exe") << "program";
     return directory;
   }
 
-  const TestSupport::ServiceFiles files;
-  TestSupport::FakePlatform platform;
-  TestSupport::LogRecorder log;
+  const TestSupport::ServiceFiles files_;
+  TestSupport::FakePlatform platform_;
+  TestSupport::LogRecorder log_;
 };
 
 TEST_F(LocationsTest, BaseDirectoryLiesBelowTheApplicationData) {
-  EXPECT_EQ(plugin_app_data_dir(), files.appDataDirectory());
-  EXPECT_EQ(plugin_base_dir(), files.appDataDirectory() + "\\Orvane\\Orvane Vantrel");
-  EXPECT_EQ(plugin_base_dir(), files.appDataDirectory() + "\\Orvane\\Orvane Vantrel");
+  EXPECT_EQ(plugin_app_data_dir(), files_.appDataDirectory());
+  EXPECT_EQ(plugin_base_dir(), files_.appDataDirectory() + "\\Orvane\\Orvane Vantrel");
+  EXPECT_EQ(plugin_base_dir(), files_.appDataDirectory() + "\\Orvane\\Orvane Vantrel");
   EXPECT_EQ(vantrelUrlFile(),
-            files.appDataDirectory() + "\\Orvane\\Orvane Vantrel/var/run/http.uri");
+            files_.appDataDirectory() + "\\Orvane\\Orvane Vantrel/var/run/http.uri");
 }
 
 TEST_F(LocationsTest, SystemInstallationWinsOverTheUsers) {
-  platform.systemInstallation = install("system");
-  platform.userInstallation = install("user");
-  EXPECT_EQ(vantrelExecutablePath(), *platform.systemInstallation + "bin/orvanevantrel.exe");
-  EXPECT_EQ(log.text(), "LOG Orvane Vantrel executable path: " + *platform.systemInstallation +
-                            "bin/orvanevantrel.exe\n");
+  platform_.systemInstallation = install("system");
+  platform_.userInstallation = install("user");
+  EXPECT_EQ(vantrelExecutablePath(), *platform_.systemInstallation + "bin/orvanevantrel.exe");
+  EXPECT_EQ(log_.text(), "LOG Orvane Vantrel executable path: " + *platform_.systemInstallation +
+                             "bin/orvanevantrel.exe\n");
 }
 
 TEST_F(LocationsTest, UserInstallationServesWithoutASystemOne) {
-  platform.userInstallation = install("user");
-  EXPECT_EQ(vantrelExecutablePath(), *platform.userInstallation + "bin/orvanevantrel.exe");
-  EXPECT_EQ(log.lines()[0], kNoSystemInstallation);
-  EXPECT_EQ(log.count(kNoUserInstallation), 0U);
+  platform_.userInstallation = install("user");
+  EXPECT_EQ(vantrelExecutablePath(), *platform_.userInstallation + "bin/orvanevantrel.exe");
+  EXPECT_EQ(log_.lines()[0], kNoSystemInstallation);
+  EXPECT_EQ(log_.count(kNoUserInstallation), 0U);
 }
 
 TEST_F(LocationsTest, UserInstallationServesWhenTheSystemOneHasNoExecutable) {
-  platform.systemInstallation = files.appDataDirectory() + "/nothing/";
-  platform.userInstallation = install("user");
-  EXPECT_EQ(vantrelExecutablePath(), *platform.userInstallation + "bin/orvanevantrel.exe");
+  platform_.systemInstallation = files_.appDataDirectory() + "/nothing/";
+  platform_.userInstallation = install("user");
+  EXPECT_EQ(vantrelExecutablePath(), *platform_.userInstallation + "bin/orvanevantrel.exe");
 }
 
 TEST_F(LocationsTest, InstallationWithoutTrailingSeparatorIsNotFound) {
   std::string directory = install("system");
   directory.pop_back();
-  platform.systemInstallation = directory;
+  platform_.systemInstallation = directory;
   EXPECT_EQ(vantrelExecutablePath(), "");
-  EXPECT_EQ(log.count(kNoExecutable), 1U);
+  EXPECT_EQ(log_.count(kNoExecutable), 1U);
 }
 
 TEST_F(LocationsTest, NoInstallationIsSearchedForAgainAtTheNextCall) {
   EXPECT_EQ(vantrelExecutablePath(), "");
-  EXPECT_EQ(log.lines(),
+  EXPECT_EQ(log_.lines(),
             (std::vector<std::string>{kNoSystemInstallation, kNoUserInstallation, kNoExecutable}));
-  platform.userInstallation = install("user");
+  platform_.userInstallation = install("user");
   EXPECT_NE(vantrelExecutablePath(), "");
 }
 
 TEST_F(LocationsTest, FoundExecutableIsNotSearchedForAgain) {
-  platform.userInstallation = install("user");
+  platform_.userInstallation = install("user");
   const std::string path = vantrelExecutablePath();
-  platform.userInstallation.reset();
-  log.clear();
+  platform_.userInstallation.reset();
+  log_.clear();
   EXPECT_EQ(vantrelExecutablePath(), path);
-  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(log_.text(), "");
 }
 
 TEST_F(LocationsTest, InstallationTooLongForThePathIsNotFound) {
-  platform.systemInstallation = std::string(515, 'd') + "/";
+  platform_.systemInstallation = std::string(515, 'd') + "/";
   EXPECT_EQ(vantrelExecutablePath(), "");
-  EXPECT_EQ(log.count(kNoExecutable), 1U);
+  EXPECT_EQ(log_.count(kNoExecutable), 1U);
 }
 
 TEST_F(LocationsTest, InstallationTooLongForItsBufferCountsAsNone) {
-  platform.systemInstallation = std::string(519, 'd');
-  platform.userInstallation = install("user");
-  EXPECT_EQ(vantrelExecutablePath(), *platform.userInstallation + "bin/orvanevantrel.exe");
-  EXPECT_EQ(log.count(kNoSystemInstallation), 1U);
+  platform_.systemInstallation = std::string(519, 'd');
+  platform_.userInstallation = install("user");
+  EXPECT_EQ(vantrelExecutablePath(), *platform_.userInstallation + "bin/orvanevantrel.exe");
+  EXPECT_EQ(log_.count(kNoSystemInstallation), 1U);
 }
 
 TEST_F(LocationsTest, ProcessIdIsTheNumberInItsFile) {
   EXPECT_EQ(vantrelProcessId(), 0);
-  files.writeProcessId("");
+  files_.writeProcessId("");
   EXPECT_EQ(vantrelProcessId(), 0);
-  files.writeProcessId("4711\r\n");
+  files_.writeProcessId("4711\r\n");
   EXPECT_EQ(vantrelProcessId(), 4711);
-  files.writeProcessId("12");
+  files_.writeProcessId("12");
   EXPECT_EQ(vantrelProcessId(), 12);
 }
 
 TEST_F(LocationsTest, KeyIsAllBehindTheFirstLine) {
-  files.writeUrl("http://127.0.0.1:1\nkey\n");
+  files_.writeUrl("http://127.0.0.1:1\nkey\n");
   EXPECT_EQ(vantrelUuid(), "key\n");
-  EXPECT_EQ(log.lines(),
-            (std::vector<std::string>{"DBG Reading Orvane Vantrel UUID from " + files.urlFile(),
+  EXPECT_EQ(log_.lines(),
+            (std::vector<std::string>{"DBG Reading Orvane Vantrel UUID from " + files_.urlFile(),
                                       "DBG Vantrel UUID: key\n"}));
-  files.writeUrl("http://127.0.0.1:1\nsecond\r\nthird\r\n");
+  files_.writeUrl("http://127.0.0.1:1\nsecond\r\nthird\r\n");
   EXPECT_EQ(vantrelUuid(), "second\r\nthird\r\n");
-  files.writeUrl("http://127.0.0.1:1\n");
+  files_.writeUrl("http://127.0.0.1:1\n");
   EXPECT_EQ(vantrelUuid(), "");
 }
 
 TEST_F(LocationsTest, FileOfOneUnendedLineIsTheKeyToo) {
-  files.writeUrl("http://127.0.0.1:1");
+  files_.writeUrl("http://127.0.0.1:1");
   EXPECT_EQ(vantrelUuid(), "http://127.0.0.1:1");
 }
 
 TEST_F(LocationsTest, MissingOrEmptyKeyFileIsAnEmptyKey) {
-  const std::string failure = "DBG Failed to read Orvane UUID from " + files.urlFile();
+  const std::string failure = "DBG Failed to read Orvane UUID from " + files_.urlFile();
   EXPECT_EQ(vantrelUuid(), "");
-  EXPECT_EQ(log.count(failure), 1U);
-  files.writeUrl("");
+  EXPECT_EQ(log_.count(failure), 1U);
+  files_.writeUrl("");
   EXPECT_EQ(vantrelUuid(), "");
-  EXPECT_EQ(log.count(failure), 2U);
+  EXPECT_EQ(log_.count(failure), 2U);
 }
 
 // Where the application data cannot be found.
@@ -145,11 +145,11 @@ class NoLocationTest : public testing::Test {
  protected:
   NoLocationTest() {
     resetServiceCaches();
-    platform.appDataResult = -2147024893;
+    platform_.appDataResult = -2147024893;
   }
 
-  TestSupport::FakePlatform platform;
-  TestSupport::LogRecorder log;
+  TestSupport::FakePlatform platform_;
+  TestSupport::LogRecorder log_;
 };
 
 constexpr char kFailure[] = "Failed to determine application data directory (-2147024893)";
@@ -163,17 +163,17 @@ TEST_F(NoLocationTest, DirectoriesThrowWithTheReportedText) {
   }
   EXPECT_THROW(plugin_base_dir(), SystemException);
   EXPECT_THROW(vantrelProcessId(), SystemException);
-  EXPECT_EQ(log.lines("ERR"), (std::vector<std::string>{kFailure, kFailure, kFailure}));
+  EXPECT_EQ(log_.lines("ERR"), (std::vector<std::string>{kFailure, kFailure, kFailure}));
 }
 
 TEST_F(NoLocationTest, FirstSuccessIsLoggedAndKept) {
   EXPECT_THROW(plugin_app_data_dir(), SystemException);
-  log.clear();
-  platform.appDataResult = 0;
-  platform.appDataDirectory = "C:\\Users\\%s";
+  log_.clear();
+  platform_.appDataResult = 0;
+  platform_.appDataDirectory = "C:\\Users\\%s";
   EXPECT_EQ(plugin_app_data_dir(), "C:\\Users\\%s");
-  EXPECT_EQ(log.text(), "LOG Application data directory: C:\\Users\\%s\n");
-  platform.appDataResult = -1;
+  EXPECT_EQ(log_.text(), "LOG Application data directory: C:\\Users\\%s\n");
+  platform_.appDataResult = -1;
   EXPECT_EQ(plugin_base_dir(), "C:\\Users\\%s\\Orvane\\Orvane Vantrel");
   resetServiceCaches();
 }
@@ -181,14 +181,14 @@ TEST_F(NoLocationTest, FirstSuccessIsLoggedAndKept) {
 TEST_F(NoLocationTest, KeyIsEmptyAndTheReasonReported) {
   EXPECT_EQ(vantrelUuid(), "");
   EXPECT_EQ(
-      log.lines("ERR"),
+      log_.lines("ERR"),
       (std::vector<std::string>{kFailure, std::string("Failed to get Vantrel UUID: ") + kFailure}));
 }
 
 TEST_F(NoLocationTest, AddressIsUnknownAndTheReasonReported) {
   EXPECT_EQ(vantrelUrl().url, "");
   EXPECT_EQ(
-      log.lines("ERR"),
+      log_.lines("ERR"),
       (std::vector<std::string>{kFailure, std::string("Failed to get Vantrel URL: ") + kFailure}));
 }
 

@@ -20,7 +20,7 @@ bool pingVantrel() {
     clearVantrelUrl();
     const Url reread = vantrelUrl();
     // On another port the client has restarted; on the same one nobody answers.
-    if (reread.url.empty() || reread.port_ == url.port_) return false;
+    if (reread.url.empty() || reread.port(0) == url.port(0)) return false;
   }
 }
 

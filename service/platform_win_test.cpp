@@ -69,14 +69,14 @@ TEST(AllowForegroundWinTest, HandsTheProcessOnAndTellsTheCode) {
 // Starts copies of a small program that writes its command text beside itself and exits with 7.
 class StartedProcessWinTest : public testing::Test {
  protected:
-  StartedProcessWinTest() { std::filesystem::create_directories(directory); }
+  StartedProcessWinTest() { std::filesystem::create_directories(directory_); }
   ~StartedProcessWinTest() override {
     std::error_code ignored;
     std::filesystem::remove_all(root, ignored);
   }
 
   std::string install() {
-    const std::string path = directory + "/start probe.exe";
+    const std::string path = directory_ + "/start probe.exe";
     std::filesystem::copy_file(std::filesystem::path(START_PROBE_NAME), path);
     return path;
   }
@@ -92,7 +92,7 @@ class StartedProcessWinTest : public testing::Test {
   }
 
   const std::string root = TestSupport::makeTemporaryDirectory();
-  const std::string directory = root + "/with blanks";
+  const std::string directory_ = root + "/with blanks";
 };
 
 TEST_F(StartedProcessWinTest, CommandTextIsThePathAloneAndUnquoted) {
@@ -144,11 +144,11 @@ TEST_F(StartedProcessWinTest, RecordIsClosedWhileTheProcessRunsOn) {
 
 TEST_F(StartedProcessWinTest, MissingFileIsTheCodeTwo) {
   StartedProcess process;
-  EXPECT_EQ(process.start(directory + "/missing.exe"), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(process.start(directory_ + "/missing.exe"), ERROR_FILE_NOT_FOUND);
 }
 
 TEST_F(StartedProcessWinTest, FileThatIsNoProgramIsABadFormat) {
-  const std::string path = directory + "/text.exe";
+  const std::string path = directory_ + "/text.exe";
   std::ofstream(path) << "no program";
   StartedProcess process;
   EXPECT_EQ(process.start(path), ERROR_BAD_EXE_FORMAT);

@@ -20,7 +20,7 @@ ov_rc lastError() {
 }
 
 void closeHandle(void*& handle) {
-  if (handle) CloseHandle(handle);
+  if (handle != nullptr) CloseHandle(handle);
   handle = nullptr;
 }
 

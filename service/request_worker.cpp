@@ -17,13 +17,13 @@ RequestWorker::RequestWorker() {
 
 RequestWorker::~RequestWorker() {
   OV_DEBUG("~RequestWorker() [%p] - size=%i", static_cast<void*>(this),
-           static_cast<int>(queue.size()));
+           static_cast<int>(queue_.size()));
 }
 
 void RequestWorker::addRequest(std::unique_ptr<HttpRequest> request) {
-  const std::lock_guard lock(mutex);
-  queue.push_back(std::move(request));
-  condition.signal();
+  const std::lock_guard lock(mutex_);
+  queue_.push_back(std::move(request));
+  condition_.signal();
 }
 
 void RequestWorker::run() {
@@ -42,11 +42,11 @@ void RequestWorker::run() {
 
 // The next request, waited for; null when a stop was asked for.
 std::unique_ptr<HttpRequest> RequestWorker::waitForRequest() {
-  const std::lock_guard lock(mutex);
-  while (!stopRequested && queue.empty()) condition.wait();
-  if (stopRequested) return nullptr;
-  std::unique_ptr<HttpRequest> request = std::move(queue.front());
-  queue.pop_front();
+  const std::lock_guard lock(mutex_);
+  while (!stopRequested_ && queue_.empty()) condition_.wait();
+  if (stopRequested_) return nullptr;
+  std::unique_ptr<HttpRequest> request = std::move(queue_.front());
+  queue_.pop_front();
   return request;
 }
 
@@ -63,8 +63,8 @@ void RequestWorker::processOneRequest(std::unique_ptr<HttpRequest> request) {
   const std::unique_ptr<HttpResponse> response = request->invoke();
   if (request->callback) {
     // Under the lock, so that stop() cannot pass a delivery.
-    const std::lock_guard lock(mutex);
-    if (!stopRequested) request->callback->handleCallback(response.get());
+    const std::lock_guard lock(mutex_);
+    if (!stopRequested_) request->callback->handleCallback(response.get());
   }
   request.reset();
   if (!response) ov_err("%s", kErrorContacting);
@@ -74,9 +74,9 @@ void RequestWorker::stop() {
   const bool finished = done_;
   OV_DEBUG("RequestWorker::stop() - done?=%i", int{finished});
   if (finished) return;
-  const std::lock_guard lock(mutex);
-  stopRequested = true;
-  condition.signal();
+  const std::lock_guard lock(mutex_);
+  stopRequested_ = true;
+  condition_.signal();
 }
 
 }  // namespace Vantrel::Web

@@ -32,10 +32,10 @@ class RequestWorker : public Worker {
   void processOneRequest(std::unique_ptr<HttpRequest> request);
 
   std::atomic<bool> done_{false};
-  Mutex mutex;  // guards queue, stopRequested and the delivery of replies
-  Condition condition{mutex};
-  std::deque<std::unique_ptr<HttpRequest>> queue;
-  bool stopRequested = false;
+  Mutex mutex_;  // guards queue, stopRequested and the delivery of replies
+  Condition condition_{mutex_};
+  std::deque<std::unique_ptr<HttpRequest>> queue_;
+  bool stopRequested_ = false;
 };
 
 }  // namespace Vantrel::Web

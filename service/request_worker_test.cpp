@@ -27,63 +27,63 @@ using TestSupport::ScriptedServer;
 class Answers {
  public:
   void add(const std::string& answer) {
-    const std::lock_guard lock(mutex);
-    heard.push_back(answer);
-    changed.notify_all();
+    const std::lock_guard lock(mutex_);
+    heard_.push_back(answer);
+    changed_.notify_all();
   }
   void countDestroyed() {
-    const std::lock_guard lock(mutex);
-    ++destroyedCount;
-    changed.notify_all();
+    const std::lock_guard lock(mutex_);
+    ++destroyedCount_;
+    changed_.notify_all();
   }
   std::vector<std::string> all() const {
-    const std::lock_guard lock(mutex);
-    return heard;
+    const std::lock_guard lock(mutex_);
+    return heard_;
   }
   int destroyed() const {
-    const std::lock_guard lock(mutex);
-    return destroyedCount;
+    const std::lock_guard lock(mutex_);
+    return destroyedCount_;
   }
   bool waitForDestroyed(int count) const {
-    std::unique_lock lock(mutex);
-    return changed.wait_for(lock, std::chrono::seconds(30),
-                            [&] { return destroyedCount >= count; });
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, std::chrono::seconds(30),
+                             [&] { return destroyedCount_ >= count; });
   }
 
  private:
-  mutable std::mutex mutex;
-  mutable std::condition_variable changed;
-  std::vector<std::string> heard;
-  int destroyedCount = 0;
+  mutable std::mutex mutex_;
+  mutable std::condition_variable changed_;
+  std::vector<std::string> heard_;
+  int destroyedCount_ = 0;
 };
 
 class RecordingCallback : public Callback {
  public:
   RecordingCallback(Answers& target, std::string callbackName, bool throwing = false)
-      : answers(target), name(std::move(callbackName)), throws(throwing) {}
-  ~RecordingCallback() override { answers.countDestroyed(); }
+      : answers_(target), name_(std::move(callbackName)), throws_(throwing) {}
+  ~RecordingCallback() override { answers_.countDestroyed(); }
 
   void handleCallback(void* argument) override {
     const auto* response = static_cast<const HttpResponse*>(argument);
-    answers.add(name + ":" + (response ? response->body() : "null"));
-    if (throws) throw std::runtime_error("callback %s failed");
+    answers_.add(name_ + ":" + (response != nullptr ? response->body() : "null"));
+    if (throws_) throw std::runtime_error("callback %s failed");
   }
   void returnMessage(const std::string&) override {}
 
  private:
-  Answers& answers;
-  const std::string name;
-  const bool throws;
+  Answers& answers_;
+  const std::string name_;
+  const bool throws_;
 };
 
 class RequestWorkerTest : public testing::Test {
  protected:
-  RequestWorkerTest() { files.writeUrl(server.url() + "\nkey"); }
+  RequestWorkerTest() { files_.writeUrl(server_.url() + "\nkey"); }
 
   void add(const std::string& path, bool throwing = false) {
     auto request = newVantrelRequest("POST", path, "{}", kFormatJson);
     ASSERT_TRUE(request);
-    request->callback = std::make_unique<RecordingCallback>(answers, path, throwing);
+    request->callback = std::make_unique<RecordingCallback>(answers_, path, throwing);
     worker->addRequest(std::move(request));
   }
 
@@ -93,146 +93,146 @@ class RequestWorkerTest : public testing::Test {
     worker.reset();
   }
 
-  const TestSupport::ServiceFiles files;
-  TestSupport::FakePlatform platform;
-  TestSupport::LogRecorder log;
-  ScriptedServer server;
-  Answers answers;
+  const TestSupport::ServiceFiles files_;
+  TestSupport::FakePlatform platform_;
+  TestSupport::LogRecorder log_;
+  ScriptedServer server_;
+  Answers answers_;
   std::unique_ptr<RequestWorker> worker = std::make_unique<RequestWorker>();
 };
 
 TEST_F(RequestWorkerTest, AnswersInOrderOfArrival) {
-  for (const char* path : {"/1", "/2", "/3"}) server.always(path, Script::reply(path));
+  for (const char* path : {"/1", "/2", "/3"}) server_.always(path, Script::reply(path));
   add("/1");
   add("/2");
   worker->start();
   add("/3");
-  ASSERT_TRUE(answers.waitForDestroyed(3));
+  ASSERT_TRUE(answers_.waitForDestroyed(3));
   finish();
-  EXPECT_EQ(answers.all(), (std::vector<std::string>{"/1:/1", "/2:/2", "/3:/3"}));
-  EXPECT_EQ(server.requests("/v5/vantrel/info/ping").size(), 3U);
-  EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
+  EXPECT_EQ(answers_.all(), (std::vector<std::string>{"/1:/1", "/2:/2", "/3:/3"}));
+  EXPECT_EQ(server_.requests("/v5/vantrel/info/ping").size(), 3U);
+  EXPECT_TRUE(log_.lines("ERR").empty()) << log_.text();
 }
 
 TEST_F(RequestWorkerTest, ErrorStatusReachesTheCallbackAsAReply) {
-  server.always("/1", Script().send(TestSupport::httpReply("{\"e\":1}", "500 Error")));
+  server_.always("/1", Script().send(TestSupport::httpReply("{\"e\":1}", "500 Error")));
   worker->start();
   add("/1");
-  ASSERT_TRUE(answers.waitForDestroyed(1));
+  ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
-  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:{\"e\":1}"});
+  EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:{\"e\":1}"});
 }
 
 TEST_F(RequestWorkerTest, NoReplyIsNullAndReported) {
-  server.always("/1", Script());
+  server_.always("/1", Script());
   worker->start();
   add("/1");
   add("/2");
-  ASSERT_TRUE(answers.waitForDestroyed(2));
+  ASSERT_TRUE(answers_.waitForDestroyed(2));
   finish();
-  EXPECT_EQ(answers.all(), (std::vector<std::string>{"/1:null", "/2:{}"}));
-  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{kErrorContacting});
+  EXPECT_EQ(answers_.all(), (std::vector<std::string>{"/1:null", "/2:{}"}));
+  EXPECT_EQ(log_.lines("ERR"), std::vector<std::string>{kErrorContacting});
 }
 
 TEST_F(RequestWorkerTest, GarbageReplyIsNull) {
-  server.always("/1", Script().send("garbage"));
+  server_.always("/1", Script().send("garbage"));
   worker->start();
   add("/1");
-  ASSERT_TRUE(answers.waitForDestroyed(1));
+  ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
-  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:null"});
+  EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:null"});
 }
 
 TEST_F(RequestWorkerTest, ClientThatCannotBeStartedIsNullAndReported) {
   add("/1");
-  files.removeUrl();
-  resetServiceCaches(files.appDataDirectory());
+  files_.removeUrl();
+  resetServiceCaches(files_.appDataDirectory());
   worker->start();
-  ASSERT_TRUE(answers.waitForDestroyed(1));
+  ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
-  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:null"});
-  EXPECT_EQ(log.count("DBG RequestWorker::processOneRequest - Vantrel couldn't be launched, error"),
-            1U);
-  EXPECT_EQ(log.count(std::string("ERR ") + kErrorContacting), 1U);
+  EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:null"});
+  EXPECT_EQ(
+      log_.count("DBG RequestWorker::processOneRequest - Vantrel couldn't be launched, error"), 1U);
+  EXPECT_EQ(log_.count(std::string("ERR ") + kErrorContacting), 1U);
 }
 
 TEST_F(RequestWorkerTest, ClientThatMovedIsReachedAtItsNewPort) {
   add("/1");
   ScriptedServer moved;
   moved.otherwise(Script::reply("moved"));
-  server.otherwise(Script());
-  files.writeUrl(moved.url() + "\nkey");
+  server_.otherwise(Script());
+  files_.writeUrl(moved.url() + "\nkey");
   worker->start();
-  ASSERT_TRUE(answers.waitForDestroyed(1));
+  ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
-  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:moved"});
+  EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:moved"});
 }
 
 TEST_F(RequestWorkerTest, ClientIsStartedForAQueuedRequest) {
   add("/1");
-  files.removeUrl();
-  resetServiceCaches(files.appDataDirectory(), "orvanevantrel.exe");
-  platform.onStart = [this](const std::string&) {
-    files.writeUrl(server.url() + "\nkey");
+  files_.removeUrl();
+  resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
+  platform_.onStart = [this](const std::string&) {
+    files_.writeUrl(server_.url() + "\nkey");
     return 0;
   };
   worker->start();
-  ASSERT_TRUE(answers.waitForDestroyed(1));
+  ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
-  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:{}"});
-  EXPECT_EQ(platform.starts().size(), 1U);
+  EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:{}"});
+  EXPECT_EQ(platform_.starts().size(), 1U);
 }
 
 TEST_F(RequestWorkerTest, RequestWithoutACallbackIsPerformed) {
   worker->start();
   worker->addRequest(newVantrelRequest("GET", "/quiet", "", kFormatJson));
   add("/2");
-  ASSERT_TRUE(answers.waitForDestroyed(1));
+  ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
-  EXPECT_EQ(server.requests("/quiet").size(), 1U);
+  EXPECT_EQ(server_.requests("/quiet").size(), 1U);
 }
 
 TEST_F(RequestWorkerTest, CallbackThatThrowsCostsOnlyItsOwnAnswer) {
   worker->start();
   add("/1", true);
   add("/2");
-  ASSERT_TRUE(answers.waitForDestroyed(2));
+  ASSERT_TRUE(answers_.waitForDestroyed(2));
   finish();
-  EXPECT_EQ(answers.all(), (std::vector<std::string>{"/1:{}", "/2:{}"}));
-  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{"callback %s failed"});
+  EXPECT_EQ(answers_.all(), (std::vector<std::string>{"/1:{}", "/2:{}"}));
+  EXPECT_EQ(log_.lines("ERR"), std::vector<std::string>{"callback %s failed"});
 }
 
 TEST_F(RequestWorkerTest, StopDuringAnExchangeDropsItsReplyAndTheRest) {
-  server.always("/1", Script().hold().send(TestSupport::httpReply("late")));
+  server_.always("/1", Script().hold().send(TestSupport::httpReply("late")));
   worker->start();
   add("/1");
   add("/2");
   add("/3");
-  ASSERT_TRUE(server.waitForRequests("/1", 1));
+  ASSERT_TRUE(server_.waitForRequests("/1", 1));
   worker->stop();
-  server.release();
+  server_.release();
   worker->join();
-  EXPECT_EQ(answers.destroyed(), 1);
+  EXPECT_EQ(answers_.destroyed(), 1);
   worker.reset();
-  EXPECT_TRUE(answers.all().empty());
-  EXPECT_EQ(answers.destroyed(), 3);
-  EXPECT_TRUE(server.requests("/2").empty());
-  EXPECT_EQ(log.countContaining("~RequestWorker() ["), 1U);
-  EXPECT_EQ(log.countContaining("] - size=2"), 1U);
+  EXPECT_TRUE(answers_.all().empty());
+  EXPECT_EQ(answers_.destroyed(), 3);
+  EXPECT_TRUE(server_.requests("/2").empty());
+  EXPECT_EQ(log_.countContaining("~RequestWorker() ["), 1U);
+  EXPECT_EQ(log_.countContaining("] - size=2"), 1U);
 }
 
 TEST_F(RequestWorkerTest, StopDuringALaunchStillTellsTheFailure) {
   add("/1");
-  files.removeUrl();
-  resetServiceCaches(files.appDataDirectory(), "orvanevantrel.exe");
-  platform.onStart = [this](const std::string&) {
+  files_.removeUrl();
+  resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
+  platform_.onStart = [this](const std::string&) {
     worker->stop();
     return 2;
   };
   worker->start();
-  ASSERT_TRUE(answers.waitForDestroyed(1));
+  ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
-  EXPECT_EQ(answers.all(), std::vector<std::string>{"/1:null"});
+  EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:null"});
 }
 
 TEST_F(RequestWorkerTest, StopBeforeTheStartServesNothing) {
@@ -242,15 +242,15 @@ TEST_F(RequestWorkerTest, StopBeforeTheStartServesNothing) {
   worker->join();
   EXPECT_TRUE(worker->done());
   worker.reset();
-  EXPECT_TRUE(answers.all().empty());
-  EXPECT_EQ(answers.destroyed(), 1);
+  EXPECT_TRUE(answers_.all().empty());
+  EXPECT_EQ(answers_.destroyed(), 1);
 }
 
 TEST_F(RequestWorkerTest, NeverStartedWorkerDestroysItsQueueUnheard) {
   add("/1");
   finish();
-  EXPECT_TRUE(answers.all().empty());
-  EXPECT_EQ(answers.destroyed(), 1);
+  EXPECT_TRUE(answers_.all().empty());
+  EXPECT_EQ(answers_.destroyed(), 1);
 }
 
 TEST_F(RequestWorkerTest, LogTellsEachStepOfItsLife) {
@@ -261,12 +261,12 @@ TEST_F(RequestWorkerTest, LogTellsEachStepOfItsLife) {
   EXPECT_FALSE(worker->hasThread());
   worker->stop();
   worker.reset();
-  EXPECT_EQ(log.countContaining("DBG RequestWorker() ["), 1U);
-  EXPECT_EQ(log.count("DBG RequestWorker::run()"), 1U);
-  EXPECT_EQ(log.count("DBG RequestWorker::run() - done"), 1U);
-  EXPECT_EQ(log.countContaining("DBG RequestWorker::stop() - done?="), 2U);
-  EXPECT_EQ(log.count("DBG RequestWorker::stop() - done?=1"), 1U);
-  EXPECT_EQ(log.countContaining("] - size=0"), 1U);
+  EXPECT_EQ(log_.countContaining("DBG RequestWorker() ["), 1U);
+  EXPECT_EQ(log_.count("DBG RequestWorker::run()"), 1U);
+  EXPECT_EQ(log_.count("DBG RequestWorker::run() - done"), 1U);
+  EXPECT_EQ(log_.countContaining("DBG RequestWorker::stop() - done?="), 2U);
+  EXPECT_EQ(log_.count("DBG RequestWorker::stop() - done?=1"), 1U);
+  EXPECT_EQ(log_.countContaining("] - size=0"), 1U);
 }
 
 TEST_F(RequestWorkerTest, RequestsFromManyThreadsAreAllAnswered) {
@@ -278,9 +278,9 @@ TEST_F(RequestWorkerTest, RequestsFromManyThreadsAreAllAnswered) {
     });
   }
   for (std::thread& thread : threads) thread.join();
-  ASSERT_TRUE(answers.waitForDestroyed(40));
+  ASSERT_TRUE(answers_.waitForDestroyed(40));
   finish();
-  EXPECT_EQ(answers.all(), std::vector<std::string>(40, "/many:{}"));
+  EXPECT_EQ(answers_.all(), std::vector<std::string>(40, "/many:{}"));
 }
 
 TEST_F(RequestWorkerTest, ManyShortLivesEndCleanly) {

@@ -23,12 +23,12 @@ constexpr char kPingPath[] = "/v5/vantrel/info/ping";
 
 class ServiceUrlTest : public testing::Test {
  protected:
-  const TestSupport::ServiceFiles files;
-  TestSupport::LogRecorder log;
+  const TestSupport::ServiceFiles files_;
+  TestSupport::LogRecorder log_;
 };
 
 TEST_F(ServiceUrlTest, ReadsTheFirstLineOfTheFile) {
-  files.writeUrl("http://127.0.0.1:33001\nkey\n");
+  files_.writeUrl("http://127.0.0.1:33001\nkey\n");
   const Url url = vantrelUrl();
   EXPECT_EQ(url.url, "http://127.0.0.1:33001\nkey\n");
   EXPECT_EQ(url.host, "127.0.0.1");
@@ -36,54 +36,54 @@ TEST_F(ServiceUrlTest, ReadsTheFirstLineOfTheFile) {
 }
 
 TEST_F(ServiceUrlTest, EveryReadOfTheAddressLogsTheKeyToo) {
-  files.writeUrl("http://127.0.0.1:1\nkey");
+  files_.writeUrl("http://127.0.0.1:1\nkey");
   vantrelUrl();
-  EXPECT_EQ(log.lines(),
-            (std::vector<std::string>{"DBG Reading Orvane Vantrel URL from " + files.urlFile(),
+  EXPECT_EQ(log_.lines(),
+            (std::vector<std::string>{"DBG Reading Orvane Vantrel URL from " + files_.urlFile(),
                                       "DBG Read Orvane Vantrel URL: http://127.0.0.1:1\nkey",
-                                      "DBG Reading Orvane Vantrel UUID from " + files.urlFile(),
+                                      "DBG Reading Orvane Vantrel UUID from " + files_.urlFile(),
                                       "DBG Vantrel UUID: key"}));
 }
 
 TEST_F(ServiceUrlTest, CachedAddressIsNotReadAgain) {
-  files.writeUrl("http://127.0.0.1:1\nkey");
+  files_.writeUrl("http://127.0.0.1:1\nkey");
   vantrelUrl();
-  log.clear();
-  files.writeUrl("http://127.0.0.1:2\nkey");
+  log_.clear();
+  files_.writeUrl("http://127.0.0.1:2\nkey");
   EXPECT_EQ(vantrelUrl().port(0), 1);
-  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(log_.text(), "");
 }
 
 TEST_F(ServiceUrlTest, ClearedAddressIsReadAgain) {
-  files.writeUrl("http://127.0.0.1:1\nkey");
+  files_.writeUrl("http://127.0.0.1:1\nkey");
   vantrelUrl();
-  files.writeUrl("http://127.0.0.1:2\nkey");
+  files_.writeUrl("http://127.0.0.1:2\nkey");
   clearVantrelUrl();
   EXPECT_EQ(vantrelUrl().port(0), 2);
 }
 
 TEST_F(ServiceUrlTest, MissingOrEmptyFileIsUnknownAndTriedAgain) {
-  const std::string failure = "DBG Failed to read Orvane Vantrel URL from " + files.urlFile();
+  const std::string failure = "DBG Failed to read Orvane Vantrel URL from " + files_.urlFile();
   EXPECT_EQ(vantrelUrl().url, "");
-  EXPECT_EQ(log.count(failure), 1U);
-  files.writeUrl("");
+  EXPECT_EQ(log_.count(failure), 1U);
+  files_.writeUrl("");
   EXPECT_EQ(vantrelUrl().url, "");
-  EXPECT_EQ(log.count(failure), 2U);
-  files.writeUrl("http://127.0.0.1:1");
+  EXPECT_EQ(log_.count(failure), 2U);
+  files_.writeUrl("http://127.0.0.1:1");
   EXPECT_EQ(vantrelUrl().port(0), 1);
 }
 
 TEST_F(ServiceUrlTest, TextThatIsNoUrlIsReportedUnknownAndTriedAgain) {
-  files.writeUrl("127.0.0.1:1\nkey");
+  files_.writeUrl("127.0.0.1:1\nkey");
   EXPECT_EQ(vantrelUrl().url, "");
-  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{"Invalid URL: 127.0.0.1:1\nkey"});
-  EXPECT_EQ(log.count("DBG Read Orvane Vantrel URL: "), 1U);
-  files.writeUrl("http://127.0.0.1:1\nkey");
+  EXPECT_EQ(log_.lines("ERR"), std::vector<std::string>{"Invalid URL: 127.0.0.1:1\nkey"});
+  EXPECT_EQ(log_.count("DBG Read Orvane Vantrel URL: "), 1U);
+  files_.writeUrl("http://127.0.0.1:1\nkey");
   EXPECT_EQ(vantrelUrl().port(0), 1);
 }
 
 TEST_F(ServiceUrlTest, ThreadsMayReadAndClearAtTheSameTime) {
-  files.writeUrl("http://127.0.0.1:1\nkey");
+  files_.writeUrl("http://127.0.0.1:1\nkey");
   std::atomic<int> wrong{0};
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
@@ -101,47 +101,47 @@ TEST_F(ServiceUrlTest, ThreadsMayReadAndClearAtTheSameTime) {
 class PingTest : public ServiceUrlTest {
  protected:
   void pointTo(uint16_t port) {
-    files.writeUrl("http://127.0.0.1:" + std::to_string(port) + "\nkey");
+    files_.writeUrl("http://127.0.0.1:" + std::to_string(port) + "\nkey");
   }
 
-  ScriptedServer server;
+  ScriptedServer server_;
 };
 
 TEST_F(PingTest, NoAddressIsNoClientAndNoConnection) {
   EXPECT_FALSE(pingVantrel());
-  EXPECT_EQ(server.connections(), 0U);
+  EXPECT_EQ(server_.connections(), 0U);
 }
 
 TEST_F(PingTest, AnswerCounts) {
-  pointTo(server.port());
+  pointTo(server_.port());
   EXPECT_TRUE(pingVantrel());
-  EXPECT_EQ(server.requests(), std::vector<std::string>{"GET /v5/vantrel/info/ping HTTP/1.1\r\n"
-                                                        "Connection: close\r\n"
-                                                        "Content-Length: 0\r\n"
-                                                        "User-Agent: Orvane Vantrel\r\n"
-                                                        "\r\n"});
+  EXPECT_EQ(server_.requests(), std::vector<std::string>{"GET /v5/vantrel/info/ping HTTP/1.1\r\n"
+                                                         "Connection: close\r\n"
+                                                         "Content-Length: 0\r\n"
+                                                         "User-Agent: Orvane Vantrel\r\n"
+                                                         "\r\n"});
 }
 
 TEST_F(PingTest, ErrorStatusCountsToo) {
-  pointTo(server.port());
-  server.otherwise(Script().send(TestSupport::httpReply("", "500 Internal Server Error")));
+  pointTo(server_.port());
+  server_.otherwise(Script().send(TestSupport::httpReply("", "500 Internal Server Error")));
   EXPECT_TRUE(pingVantrel());
 }
 
 TEST_F(PingTest, GarbageDoesNotCount) {
-  pointTo(server.port());
-  server.otherwise(Script().send("garbage"));
+  pointTo(server_.port());
+  server_.otherwise(Script().send("garbage"));
   EXPECT_FALSE(pingVantrel());
-  EXPECT_EQ(server.connections(), 1U);
+  EXPECT_EQ(server_.connections(), 1U);
 }
 
 TEST_F(PingTest, ClientThatRestartedOnAnotherPortIsFoundInTheSameCall) {
   pointTo(TestSupport::unusedPort());
   vantrelUrl();
-  pointTo(server.port());
+  pointTo(server_.port());
   EXPECT_TRUE(pingVantrel());
-  EXPECT_EQ(server.requests(kPingPath).size(), 1U);
-  EXPECT_EQ(vantrelUrl().port(0), server.port());
+  EXPECT_EQ(server_.requests(kPingPath).size(), 1U);
+  EXPECT_EQ(vantrelUrl().port(0), server_.port());
 }
 
 TEST_F(PingTest, ClientThatMovedTwiceIsFollowed) {
@@ -150,36 +150,37 @@ TEST_F(PingTest, ClientThatMovedTwiceIsFollowed) {
   vantrelUrl();
   // The second server answers nothing useful, and by then the client has moved on.
   second.otherwise(Script());
-  pointTo(server.port());
+  pointTo(server_.port());
   EXPECT_TRUE(pingVantrel());
   EXPECT_EQ(second.connections(), 1U);
 }
 
 TEST_F(PingTest, SilentPortIsReadAgainOnceAndStaysCached) {
-  server.otherwise(Script());
-  pointTo(server.port());
+  server_.otherwise(Script());
+  pointTo(server_.port());
   vantrelUrl();
-  log.clear();
+  log_.clear();
   EXPECT_FALSE(pingVantrel());
-  EXPECT_EQ(server.connections(), 1U);
-  EXPECT_EQ(log.countContaining("Reading Orvane Vantrel URL from"), 1U);
-  files.writeUrl("http://127.0.0.1:9\nkey");
-  EXPECT_EQ(vantrelUrl().port(0), server.port());
+  EXPECT_EQ(server_.connections(), 1U);
+  EXPECT_EQ(log_.countContaining("Reading Orvane Vantrel URL from"), 1U);
+  files_.writeUrl("http://127.0.0.1:9\nkey");
+  EXPECT_EQ(vantrelUrl().port(0), server_.port());
 }
 
 TEST_F(PingTest, AddressThatIsGoneAfterAFailureIsNoClient) {
   pointTo(TestSupport::unusedPort());
   vantrelUrl();
-  files.removeUrl();
+  files_.removeUrl();
   EXPECT_FALSE(pingVantrel());
   EXPECT_EQ(vantrelUrl().url, "");
 }
 
 TEST_F(PingTest, AddressWithoutAPortIsNoClient) {
   // With no port the whole file text is the host, and its line feed makes it unresolvable.
-  files.writeUrl("http://127.0.0.1\nkey");
+  files_.writeUrl("http://127.0.0.1\nkey");
   EXPECT_FALSE(pingVantrel());
-  EXPECT_EQ(log.count("ERR TcpSocket::connect() Couldn't resolve address for: 127.0.0.1\nkey"), 3U);
+  EXPECT_EQ(log_.count("ERR TcpSocket::connect() Couldn't resolve address for: 127.0.0.1\nkey"),
+            3U);
 }
 
 }  // namespace

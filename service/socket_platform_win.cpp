@@ -75,10 +75,11 @@ Resolution resolveIpv4(const std::string& host, std::string* dotted) {
   addrinfo* list = nullptr;
   if (getaddrinfo(host.c_str(), nullptr, nullptr, &list) != 0) return Resolution::kFailed;
   const addrinfo* entry = list;
-  while (entry && entry->ai_family != AF_INET) entry = entry->ai_next;
-  if (entry) *dotted = inet_ntoa(reinterpret_cast<const sockaddr_in*>(entry->ai_addr)->sin_addr);
+  while (entry != nullptr && entry->ai_family != AF_INET) entry = entry->ai_next;
+  if (entry != nullptr)
+    *dotted = inet_ntoa(reinterpret_cast<const sockaddr_in*>(entry->ai_addr)->sin_addr);
   freeaddrinfo(list);
-  return entry ? Resolution::kFound : Resolution::kNoIpv4;
+  return entry != nullptr ? Resolution::kFound : Resolution::kNoIpv4;
 }
 
 uint32_t parseIpv4(const std::string& dotted) {

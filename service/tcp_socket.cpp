@@ -24,37 +24,37 @@ Socket::~Socket() {
 }
 
 void Socket::close() {
-  if (handle == SocketPlatform::kClosedSocket) return;
-  uint64_t closing = handle;
+  if (handle_ == SocketPlatform::kClosedSocket) return;
+  uint64_t closing = handle_;
   if (const int32_t code = SocketPlatform::closeSocket(&closing)) {
-    ov_err("Error closing socket %p (%i)", handleText(handle), code);
+    ov_err("Error closing socket %p (%i)", handleText(handle_), code);
   }
-  handle = SocketPlatform::kClosedSocket;
+  handle_ = SocketPlatform::kClosedSocket;
 }
 
 int32_t Socket::recv(char* buffer, int32_t size) {
-  if (handle == SocketPlatform::kClosedSocket) return -1;
+  if (handle_ == SocketPlatform::kClosedSocket) return -1;
   int32_t code = 0;
-  const int32_t count = SocketPlatform::receive(handle, buffer, size, &code);
+  const int32_t count = SocketPlatform::receive(handle_, buffer, size, &code);
   if (count >= 0) return count;
-  ov_err("Socket::recv() [%p] - recv failed (%i)", handleText(handle), code);
+  ov_err("Socket::recv() [%p] - recv failed (%i)", handleText(handle_), code);
   return -1;
 }
 
 int32_t Socket::send(const char* buffer, int32_t size) {
-  if (handle == SocketPlatform::kClosedSocket) return -1;
+  if (handle_ == SocketPlatform::kClosedSocket) return -1;
   int32_t code = 0;
-  const int32_t count = SocketPlatform::transmit(handle, buffer, size, &code);
+  const int32_t count = SocketPlatform::transmit(handle_, buffer, size, &code);
   if (count >= 0) return count;
-  ov_err("Socket::send() [%p] - send failed (%i)", handleText(handle), code);
+  ov_err("Socket::send() [%p] - send failed (%i)", handleText(handle_), code);
   return -1;
 }
 
 TcpSocket::~TcpSocket() = default;
 
 int32_t TcpSocket::connect(const std::string& host, uint16_t port) {
-  handle = SocketPlatform::createTcp();
-  if (handle == SocketPlatform::kClosedSocket) {
+  handle_ = SocketPlatform::createTcp();
+  if (handle_ == SocketPlatform::kClosedSocket) {
     ov_err("TcpSocket::create() Failed to create TCP socket");
     return 1;
   }
@@ -67,11 +67,11 @@ int32_t TcpSocket::connect(const std::string& host, uint16_t port) {
     address = SocketPlatform::parseIpv4(ip);
   }
   int32_t code = 0;
-  if (SocketPlatform::connectTcp(handle, address, port, &code)) return 0;
+  if (SocketPlatform::connectTcp(handle_, address, port, &code)) return 0;
   ov_err(
       "TcpSocket::connect() Connection failed for socket %p error: (%i) Address: %s IP: %s "
       "inet_addr: %i",
-      static_cast<const void*>(&handle), code, host.c_str(), ip.c_str(),
+      static_cast<const void*>(&handle_), code, host.c_str(), ip.c_str(),
       static_cast<int32_t>(address));
   return code;
 }

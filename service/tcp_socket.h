@@ -23,7 +23,7 @@ class Socket {
   int32_t send(const char* buffer, int32_t size);
 
  protected:
-  uint64_t handle = ~uint64_t{0};  // all ones when closed
+  uint64_t handle_ = ~uint64_t{0};  // all ones when closed
 };
 
 class TcpSocket : public Socket {

@@ -107,14 +107,14 @@ class TcpSocketFailureTest : public testing::Test {
  protected:
   TcpSocketFailureTest() { platform = Platform(); }
 
-  LogRecorder log;
+  LogRecorder log_;
 };
 
 TEST_F(TcpSocketFailureTest, NoSocketIsOne) {
   platform.created = SocketPlatform::kClosedSocket;
   TcpSocket socket;
   EXPECT_EQ(socket.connect("host", 80), 1);
-  EXPECT_EQ(log.text(), "ERR TcpSocket::create() Failed to create TCP socket\n");
+  EXPECT_EQ(log_.text(), "ERR TcpSocket::create() Failed to create TCP socket\n");
   EXPECT_EQ(platform.resolves, 0);
 }
 
@@ -124,7 +124,7 @@ TEST_F(TcpSocketFailureTest, ResolvingHostIsLookedUpTwiceAndConnectedOnce) {
   EXPECT_EQ(platform.resolves, 2);
   EXPECT_EQ(platform.connectedAddress, 0x04030201U);
   EXPECT_EQ(platform.connectedPort, 8080);
-  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(log_.text(), "");
 }
 
 TEST_F(TcpSocketFailureTest, UnresolvableHostIsToldThreeTimesAndConnectedAllTheSame) {
@@ -135,8 +135,8 @@ TEST_F(TcpSocketFailureTest, UnresolvableHostIsToldThreeTimesAndConnectedAllTheS
   EXPECT_EQ(socket.connect("host%s", 80), 10049);
   EXPECT_EQ(platform.resolves, 5);
   EXPECT_EQ(platform.connectedAddress, SocketPlatform::kInvalidAddress);
-  const std::vector<std::string> lines = log.lines("ERR");
-  ASSERT_EQ(lines.size(), 9U) << log.text();
+  const std::vector<std::string> lines = log_.lines("ERR");
+  ASSERT_EQ(lines.size(), 9U) << log_.text();
   const std::vector<std::string> expected = {kLookUpFailed, kLookUpFailed, kUnresolved,
                                              kLookUpFailed, kUnresolved,   kLookUpFailed,
                                              kUnresolved,   kLookUpFailed};
@@ -151,7 +151,7 @@ TEST_F(TcpSocketFailureTest, HostThatResolvesAtALaterPassIsConnected) {
   TcpSocket socket;
   EXPECT_EQ(socket.connect("host%s", 80), 0);
   EXPECT_EQ(platform.resolves, 4);
-  EXPECT_EQ(log.count(std::string("ERR ") + kUnresolved), 2U);
+  EXPECT_EQ(log_.count(std::string("ERR ") + kUnresolved), 2U);
   EXPECT_EQ(platform.connectedAddress, 0x04030201U);
 }
 
@@ -159,14 +159,14 @@ TEST_F(TcpSocketFailureTest, HostThatResolvesAtTheLastPassIsConnected) {
   platform.goodFromResolve = 5;
   TcpSocket socket;
   EXPECT_EQ(socket.connect("host%s", 80), 0);
-  EXPECT_EQ(log.count(std::string("ERR ") + kUnresolved), 3U);
+  EXPECT_EQ(log_.count(std::string("ERR ") + kUnresolved), 3U);
   EXPECT_EQ(platform.connectedAddress, 0x04030201U);
 }
 
 TEST_F(TcpSocketFailureTest, HostWithoutIpv4IsToldAsSuch) {
   platform.resolution = SocketPlatform::Resolution::kNoIpv4;
   EXPECT_EQ(IpAddress::resolve("host"), "");
-  EXPECT_EQ(log.text(), std::string("ERR ") + kNoIpv4 + "\n");
+  EXPECT_EQ(log_.text(), std::string("ERR ") + kNoIpv4 + "\n");
 }
 
 TEST_F(TcpSocketFailureTest, FailedConnectLeavesTheSocketToTheDestructor) {
@@ -188,8 +188,8 @@ TEST_F(TcpSocketFailureTest, ReceiveAndSendReportHandleAndCode) {
   char buffer[1] = "";
   EXPECT_EQ(socket.recv(buffer, 1), -1);
   EXPECT_EQ(socket.send(buffer, 1), -1);
-  EXPECT_EQ(log.text(), "ERR Socket::recv() [" + handleText(77) + "] - recv failed (10054)\n" +
-                            "ERR Socket::send() [" + handleText(77) + "] - send failed (10054)\n");
+  EXPECT_EQ(log_.text(), "ERR Socket::recv() [" + handleText(77) + "] - recv failed (10054)\n" +
+                             "ERR Socket::send() [" + handleText(77) + "] - send failed (10054)\n");
 }
 
 TEST_F(TcpSocketFailureTest, FailedCloseIsReportedAndCountsAsClosed) {
@@ -200,7 +200,7 @@ TEST_F(TcpSocketFailureTest, FailedCloseIsReportedAndCountsAsClosed) {
     socket.close();
     socket.close();
   }
-  EXPECT_EQ(log.text(), "ERR Error closing socket " + handleText(77) + " (10038)\n");
+  EXPECT_EQ(log_.text(), "ERR Error closing socket " + handleText(77) + " (10038)\n");
   EXPECT_EQ(platform.closed.size(), 1U);
 }
 
@@ -209,14 +209,14 @@ class ExchangeFailureTest : public TcpSocketFailureTest {
   ExchangeFailureTest() {
     platform.sendLimit = 3;
     platform.reply = "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nbody";
-    request.setBody("text");
+    request_.setBody("text");
   }
 
-  HttpRequest request{"host", 80};
+  HttpRequest request_{"host", 80};
 };
 
 TEST_F(ExchangeFailureTest, RequestTakenInSmallPartsGoesOutWhole) {
-  const auto response = request.invoke();
+  const auto response = request_.invoke();
   ASSERT_TRUE(response);
   EXPECT_EQ(response->body(), "body");
   EXPECT_EQ(platform.sent,
@@ -227,7 +227,7 @@ TEST_F(ExchangeFailureTest, RequestTakenInSmallPartsGoesOutWhole) {
 
 TEST_F(ExchangeFailureTest, SendThatTakesNothingEndsTheExchange) {
   platform.sendLimit = 0;
-  EXPECT_FALSE(request.invoke());
+  EXPECT_FALSE(request_.invoke());
   EXPECT_EQ(platform.closed.size(), 1U);
 }
 
@@ -235,9 +235,9 @@ TEST_F(ExchangeFailureTest, FailedSendEndsTheExchangeAndIsReported) {
   platform.sendLimit = 0;
   platform.count = -1;
   platform.code = 10054;
-  EXPECT_FALSE(request.invoke());
-  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{"Socket::send() [" + handleText(77) +
-                                                       "] - send failed (10054)"});
+  EXPECT_FALSE(request_.invoke());
+  EXPECT_EQ(log_.lines("ERR"), std::vector<std::string>{"Socket::send() [" + handleText(77) +
+                                                        "] - send failed (10054)"});
   EXPECT_EQ(platform.closed.size(), 1U);
 }
 
@@ -245,19 +245,19 @@ TEST_F(ExchangeFailureTest, FailedReceiveKeepsAWholeReply) {
   platform.reply = "HTTP/1.1 200 OK\r\n\r\nbody";
   platform.count = -1;
   platform.code = 10054;
-  const auto response = request.invoke();
+  const auto response = request_.invoke();
   ASSERT_TRUE(response);
   EXPECT_EQ(response->body(), "body");
-  EXPECT_EQ(log.lines("ERR"), (std::vector<std::string>{
-                                  "Socket::recv() [" + handleText(77) + "] - recv failed (10054)",
-                                  "HttpRequest::invoke() - socket.recv() returned -1"}));
+  EXPECT_EQ(log_.lines("ERR"), (std::vector<std::string>{
+                                   "Socket::recv() [" + handleText(77) + "] - recv failed (10054)",
+                                   "HttpRequest::invoke() - socket.recv() returned -1"}));
 }
 
 TEST_F(ExchangeFailureTest, EndOfMemoryIsAFailedExchange) {
   platform.memoryEnds = true;
-  EXPECT_FALSE(request.invoke());
-  EXPECT_EQ(log.lines("ERR").size(), 1U);
-  EXPECT_EQ(log.countContaining("ERR HttpRequest::invoke() - "), 1U);
+  EXPECT_FALSE(request_.invoke());
+  EXPECT_EQ(log_.lines("ERR").size(), 1U);
+  EXPECT_EQ(log_.countContaining("ERR HttpRequest::invoke() - "), 1U);
   EXPECT_EQ(platform.closed.size(), 1U);
 }
 

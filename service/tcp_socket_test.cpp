@@ -23,7 +23,7 @@ using TestSupport::TestSocket;
 class TcpSocketTest : public testing::Test {
  protected:
   const TestSocket listener = TestSocket::listenLoopback(0);
-  LogRecorder log;
+  LogRecorder log_;
 };
 
 TEST_F(TcpSocketTest, SendsAndReceives) {
@@ -36,7 +36,7 @@ TEST_F(TcpSocketTest, SendsAndReceives) {
   ASSERT_TRUE(peer.sendAll("xy"));
   EXPECT_EQ(socket.recv(buffer, sizeof buffer), 2);
   EXPECT_EQ(std::string(buffer, 2), "xy");
-  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(log_.text(), "");
 }
 
 TEST_F(TcpSocketTest, PeersCloseIsZero) {
@@ -45,7 +45,7 @@ TEST_F(TcpSocketTest, PeersCloseIsZero) {
   listener.accept().close();
   char buffer[8];
   EXPECT_EQ(socket.recv(buffer, sizeof buffer), 0);
-  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(log_.text(), "");
 }
 
 TEST_F(TcpSocketTest, ResetWhileReceivingIsAFailure) {
@@ -60,27 +60,27 @@ TEST_F(TcpSocketTest, ResetWhileReceivingIsAFailure) {
   char buffer[8];
   EXPECT_EQ(socket.recv(buffer, sizeof buffer), -1);
   reset.join();
-  EXPECT_EQ(log.lines("ERR").size(), 1U);
-  EXPECT_EQ(log.countContaining("Socket::recv() ["), 1U);
-  EXPECT_EQ(log.countContaining("] - recv failed ("), 1U);
+  EXPECT_EQ(log_.lines("ERR").size(), 1U);
+  EXPECT_EQ(log_.countContaining("Socket::recv() ["), 1U);
+  EXPECT_EQ(log_.countContaining("] - recv failed ("), 1U);
 }
 
 TEST_F(TcpSocketTest, DottedAddressResolvesToItself) {
   EXPECT_EQ(IpAddress::resolve("127.0.0.1"), "127.0.0.1");
   EXPECT_EQ(IpAddress::resolve("10.1.2.3"), "10.1.2.3");
-  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(log_.text(), "");
 }
 
 TEST_F(TcpSocketTest, NameResolves) {
   EXPECT_EQ(IpAddress::resolve("localhost").rfind("127.", 0), 0U);
   TcpSocket socket;
   EXPECT_EQ(socket.connect("localhost", listener.localPort()), 0);
-  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(log_.text(), "");
 }
 
 TEST_F(TcpSocketTest, NameThatDoesNotResolveIsReported) {
   EXPECT_EQ(IpAddress::resolve("name with blanks"), "");
-  EXPECT_EQ(log.text(), "ERR IpAddress::resolve() Unable to resolve IP address\n");
+  EXPECT_EQ(log_.text(), "ERR IpAddress::resolve() Unable to resolve IP address\n");
 }
 
 TEST_F(TcpSocketTest, RefusedConnectionGivesTheCodeAndOneLine) {
@@ -88,8 +88,8 @@ TEST_F(TcpSocketTest, RefusedConnectionGivesTheCodeAndOneLine) {
   TcpSocket socket;
   const int32_t code = socket.connect("127.0.0.1", port);
   EXPECT_NE(code, 0);
-  ASSERT_EQ(log.lines().size(), 1U) << log.text();
-  const std::string line = log.lines()[0];
+  ASSERT_EQ(log_.lines().size(), 1U) << log_.text();
+  const std::string line = log_.lines()[0];
   EXPECT_EQ(line.rfind("ERR TcpSocket::connect() Connection failed for socket ", 0), 0U) << line;
   const std::string end =
       " error: (" + std::to_string(code) + ") Address: 127.0.0.1 IP: 127.0.0.1 inet_addr: 16777343";
@@ -107,7 +107,7 @@ TEST_F(TcpSocketTest, ClosedSocketFailsSilently) {
   socket.close();
   EXPECT_EQ(socket.recv(buffer, 1), -1);
   EXPECT_EQ(socket.send(buffer, 1), -1);
-  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(log_.text(), "");
 }
 
 TEST_F(TcpSocketTest, DestructorClosesTheConnection) {

@@ -28,31 +28,31 @@ TransfersPoller::~TransfersPoller() {
 }
 
 void TransfersPoller::setAppId(const std::string& text) {
-  appId = text;
+  appId_ = text;
 }
 
 void TransfersPoller::addListener(TransferEventListener* listener) {
-  const std::lock_guard lock(mutex);
+  const std::lock_guard lock(mutex_);
   OV_DEBUG("%p TransferPoller::addListener() - size=%i", static_cast<void*>(this),
-           static_cast<int>(listeners.size()));
-  listeners.push_back(listener);
+           static_cast<int>(listeners_.size()));
+  listeners_.push_back(listener);
 }
 
 void TransfersPoller::removeListener(TransferEventListener* listener) {
-  const std::lock_guard lock(mutex);
+  const std::lock_guard lock(mutex_);
   OV_DEBUG("%p TransferPoller::removeListener() - size=%i", static_cast<void*>(this),
-           static_cast<int>(listeners.size()));
-  const auto found = std::find(listeners.begin(), listeners.end(), listener);
-  if (found == listeners.end()) return;
-  listeners.erase(found);
+           static_cast<int>(listeners_.size()));
+  const auto found = std::find(listeners_.begin(), listeners_.end(), listener);
+  if (found == listeners_.end()) return;
+  listeners_.erase(found);
   OV_DEBUG("%p TransferPoller::removeListener() - removed", static_cast<void*>(this));
 }
 
 void TransfersPoller::run() {
   OV_DEBUG("%p TransferPoller::run()", static_cast<void*>(this));
-  while (!stopRequested) {
-    ov_thread_sleep(static_cast<uint32_t>(pollIntervalMs));
-    if (stopRequested) break;
+  while (!stopRequested_) {
+    ov_thread_sleep(static_cast<uint32_t>(pollIntervalMs_));
+    if (stopRequested_) break;
     // What memory or a listener throws costs this one poll, not the thread.
     try {
       pollOnce();
@@ -71,20 +71,20 @@ void TransfersPoller::pollOnce() {
   std::unique_ptr<HttpResponse> response = request->invoke();
   request.reset();
   if (!response) return;
-  const std::string reply = std::move(response->body_);
+  const std::string reply = response->takeBody();
   response.reset();
-  if (!stopRequested) handleReply(reply);
+  if (!stopRequested_) handleReply(reply);
 }
 
 // The token and the id go out as they are.
 std::string TransfersPoller::requestBody() const {
   return "{\n"
          "    \"iteration_token\": \"" +
-         iterationToken +
+         iterationToken_ +
          "\",\n"
          "    \"orvane_vantrel_settings\" : {\n"
          "        \"app_id\": \"" +
-         appId +
+         appId_ +
          "\"\n"
          "    }\n"
          "}\n";
@@ -100,21 +100,21 @@ void TransfersPoller::handleReply(const std::string& reply) {
     ov_err("Transfer poller response contained an error: %s", reply.c_str());
     return;
   }
-  iterationToken = document.getString(kTokenPath);
+  iterationToken_ = document.getString(kTokenPath);
   notifyListeners(reply);
 }
 
 void TransfersPoller::notifyListeners(const std::string& text) {
-  const std::lock_guard lock(mutex);
+  const std::lock_guard lock(mutex_);
   OV_DEBUG("%p TransferPoller::notifyListeners() - size=%i", static_cast<void*>(this),
-           static_cast<int>(listeners.size()));
-  for (TransferEventListener* listener : listeners) listener->transferEventOccurred(text);
+           static_cast<int>(listeners_.size()));
+  for (TransferEventListener* listener : listeners_) listener->transferEventOccurred(text);
 }
 
 void TransfersPoller::stop() {
   const bool finished = done_;
   OV_DEBUG("%p TransferPoller::stop() - done?=%i", static_cast<void*>(this), int{finished});
-  if (!finished) stopRequested = true;
+  if (!finished) stopRequested_ = true;
 }
 
 }  // namespace Vantrel::Web

@@ -38,13 +38,13 @@ class TransfersPoller : public Worker {
   void handleReply(const std::string& reply);
   void notifyListeners(const std::string& text);
 
-  std::string appId;
+  std::string appId_;
   std::atomic<bool> done_{false};
-  std::string iterationToken;  // of the last good reply; the worker's thread only
-  std::vector<TransferEventListener*> listeners;
-  Mutex mutex;  // guards listeners, and is held during delivery
-  int32_t pollIntervalMs = 1000;
-  std::atomic<bool> stopRequested{false};
+  std::string iterationToken_;  // of the last good reply; the worker's thread only
+  std::vector<TransferEventListener*> listeners_;
+  Mutex mutex_;  // guards listeners, and is held during delivery
+  int32_t pollIntervalMs_ = 1000;
+  std::atomic<bool> stopRequested_{false};
 };
 
 }  // namespace Vantrel::Web

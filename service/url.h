@@ -24,7 +24,6 @@ class Url {
   std::string host;
   std::string password;
   std::string path;  // without its leading slash
-  uint16_t port_ = 0;
   std::string query;
   std::string scheme;
   std::string url;  // the whole text; not empty is what makes a Url known
@@ -32,6 +31,8 @@ class Url {
 
  private:
   void parseBehindScheme(const std::string& rest);
+
+  uint16_t port_ = 0;
 };
 
 }  // namespace Vantrel::Web

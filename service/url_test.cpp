@@ -74,7 +74,7 @@ TEST(UrlTest, TakesApartEveryForm) {
     EXPECT_EQ(url.user, expected.user);
     EXPECT_EQ(url.password, expected.password);
     EXPECT_EQ(url.host, expected.host);
-    EXPECT_EQ(url.port_, expected.port);
+    EXPECT_EQ(url.port(0), expected.port);
     EXPECT_EQ(url.path, expected.path);
     EXPECT_EQ(url.query, expected.query);
   }
@@ -98,7 +98,7 @@ TEST(UrlTest, TextWithoutSchemeMarkIsReportedAndClears) {
   url.parse("127.0.0.1:%s%n33001");
   EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{"Invalid URL: 127.0.0.1:%s%n33001"});
   EXPECT_EQ(url.url + url.scheme + url.user + url.password + url.host + url.path + url.query, "");
-  EXPECT_EQ(url.port_, 0);
+  EXPECT_EQ(url.port(0), 0);
 }
 
 TEST(UrlTest, EmptyTextIsReportedAsInvalid) {
@@ -113,27 +113,27 @@ TEST(UrlTest, ParsingAgainLeavesNothingOfTheFormerText) {
   EXPECT_EQ(url.scheme, "https");
   EXPECT_EQ(url.user + url.password + url.path + url.query, "");
   EXPECT_EQ(url.host, "other");
-  EXPECT_EQ(url.port_, 0);
+  EXPECT_EQ(url.port(0), 0);
 }
 
 TEST(UrlTest, ParsesItsOwnText) {
   Url url("http://h:8/p");
   url.parse(url.url);
   EXPECT_EQ(url.host, "h");
-  EXPECT_EQ(url.port_, 8);
+  EXPECT_EQ(url.port(0), 8);
 }
 
 TEST(UrlTest, ClearMakesItUnknown) {
   Url url("http://u:p@h:8/p?q");
   url.clear();
   EXPECT_EQ(url.url + url.scheme + url.user + url.password + url.host + url.path + url.query, "");
-  EXPECT_EQ(url.port_, 0);
+  EXPECT_EQ(url.port(0), 0);
 }
 
 TEST(UrlTest, ManyColonsBeforeADistantAtSignAreParsedInLinearTime) {
   const Url url("http://a" + std::string(1000000, ':') + "@h:8");
   EXPECT_EQ(url.host, "h");
-  EXPECT_EQ(url.port_, 8);
+  EXPECT_EQ(url.port(0), 8);
 }
 
 }  // namespace

@@ -15,8 +15,8 @@ using Headers = std::multimap<std::string, std::string>;
 
 class VantrelRequestTest : public testing::Test {
  protected:
-  const TestSupport::ServiceFiles files;
-  TestSupport::LogRecorder log;
+  const TestSupport::ServiceFiles files_;
+  TestSupport::LogRecorder log_;
 };
 
 TEST_F(VantrelRequestTest, UnknownAddressIsNull) {
@@ -25,7 +25,7 @@ TEST_F(VantrelRequestTest, UnknownAddressIsNull) {
 }
 
 TEST_F(VantrelRequestTest, CarriesKeyAndTheContentTypeOfItsFormat) {
-  files.writeUrl("http://127.0.0.1:33001\nkey\n");
+  files_.writeUrl("http://127.0.0.1:33001\nkey\n");
   const auto xml = newVantrelRequest(kFormatXml);
   ASSERT_TRUE(xml);
   EXPECT_EQ(xml->headers, (Headers{{"Authorization-key", "key\n"},
@@ -39,7 +39,7 @@ TEST_F(VantrelRequestTest, CarriesKeyAndTheContentTypeOfItsFormat) {
 }
 
 TEST_F(VantrelRequestTest, GoesToTheAddressOfTheFile) {
-  files.writeUrl("http://127.0.0.1:33001\nkey\n");
+  files_.writeUrl("http://127.0.0.1:33001\nkey\n");
   const auto request = newVantrelRequest("POST", "/p", "body", kFormatJson);
   ASSERT_TRUE(request);
   EXPECT_EQ(request->host, "127.0.0.1");
@@ -51,9 +51,9 @@ TEST_F(VantrelRequestTest, GoesToTheAddressOfTheFile) {
 }
 
 TEST_F(VantrelRequestTest, KeyIsThatOfTheMomentEvenForACachedAddress) {
-  files.writeUrl("http://127.0.0.1:1\nold");
+  files_.writeUrl("http://127.0.0.1:1\nold");
   newVantrelRequest(kFormatJson);
-  files.writeUrl("http://127.0.0.1:2\nnew");
+  files_.writeUrl("http://127.0.0.1:2\nnew");
   const auto request = newVantrelRequest(kFormatJson);
   ASSERT_TRUE(request);
   EXPECT_EQ(request->port, 1);
@@ -61,14 +61,14 @@ TEST_F(VantrelRequestTest, KeyIsThatOfTheMomentEvenForACachedAddress) {
 }
 
 TEST_F(VantrelRequestTest, FileOfOneLineGivesTheAddressAsTheKey) {
-  files.writeUrl("http://127.0.0.1:1");
+  files_.writeUrl("http://127.0.0.1:1");
   const auto request = newVantrelRequest(kFormatJson);
   ASSERT_TRUE(request);
   EXPECT_EQ(request->headers.find("Authorization-key")->second, "http://127.0.0.1:1");
 }
 
 TEST_F(VantrelRequestTest, MissingPortIsZero) {
-  files.writeUrl("http://127.0.0.1/\nkey");
+  files_.writeUrl("http://127.0.0.1/\nkey");
   const auto request = newVantrelRequest(kFormatJson);
   ASSERT_TRUE(request);
   EXPECT_EQ(request->port, 0);

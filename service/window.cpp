@@ -10,7 +10,7 @@
 
 namespace Vantrel::Web {
 
-Window::Window(std::string windowName) : name(std::move(windowName)) {}
+Window::Window(std::string windowName) : name_(std::move(windowName)) {}
 
 bool Window::display(const std::string& argument) {
   if (!launchVantrel()) {
@@ -18,7 +18,7 @@ bool Window::display(const std::string& argument) {
     return false;
   }
   const std::unique_ptr<HttpRequest> request =
-      newVantrelRequest("GET", "/windows/" + name + "/" + argument, "", kFormatXml);
+      newVantrelRequest("GET", "/windows/" + name_ + "/" + argument, "", kFormatXml);
   if (!request) {
     ov_err("%s", kErrorCreatingRequest);
     return false;

@@ -17,7 +17,7 @@ class Window {
   bool display(const std::string& argument);
 
  protected:
-  std::string name;
+  std::string name_;
 };
 
 class TransferManagerWindow : public Window {

@@ -22,17 +22,17 @@ using TestSupport::ScriptedServer;
 
 class WindowTest : public testing::Test {
  protected:
-  WindowTest() { files.writeUrl(server.url() + "\nkey"); }
+  WindowTest() { files_.writeUrl(server_.url() + "\nkey"); }
 
-  const TestSupport::ServiceFiles files;
-  TestSupport::FakePlatform platform;
-  TestSupport::LogRecorder log;
-  ScriptedServer server;
+  const TestSupport::ServiceFiles files_;
+  TestSupport::FakePlatform platform_;
+  TestSupport::LogRecorder log_;
+  ScriptedServer server_;
 };
 
 TEST_F(WindowTest, BytesOnTheWire) {
   EXPECT_TRUE(AboutWindow().display(""));
-  EXPECT_EQ(server.requests("/windows/about/"),
+  EXPECT_EQ(server_.requests("/windows/about/"),
             std::vector<std::string>{"GET /windows/about/ HTTP/1.1\r\n"
                                      "Authorization-key: key\r\n"
                                      "Connection: close\r\n"
@@ -46,54 +46,54 @@ TEST_F(WindowTest, EveryWindowHasItsPath) {
   EXPECT_TRUE(TransferManagerWindow().display(""));
   EXPECT_TRUE(AboutWindow().display("x/y"));
   EXPECT_TRUE(PreferencesWindow().display(""));
-  EXPECT_EQ(server.requests("/windows/transfer-manager/").size(), 1U);
-  EXPECT_EQ(server.requests("/windows/about/x/y").size(), 1U);
-  EXPECT_EQ(server.requests("/windows/preferences/").size(), 1U);
+  EXPECT_EQ(server_.requests("/windows/transfer-manager/").size(), 1U);
+  EXPECT_EQ(server_.requests("/windows/about/x/y").size(), 1U);
+  EXPECT_EQ(server_.requests("/windows/preferences/").size(), 1U);
 }
 
 TEST_F(WindowTest, ErrorStatusIsSuccess) {
-  server.always("/windows/about/", Script().send(TestSupport::httpReply("", "404 Not Found")));
+  server_.always("/windows/about/", Script().send(TestSupport::httpReply("", "404 Not Found")));
   EXPECT_TRUE(AboutWindow().display(""));
 }
 
 TEST_F(WindowTest, ClientThatDoesNotRunIsStartedAndAskedInTheSameCall) {
-  files.removeUrl();
-  resetServiceCaches(files.appDataDirectory(), "orvanevantrel.exe");
-  platform.onStart = [this](const std::string&) {
-    files.writeUrl(server.url() + "\nkey");
+  files_.removeUrl();
+  resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
+  platform_.onStart = [this](const std::string&) {
+    files_.writeUrl(server_.url() + "\nkey");
     return 0;
   };
   EXPECT_TRUE(PreferencesWindow().display(""));
-  EXPECT_EQ(platform.starts().size(), 1U);
-  EXPECT_EQ(server.requests("/windows/preferences/").size(), 1U);
+  EXPECT_EQ(platform_.starts().size(), 1U);
+  EXPECT_EQ(server_.requests("/windows/preferences/").size(), 1U);
 }
 
 TEST_F(WindowTest, ClientThatCannotBeStartedIsFalseAndReported) {
-  files.removeUrl();
+  files_.removeUrl();
   EXPECT_FALSE(AboutWindow().display(""));
-  EXPECT_EQ(log.lines("ERR").back(), kErrorContacting);
-  EXPECT_EQ(server.connections(), 0U);
+  EXPECT_EQ(log_.lines("ERR").back(), kErrorContacting);
+  EXPECT_EQ(server_.connections(), 0U);
 }
 
 TEST_F(WindowTest, CloseWithoutAReplyIsFalseAndReported) {
-  server.always("/windows/about/", Script());
+  server_.always("/windows/about/", Script());
   EXPECT_FALSE(AboutWindow().display(""));
-  EXPECT_EQ(log.lines("ERR"),
+  EXPECT_EQ(log_.lines("ERR"),
             std::vector<std::string>{std::string("Error displaying window: ") + kErrorContacting});
 }
 
 TEST_F(WindowTest, AddressThatGoesAwayAfterTheLaunchIsFalseAndReported) {
   constexpr char kPing[] = "/v5/vantrel/info/ping";
-  server.always(kPing, Script().hold().send(TestSupport::httpReply("{}")));
+  server_.always(kPing, Script().hold().send(TestSupport::httpReply("{}")));
   std::thread remover([&] {
-    server.waitForRequests(kPing, 1);
-    files.removeUrl();
+    server_.waitForRequests(kPing, 1);
+    files_.removeUrl();
     clearVantrelUrl();
-    server.release();
+    server_.release();
   });
   EXPECT_FALSE(AboutWindow().display(""));
   remover.join();
-  EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{kErrorCreatingRequest});
+  EXPECT_EQ(log_.lines("ERR"), std::vector<std::string>{kErrorCreatingRequest});
 }
 
 }  // namespace

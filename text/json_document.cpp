@@ -14,11 +14,11 @@ constexpr char kTooDeep[] = "parse error: the text is nested too deeply\n";
 const char* skipComment(const char* at) {
   if (at[1] == '/') {
     const char* const end = std::strchr(at, '\n');
-    return end ? end : at + std::strlen(at);
+    return end != nullptr ? end : at + std::strlen(at);
   }
   if (at[1] == '*') {
     const char* const end = std::strstr(at + 2, "*/");
-    return end ? end + 2 : at + std::strlen(at);
+    return end != nullptr ? end + 2 : at + std::strlen(at);
   }
   return at + 1;
 }
@@ -69,29 +69,29 @@ JsonDocument::~JsonDocument() {
 }
 
 void JsonDocument::clear() {
-  yajl_tree_free(root);
-  root = nullptr;
-  errorBuffer[0] = '\0';
+  yajl_tree_free(root_);
+  root_ = nullptr;
+  errorBuffer_[0] = '\0';
 }
 
 bool JsonDocument::parse(const std::string& text) {
   clear();
   if (isDeeperThan(text.c_str(), kMaxDepth)) {
-    std::copy_n(kTooDeep, sizeof kTooDeep, errorBuffer);
+    std::copy_n(kTooDeep, sizeof kTooDeep, errorBuffer_);
     return false;
   }
-  root = yajl_tree_parse(text.c_str(), errorBuffer, sizeof errorBuffer);
-  return root != nullptr;
+  root_ = yajl_tree_parse(text.c_str(), errorBuffer_, sizeof errorBuffer_);
+  return root_ != nullptr;
 }
 
 yajl_val JsonDocument::get(const char* const* path, yajl_val base) const {
   // The parser's interface lacks the const; it only reads the keys.
-  return yajl_tree_get(base ? base : root, const_cast<const char**>(path), yajl_t_any);
+  return yajl_tree_get(base != nullptr ? base : root_, const_cast<const char**>(path), yajl_t_any);
 }
 
 bool JsonDocument::isTrue(const char* const* path, yajl_val base) const {
   const yajl_val value = get(path, base);
-  return value && value->type == yajl_t_true;
+  return value != nullptr && value->type == yajl_t_true;
 }
 
 std::string JsonDocument::getString(const char* const* path, yajl_val base) const {
@@ -104,8 +104,8 @@ bool JsonDocument::hasError() const {
 }
 
 std::string jsonText(yajl_val value) {
-  if (value && value->type == yajl_t_string) return value->u.string;
-  if (value && value->type == yajl_t_number) return value->u.number.r;
+  if (value != nullptr && value->type == yajl_t_string) return value->u.string;
+  if (value != nullptr && value->type == yajl_t_number) return value->u.number.r;
   return {};
 }
 

@@ -26,7 +26,7 @@ class JsonDocument {
   bool parse(const std::string& text);
 
   // The parser's message for the last parse; several lines for most errors.
-  std::string errorText() const { return errorBuffer; }
+  std::string errorText() const { return errorBuffer_; }
 
   // The value at the path below `base` (null: below the root), or null. The document keeps it.
   yajl_val get(const char* const* path, yajl_val base = nullptr) const;
@@ -43,8 +43,8 @@ class JsonDocument {
  private:
   void clear();
 
-  yajl_val root = nullptr;
-  char errorBuffer[1024] = "";
+  yajl_val root_ = nullptr;
+  char errorBuffer_[1024] = "";
 };
 
 // What getString gives for a value that was reached another way; empty for null.

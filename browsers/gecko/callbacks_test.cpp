@@ -66,8 +66,7 @@ TEST_F(CallbacksTest, AnAnswerReachesThePageFunctionOnce) {
   {
     RequestCallback callback(&browser.instance, function);
     EXPECT_EQ(function->referenceCount, 1u);
-    HttpResponse response;
-    response.body_ = "{\"ok\":\"%s\"}";
+    HttpResponse response("{\"ok\":\"%s\"}");
     callback.handleCallback(&response);
     callback.returnMessage("a second answer is none");
   }

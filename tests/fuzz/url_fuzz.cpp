@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (!holds(text, "://")) {
     check(
         (url.url + url.scheme + url.user + url.password + url.host + url.path + url.query).empty());
-    check(url.port_ == 0);
+    check(url.port(0) == 0);
     return 0;
   }
   check(url.url == text);
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   Url again("http://u:p@h:1/p?q");
   again.parse(text);
-  check(again.host == url.host && again.port_ == url.port_ && again.path == url.path);
+  check(again.host == url.host && again.port(0) == url.port(0) && again.path == url.path);
   check(again.user == url.user && again.password == url.password && again.query == url.query);
   return 0;
 }

@@ -23,66 +23,66 @@ namespace Vantrel::Web {
 class Answers {
  public:
   void add(const std::string& text) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    texts.push_back(text);
-    changed.notify_all();
+    const std::lock_guard<std::mutex> lock(mutex_);
+    texts_.push_back(text);
+    changed_.notify_all();
   }
   std::vector<std::string> get() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return texts;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return texts_;
   }
   // Waits until there are `count`; false after half a minute.
   bool wait(size_t count) const {
-    std::unique_lock<std::mutex> lock(mutex);
-    return changed.wait_for(lock, std::chrono::seconds(30),
-                            [this, count] { return texts.size() >= count; });
+    std::unique_lock<std::mutex> lock(mutex_);
+    return changed_.wait_for(lock, std::chrono::seconds(30),
+                             [this, count] { return texts_.size() >= count; });
   }
 
  private:
-  mutable std::mutex mutex;  // guards texts
-  mutable std::condition_variable changed;
-  std::vector<std::string> texts;
+  mutable std::mutex mutex_;  // guards texts
+  mutable std::condition_variable changed_;
+  std::vector<std::string> texts_;
 };
 
 class AnswerCallback : public Callback {
  public:
-  explicit AnswerCallback(Answers& receiver) : answers(receiver) {}
+  explicit AnswerCallback(Answers& receiver) : answers_(receiver) {}
   void handleCallback(void* argument) override {
     const auto* const response = static_cast<const HttpResponse*>(argument);
-    answers.add(response ? response->body() : "no response");
+    answers_.add(response != nullptr ? response->body() : "no response");
   }
-  void returnMessage(const std::string& text) override { answers.add("message: " + text); }
+  void returnMessage(const std::string& text) override { answers_.add("message: " + text); }
 
  private:
-  Answers& answers;
+  Answers& answers_;
 };
 
 class PluginTest : public testing::Test {
  protected:
-  PluginTest() { files.writeUrl(server.url() + "\nkey"); }
+  PluginTest() { files_.writeUrl(server_.url() + "\nkey"); }
 
   // A core as a front end leaves it, with a client that answers unless a case says otherwise.
   Plugin& plugin() {
-    if (!core) {
-      core = std::make_unique<Plugin>();
-      core->hostname = "some.host";
-      core->init(0);
+    if (!core_) {
+      core_ = std::make_unique<Plugin>();
+      core_->hostname = "some.host";
+      core_->init(0);
     }
-    return *core;
+    return *core_;
   }
-  std::unique_ptr<Callback> callback() { return std::make_unique<AnswerCallback>(answers); }
+  std::unique_ptr<Callback> callback() { return std::make_unique<AnswerCallback>(answers_); }
 
   static inline const std::string kContactReply = jsonErrorReply(
       "Error contacting Orvane Vantrel. Ensure that it is running, and not blocked by your "
       "firewall or security policies.");
   static constexpr char kPing[] = "/v5/vantrel/info/ping";
 
-  TestSupport::ServiceFiles files;
-  TestSupport::FakePlatform platform;
-  TestSupport::ScriptedServer server;
-  TestSupport::LogRecorder log;
-  Answers answers;
-  std::unique_ptr<Plugin> core;
+  TestSupport::ServiceFiles files_;
+  TestSupport::FakePlatform platform_;
+  TestSupport::ScriptedServer server_;
+  TestSupport::LogRecorder log_;
+  Answers answers_;
+  std::unique_ptr<Plugin> core_;
 };
 
 }  // namespace Vantrel::Web

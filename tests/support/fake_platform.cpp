@@ -45,39 +45,39 @@ FakePlatform::~FakePlatform() {
 }
 
 std::vector<std::string> FakePlatform::starts() const {
-  const std::lock_guard lock(mutex);
-  return startedPaths;
+  const std::lock_guard lock(mutex_);
+  return startedPaths_;
 }
 
 std::vector<uint32_t> FakePlatform::sleeps() const {
-  const std::lock_guard lock(mutex);
-  return sleptMs;
+  const std::lock_guard lock(mutex_);
+  return sleptMs_;
 }
 
 size_t FakePlatform::closedProcesses() const {
-  const std::lock_guard lock(mutex);
-  return closed;
+  const std::lock_guard lock(mutex_);
+  return closed_;
 }
 
 ov_rc FakePlatform::start(const std::string& path) {
   {
-    const std::lock_guard lock(mutex);
-    startedPaths.push_back(path);
+    const std::lock_guard lock(mutex_);
+    startedPaths_.push_back(path);
   }
   return onStart(path);
 }
 
 ov_rc FakePlatform::sleep(uint32_t milliseconds) {
   {
-    const std::lock_guard lock(mutex);
-    sleptMs.push_back(milliseconds);
+    const std::lock_guard lock(mutex_);
+    sleptMs_.push_back(milliseconds);
   }
   return onSleep(milliseconds);
 }
 
 void FakePlatform::closeProcess() {
-  const std::lock_guard lock(mutex);
-  ++closed;
+  const std::lock_guard lock(mutex_);
+  ++closed_;
 }
 
 }  // namespace TestSupport
@@ -88,24 +88,24 @@ using TestSupport::FakePlatform;
 StartedProcess::StartedProcess() : record() {}
 
 StartedProcess::~StartedProcess() {
-  if (FakePlatform* fake = current) fake->closeProcess();
+  if (FakePlatform* fake = current; fake != nullptr) fake->closeProcess();
 }
 
 ov_rc StartedProcess::start(const std::string& path) {
   FakePlatform* fake = current;
-  return fake ? fake->start(path) : TestSupport::kNotFound;
+  return fake != nullptr ? fake->start(path) : TestSupport::kNotFound;
 }
 
 int32_t localAppDataDirectory(std::string* directory) {
   FakePlatform* fake = current;
-  if (!fake) return -1;
+  if (fake == nullptr) return -1;
   if (fake->appDataResult >= 0) *directory = fake->appDataDirectory;
   return fake->appDataResult;
 }
 
 ov_rc allowForeground(int32_t processId) {
   FakePlatform* fake = current;
-  return fake ? fake->onForeground(processId) : 0;
+  return fake != nullptr ? fake->onForeground(processId) : 0;
 }
 
 }  // namespace Vantrel::Web
@@ -118,11 +118,11 @@ extern "C" {
 
 ov_rc __wrap_ov_process_exited(ov_process*, int32_t* state, int32_t* exitCode) {
   FakePlatform* fake = current;
-  return fake ? fake->onExited(state, exitCode) : 6;
+  return fake != nullptr ? fake->onExited(state, exitCode) : 6;
 }
 
 ov_rc __wrap_ov_thread_sleep(uint32_t milliseconds) {
-  if (FakePlatform* fake = current) return fake->sleep(milliseconds);
+  if (FakePlatform* fake = current; fake != nullptr) return fake->sleep(milliseconds);
   Vantrel::Web::TestSupport::shortSleep();
   return 0;
 }
@@ -132,7 +132,7 @@ ov_rc __wrap_ov_reg_get(void* hive, const char* key, const char* name, char* out
   const bool known = std::strcmp(key, "SOFTWARE\\Orvane\\Orvane Vantrel\\v2") == 0 &&
                      std::strcmp(name, "InstallDir") == 0;
   FakePlatform* fake = current;
-  if (!known || !fake) return Vantrel::Web::TestSupport::kNotFound;
+  if (!known || fake == nullptr) return Vantrel::Web::TestSupport::kNotFound;
   const auto& directory =
       hive == OV_REG_LOCAL_MACHINE ? fake->systemInstallation : fake->userInstallation;
   if (!directory) return Vantrel::Web::TestSupport::kNotFound;

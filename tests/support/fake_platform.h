@@ -49,10 +49,10 @@ class FakePlatform {
   void closeProcess();
 
  private:
-  mutable std::mutex mutex;  // guards the records below
-  std::vector<std::string> startedPaths;
-  std::vector<uint32_t> sleptMs;
-  size_t closed = 0;
+  mutable std::mutex mutex_;  // guards the records below
+  std::vector<std::string> startedPaths_;
+  std::vector<uint32_t> sleptMs_;
+  size_t closed_ = 0;
 };
 
 }  // namespace Vantrel::Web::TestSupport

@@ -28,22 +28,22 @@ bool isComplete(const std::string& request) {
 }  // namespace
 
 Script& Script::send(const std::string& bytes) {
-  steps.push_back({Kind::kSend, bytes, 0});
+  steps_.push_back({Kind::kSend, bytes, 0});
   return *this;
 }
 
 Script& Script::pause(int milliseconds) {
-  steps.push_back({Kind::kPause, {}, milliseconds});
+  steps_.push_back({Kind::kPause, {}, milliseconds});
   return *this;
 }
 
 Script& Script::hold() {
-  steps.push_back({Kind::kHold, {}, 0});
+  steps_.push_back({Kind::kHold, {}, 0});
   return *this;
 }
 
 Script& Script::reset() {
-  steps.push_back({Kind::kReset, {}, 0});
+  steps_.push_back({Kind::kReset, {}, 0});
   return *this;
 }
 
@@ -70,53 +70,53 @@ uint16_t unusedPort() {
 }
 
 ScriptedServer::ScriptedServer(uint16_t port)
-    : listener(TestSocket::listenLoopback(port)), listenerPort(listener.localPort()) {
-  acceptor = std::thread([this] { acceptLoop(); });
+    : listener_(TestSocket::listenLoopback(port)), listenerPort_(listener_.localPort()) {
+  acceptor_ = std::thread([this] { acceptLoop(); });
 }
 
 ScriptedServer::~ScriptedServer() {
   {
-    const std::lock_guard lock(mutex);
-    stopping = true;
-    changed.notify_all();
+    const std::lock_guard lock(mutex_);
+    stopping_ = true;
+    changed_.notify_all();
   }
-  acceptor.join();
-  for (std::thread& server : servers) server.join();
+  acceptor_.join();
+  for (std::thread& server : servers_) server.join();
 }
 
 std::string ScriptedServer::url() const {
-  return "http://127.0.0.1:" + std::to_string(listenerPort);
+  return "http://127.0.0.1:" + std::to_string(listenerPort_);
 }
 
 void ScriptedServer::otherwise(const Script& script) {
-  const std::lock_guard lock(mutex);
-  fallback = script;
+  const std::lock_guard lock(mutex_);
+  fallback_ = script;
 }
 
 void ScriptedServer::always(const std::string& path, const Script& script) {
-  const std::lock_guard lock(mutex);
-  scripts[path] = script;
+  const std::lock_guard lock(mutex_);
+  scripts_[path] = script;
 }
 
 void ScriptedServer::next(const std::string& path, const Script& script) {
-  const std::lock_guard lock(mutex);
-  onceScripts[path].push_back(script);
+  const std::lock_guard lock(mutex_);
+  onceScripts_[path].push_back(script);
 }
 
 void ScriptedServer::nextConnection(const Script& script) {
-  const std::lock_guard lock(mutex);
-  connectionScripts.push_back(script);
+  const std::lock_guard lock(mutex_);
+  connectionScripts_.push_back(script);
 }
 
 void ScriptedServer::release() {
-  const std::lock_guard lock(mutex);
-  released = true;
-  changed.notify_all();
+  const std::lock_guard lock(mutex_);
+  released_ = true;
+  changed_.notify_all();
 }
 
 std::vector<std::string> ScriptedServer::requests() const {
-  const std::lock_guard lock(mutex);
-  return recorded;
+  const std::lock_guard lock(mutex_);
+  return recorded_;
 }
 
 std::vector<std::string> ScriptedServer::requests(const std::string& path) const {
@@ -128,37 +128,37 @@ std::vector<std::string> ScriptedServer::requests(const std::string& path) const
 }
 
 size_t ScriptedServer::connections() const {
-  const std::lock_guard lock(mutex);
-  return accepted;
+  const std::lock_guard lock(mutex_);
+  return accepted_;
 }
 
 bool ScriptedServer::waitForRequests(const std::string& path, size_t count, int seconds) const {
-  std::unique_lock lock(mutex);
-  return changed.wait_for(lock, std::chrono::seconds(seconds), [&] {
+  std::unique_lock lock(mutex_);
+  return changed_.wait_for(lock, std::chrono::seconds(seconds), [&] {
     return static_cast<size_t>(std::count_if(
-               recorded.begin(), recorded.end(),
+               recorded_.begin(), recorded_.end(),
                [&](const std::string& request) { return requestPath(request) == path; })) >= count;
   });
 }
 
 void ScriptedServer::acceptLoop() {
-  while (!stopping) {
-    if (!listener.waitReadable(kSliceMs)) continue;
-    TestSocket connection = listener.accept();
+  while (!stopping_) {
+    if (!listener_.waitReadable(kSliceMs)) continue;
+    TestSocket connection = listener_.accept();
     if (!connection.isOpen()) continue;
-    const std::lock_guard lock(mutex);
-    ++accepted;
-    servers.emplace_back(
+    const std::lock_guard lock(mutex_);
+    ++accepted_;
+    servers_.emplace_back(
         [this, moved = std::move(connection)]() mutable { serve(std::move(moved)); });
   }
 }
 
 void ScriptedServer::serve(TestSocket connection) {
   {
-    std::unique_lock lock(mutex);
-    if (!connectionScripts.empty()) {
-      const Script script = std::move(connectionScripts.front());
-      connectionScripts.pop_front();
+    std::unique_lock lock(mutex_);
+    if (!connectionScripts_.empty()) {
+      const Script script = std::move(connectionScripts_.front());
+      connectionScripts_.pop_front();
       lock.unlock();
       play(connection, script);
       return;
@@ -173,7 +173,7 @@ void ScriptedServer::serve(TestSocket connection) {
 bool ScriptedServer::readRequest(const TestSocket& connection, std::string& request) const {
   char buffer[16384];
   while (!isComplete(request)) {
-    if (stopping) return false;
+    if (stopping_) return false;
     if (!connection.waitReadable(kSliceMs)) continue;
     const long received = connection.receive(buffer, sizeof buffer);
     if (received <= 0) return false;
@@ -183,19 +183,19 @@ bool ScriptedServer::readRequest(const TestSocket& connection, std::string& requ
 }
 
 Script ScriptedServer::chooseScript(const std::string& path) {
-  const std::lock_guard lock(mutex);
-  std::deque<Script>& once = onceScripts[path];
+  const std::lock_guard lock(mutex_);
+  std::deque<Script>& once = onceScripts_[path];
   if (!once.empty()) {
     Script script = std::move(once.front());
     once.pop_front();
     return script;
   }
-  const auto found = scripts.find(path);
-  return found == scripts.end() ? fallback : found->second;
+  const auto found = scripts_.find(path);
+  return found == scripts_.end() ? fallback_ : found->second;
 }
 
 void ScriptedServer::play(TestSocket& connection, const Script& script) {
-  for (const Script::Step& step : script.steps) {
+  for (const Script::Step& step : script.steps_) {
     switch (step.kind) {
       case Script::Kind::kSend:
         if (!connection.sendAll(step.bytes)) return;
@@ -204,8 +204,8 @@ void ScriptedServer::play(TestSocket& connection, const Script& script) {
         std::this_thread::sleep_for(std::chrono::milliseconds(step.milliseconds));
         break;
       case Script::Kind::kHold: {
-        std::unique_lock lock(mutex);
-        changed.wait(lock, [this] { return released || stopping; });
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return released_ || stopping_; });
         break;
       }
       case Script::Kind::kReset:
@@ -217,9 +217,9 @@ void ScriptedServer::play(TestSocket& connection, const Script& script) {
 }
 
 void ScriptedServer::record(const std::string& request) {
-  const std::lock_guard lock(mutex);
-  recorded.push_back(request);
-  changed.notify_all();
+  const std::lock_guard lock(mutex_);
+  recorded_.push_back(request);
+  changed_.notify_all();
 }
 
 std::string requestPath(const std::string& request) {

@@ -48,7 +48,7 @@ class Script {
     std::string bytes;
     int milliseconds;
   };
-  std::vector<Step> steps;
+  std::vector<Step> steps_;
 };
 
 // The text of a reply with a status line, a content length and a body.
@@ -65,7 +65,7 @@ class ScriptedServer {
   ScriptedServer(const ScriptedServer&) = delete;
   ScriptedServer& operator=(const ScriptedServer&) = delete;
 
-  uint16_t port() const { return listenerPort; }
+  uint16_t port() const { return listenerPort_; }
   // "http://127.0.0.1:PORT".
   std::string url() const;
 
@@ -96,20 +96,20 @@ class ScriptedServer {
   void play(TestSocket& connection, const Script& script);
   void record(const std::string& request);
 
-  TestSocket listener;
-  uint16_t listenerPort;
-  std::atomic<bool> stopping{false};
-  mutable std::mutex mutex;  // guards all that follows, except the accepting thread itself
-  mutable std::condition_variable changed;
-  bool released = false;
-  size_t accepted = 0;
-  Script fallback = Script::reply("{}");
-  std::map<std::string, Script> scripts;
-  std::map<std::string, std::deque<Script>> onceScripts;
-  std::deque<Script> connectionScripts;
-  std::vector<std::string> recorded;
-  std::vector<std::thread> servers;
-  std::thread acceptor;
+  TestSocket listener_;
+  uint16_t listenerPort_;
+  std::atomic<bool> stopping_{false};
+  mutable std::mutex mutex_;  // guards all that follows, except the accepting thread itself
+  mutable std::condition_variable changed_;
+  bool released_ = false;
+  size_t accepted_ = 0;
+  Script fallback_ = Script::reply("{}");
+  std::map<std::string, Script> scripts_;
+  std::map<std::string, std::deque<Script>> onceScripts_;
+  std::deque<Script> connectionScripts_;
+  std::vector<std::string> recorded_;
+  std::vector<std::thread> servers_;
+  std::thread acceptor_;
 };
 
 // The path in the request line of a raw request.

@@ -27,21 +27,21 @@ std::string makeTemporaryDirectory() {
 }
 
 ServiceFiles::ServiceFiles(const std::string& executablePath)
-    : directory(makeTemporaryDirectory() + "/data") {
+    : directory_(makeTemporaryDirectory() + "/data") {
   std::filesystem::create_directories(clientDirectory() + "/var/run");
-  resetServiceCaches(directory, executablePath);
+  resetServiceCaches(directory_, executablePath);
 }
 
 ServiceFiles::~ServiceFiles() {
   resetServiceCaches();
   std::error_code ignored;
-  std::filesystem::remove_all(std::filesystem::path(directory).parent_path(), ignored);
+  std::filesystem::remove_all(std::filesystem::path(directory_).parent_path(), ignored);
 }
 
 // The client's directory as the service client composes it, backslashes and all: on a platform
 // without them it is one oddly named directory.
 std::string ServiceFiles::clientDirectory() const {
-  return directory + "\\Orvane\\Orvane Vantrel";
+  return directory_ + "\\Orvane\\Orvane Vantrel";
 }
 
 std::string ServiceFiles::urlFile() const {

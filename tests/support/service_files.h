@@ -16,7 +16,7 @@ class ServiceFiles {
   ServiceFiles& operator=(const ServiceFiles&) = delete;
 
   // The directory that stands for the user's application data.
-  const std::string& appDataDirectory() const { return directory; }
+  const std::string& appDataDirectory() const { return directory_; }
   // The files as the service client names them.
   std::string urlFile() const;
   std::string processIdFile() const;
@@ -29,7 +29,7 @@ class ServiceFiles {
  private:
   std::string clientDirectory() const;
 
-  std::string directory;
+  std::string directory_;
 };
 
 // A new, empty directory of the platform's temporary files.
