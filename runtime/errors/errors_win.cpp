@@ -6,7 +6,7 @@
 #include <iterator>
 #include <memory>
 
-#include "runtime/faults/exception_codes.h"
+#include "runtime/errors/exception_codes.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
 

@@ -7,13 +7,13 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "runtime/log/platform.h"
+#include "runtime/ov_threads.h"
 
 namespace ov {
 
 class FaultReport {
  public:
-  FaultReport() : slot_(enter(thread_id())) {}
+  FaultReport() : slot_(enter(ov_thread_self())) {}
   ~FaultReport() {
     if (!slot_) return;
     slot_->thread.store(0, std::memory_order_release);
@@ -32,7 +32,7 @@ class FaultReport {
 
   // The report of the calling thread, null outside of one. A comparison while no thread is in one.
   static Slot* of_this_thread() {
-    return count.load(std::memory_order_relaxed) == 0 ? nullptr : find(thread_id());
+    return count.load(std::memory_order_relaxed) == 0 ? nullptr : find(ov_thread_self());
   }
 
  private:

@@ -7,6 +7,7 @@
 #include "runtime/ov_errors.h"
 #include "runtime/ov_paths.h"
 #include "runtime/ov_strings.h"
+#include "runtime/ov_threads.h"
 
 namespace ov {
 
@@ -88,7 +89,7 @@ ov_rc LogFile::write(LogLine& line, int32_t level, bool nested) {
   if (to_stderr_) return 0;
   const std::string_view time = clock_.now();
   if (time.empty()) return OV_ELOG;
-  line.stamp(nested ? 0 : fold_.count(), time, process_, thread_id());
+  line.stamp(nested ? 0 : fold_.count(), time, process_, ov_thread_self());
   const ov_rc result = write_all(line.whole());
   if (nested) return result;
   fold_.clear_count();

@@ -16,7 +16,7 @@ namespace ov {
 class LogLock {
  public:
   LogLock() : state_(acquire()) {
-    if (owns()) holder.store(thread_id(), std::memory_order_relaxed);
+    if (owns()) holder.store(ov_thread_self(), std::memory_order_relaxed);
   }
   ~LogLock() {
     if (!owns()) return;
@@ -38,7 +38,7 @@ class LogLock {
   static constexpr uint32_t report_patience = 1000;
 
   static State acquire() {
-    if (holder.load(std::memory_order_relaxed) == thread_id()) return State::inner;
+    if (holder.load(std::memory_order_relaxed) == ov_thread_self()) return State::inner;
     if (FaultReport::Slot* const report = FaultReport::of_this_thread())
       return acquire_for(*report);
     acquire_log_lock();

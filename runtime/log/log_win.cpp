@@ -14,10 +14,6 @@ uint32_t process_id() {
   return GetCurrentProcessId();
 }
 
-uint32_t thread_id() {
-  return GetCurrentThreadId();
-}
-
 uint64_t coarse_milliseconds() {
   return GetTickCount64();
 }

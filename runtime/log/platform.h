@@ -9,7 +9,6 @@
 namespace ov {
 
 uint32_t process_id();
-uint32_t thread_id();
 
 // Milliseconds of a clock that advances, in steps of its own, together with the time of day, and
 // costs next to nothing to read.

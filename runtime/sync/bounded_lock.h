@@ -6,7 +6,6 @@
 #include <atomic>
 #include <cstdint>
 
-#include "runtime/log/platform.h"
 #include "runtime/ov_threads.h"
 
 namespace ov {
@@ -15,7 +14,7 @@ class BoundedLock {
  public:
   // False when the calling thread holds it already, at once, or when the time ran out.
   bool acquire(uint32_t milliseconds) {
-    const uint32_t self = thread_id();
+    const uint32_t self = ov_thread_self();
     for (uint32_t waited = 0;; waited += step) {
       uint32_t free = 0;
       if (holder_.compare_exchange_strong(free, self, std::memory_order_acquire)) return true;

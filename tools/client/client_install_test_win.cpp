@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/client_exchange.h"
 #include "tests/support/client_process.h"
 #include "tests/support/installed_client.h"
-#include "tools/client/client_exchange.h"
 
 #include <windows.h>
 

@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/client_exchange.h"
 #include "tests/support/client_process.h"
-#include "tools/client/client_exchange.h"
-#include "tools/client/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace Vantrel::StandIn {
 namespace {

@@ -7,10 +7,10 @@
 #include <regex>
 #include <thread>
 
+#include "tests/support/client_exchange.h"
 #include "tests/support/client_process.h"
-#include "tools/client/client_exchange.h"
+#include "tests/support/scratch_folder.h"
 #include "tools/client/json_tree.h"
-#include "tools/client/scratch_folder.h"
 
 namespace Vantrel::StandIn {
 namespace {

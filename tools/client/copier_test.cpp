@@ -5,8 +5,8 @@
 #include <chrono>
 #include <thread>
 
+#include "tests/support/scratch_folder.h"
 #include "tools/client/paths.h"
-#include "tools/client/scratch_folder.h"
 
 namespace Vantrel::StandIn {
 namespace {

@@ -5,10 +5,10 @@
 #include <regex>
 #include <thread>
 
+#include "tests/support/scratch_folder.h"
 #include "tools/client/random_text.h"
 #include "tools/client/recorder.h"
 #include "tools/client/run_files.h"
-#include "tools/client/scratch_folder.h"
 
 namespace Vantrel::StandIn {
 namespace {

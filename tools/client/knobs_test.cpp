@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tools/client/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace Vantrel::StandIn {
 namespace {

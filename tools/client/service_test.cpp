@@ -6,9 +6,9 @@
 #include <atomic>
 #include <thread>
 
+#include "tests/support/scratch_folder.h"
 #include "tools/client/json_tree.h"
 #include "tools/client/paths.h"
-#include "tools/client/scratch_folder.h"
 
 namespace Vantrel::StandIn {
 namespace {

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/scratch_folder.h"
 #include "tools/client/paths.h"
-#include "tools/client/scratch_folder.h"
 
 namespace Vantrel::StandIn {
 namespace {

@@ -6,7 +6,6 @@
 #include <mutex>
 
 #include "runtime/ov_files.h"
-#include "runtime/ov_threads.h"
 
 namespace ov {
 namespace {
@@ -15,10 +14,6 @@ std::mutex log_lock;
 
 uint32_t process_id() {
   return static_cast<uint32_t>(getpid());
-}
-
-uint32_t thread_id() {
-  return ov_thread_self();
 }
 
 uint64_t coarse_milliseconds() {
