@@ -1,5 +1,5 @@
 // Removing directories.
-#include <string.h>
+#include <cstring>
 
 #include <new>
 #include <string>

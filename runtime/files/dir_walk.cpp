@@ -1,5 +1,5 @@
 // The walk through a directory and all below it.
-#include <string.h>
+#include <cstring>
 
 #include <memory>
 #include <new>

@@ -1,7 +1,7 @@
 // Making directories.
 #include "runtime/ov_files.h"
 
-#include <string.h>
+#include <cstring>
 
 #include "runtime/files/internal.h"
 #include "runtime/ov_errors.h"

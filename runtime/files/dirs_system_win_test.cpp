@@ -30,9 +30,9 @@ TEST(DirectoriesTest, Present) {
 // The profile's variable, which ends as it was.
 class DirectoriesHomeTest : public ::testing::Test {
  protected:
-  DirectoriesHomeTest() { GetEnvironmentVariableW(L"USERPROFILE", profile, OV_PATH_SIZE); }
-  ~DirectoriesHomeTest() override { SetEnvironmentVariableW(L"USERPROFILE", profile); }
-  wchar_t profile[OV_PATH_SIZE] = L"";
+  DirectoriesHomeTest() { GetEnvironmentVariableW(L"USERPROFILE", profile_, OV_PATH_SIZE); }
+  ~DirectoriesHomeTest() override { SetEnvironmentVariableW(L"USERPROFILE", profile_); }
+  wchar_t profile_[OV_PATH_SIZE] = L"";
 };
 
 TEST_F(DirectoriesHomeTest, Home) {

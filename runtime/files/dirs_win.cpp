@@ -1,8 +1,8 @@
 // Reading directories, and the making of one.
 #include <windows.h>
 
-#include <string.h>
-#include <wchar.h>
+#include <cstring>
+#include <cwchar>
 
 #include <new>
 

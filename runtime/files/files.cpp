@@ -1,7 +1,7 @@
 // What the file family does on texts and records, with no call of the system.
 #include "runtime/ov_files.h"
 
-#include <string.h>
+#include <cstring>
 
 #include "runtime/files/internal.h"
 #include "runtime/ov_errors.h"
@@ -14,7 +14,7 @@ ov_rc ov_file_init(ov_file* file) {
 }
 
 int32_t ov_file_valid(const ov_file* file) {
-  return file != nullptr && *file != ov::kClosedHandle;
+  return file != nullptr && *file != ov::kClosedHandle ? 1 : 0;
 }
 
 ov_rc ov_file_exist(const char* path, int32_t flags) {

@@ -165,20 +165,20 @@ namespace {
 
 class FilesWinTest : public ::testing::Test {
  protected:
-  FilesWinTest() : path(folder.path("file")) {
+  FilesWinTest() : path_(folder_.path("file")) {
     faults = {};
-    TempFolder::write(path, "content");
+    TempFolder::write(path_, "content");
   }
   ~FilesWinTest() override { faults = {}; }
 
-  const TempFolder folder;
-  const std::string path;
-  ov::CapturedLog log;
+  const TempFolder folder_;
+  const std::string path_;
+  ov::CapturedLog log_;
 };
 
 TEST_F(FilesWinTest, ReadIsRetriedTenTimesWhenResourcesAreShort) {
   ov_file file;
-  ASSERT_EQ(0, ov_file_openread(path.c_str(), &file));
+  ASSERT_EQ(0, ov_file_openread(path_.c_str(), &file));
   char buffer[16];
   uint32_t count = 0;
   faults.read = ERROR_NO_SYSTEM_RESOURCES;
@@ -190,30 +190,30 @@ TEST_F(FilesWinTest, ReadIsRetriedTenTimesWhenResourcesAreShort) {
     expected.push_back("ERR ov_fileread: resource error 1450, retrying after " +
                        std::to_string(i < 5 ? 0 : 10) + " ms");
   }
-  EXPECT_EQ(expected, log.take());
+  EXPECT_EQ(expected, log_.take());
   EXPECT_EQ(std::vector<DWORD>(5, 10), faults.slept);  // a delay of 0 does not sleep
 
   faults.readFailures = 11;
   EXPECT_EQ(1450, ov_file_read(&file, buffer, sizeof buffer, &count));
   EXPECT_EQ(0U, count);
   expected.push_back("ERR ov_fileread: ReadFile failed. error=1450");
-  EXPECT_EQ(expected, log.take());
+  EXPECT_EQ(expected, log_.take());
   EXPECT_EQ(0, faults.readFailures);
   EXPECT_EQ(0, ov_file_close(&file));
 }
 
 TEST_F(FilesWinTest, OtherReadErrorsAreLoggedAndReturned) {
   ov_file file;
-  ASSERT_EQ(0, ov_file_openread(path.c_str(), &file));
+  ASSERT_EQ(0, ov_file_openread(path_.c_str(), &file));
   char buffer[16];
   uint32_t count = 9;
   faults.read = ERROR_CRC;
   faults.readFailures = 1;
   EXPECT_EQ(ERROR_CRC, ov_file_read(&file, buffer, sizeof buffer, &count));
   EXPECT_EQ(0U, count);
-  EXPECT_EQ(Messages{"ERR ov_fileread: ReadFile failed. error=23"}, log.take());
+  EXPECT_EQ(Messages{"ERR ov_fileread: ReadFile failed. error=23"}, log_.take());
   faults.readFailures = 1;
-  EXPECT_EQ(ERROR_CRC, ov_file_copy(path.c_str(), folder.path("to").c_str(), 0));
+  EXPECT_EQ(ERROR_CRC, ov_file_copy(path_.c_str(), folder_.path("to").c_str(), 0));
   EXPECT_EQ(0, ov_file_close(&file));
 }
 
@@ -227,21 +227,21 @@ TEST_F(FilesWinTest, PipeWhoseOtherEndHasGoneIsAtItsEnd) {
   EXPECT_EQ(0, ov_file_read(&in, buffer, sizeof buffer, &count));
   EXPECT_EQ(0U, count);
   EXPECT_EQ(0, ov_file_close(&in));
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(FilesWinTest, OpenWriteThatCannotEmptyTheFileClosesIt) {
   faults.setEnd = ERROR_DISK_FULL;
   ov_file file;
-  EXPECT_EQ(ERROR_DISK_FULL, ov_file_openwrite(path.c_str(), &file, 0));
+  EXPECT_EQ(ERROR_DISK_FULL, ov_file_openwrite(path_.c_str(), &file, 0));
   EXPECT_EQ(0, ov_file_valid(&file));
-  EXPECT_EQ(0, ov_file_delete(path.c_str()));  // nothing holds it open
+  EXPECT_EQ(0, ov_file_delete(path_.c_str()));  // nothing holds it open
 }
 
 TEST_F(FilesWinTest, SeekFailuresAreLogged) {
   ov_file file;
   uint32_t count = 0;
-  ASSERT_EQ(0, ov_file_openrw(path.c_str(), &file, 0));
+  ASSERT_EQ(0, ov_file_openrw(path_.c_str(), &file, 0));
   EXPECT_EQ(131, ov_file_seek(&file, -1, 0));
   EXPECT_EQ(131, ov_file_pwrite(&file, "x", 1, -1, &count));
   EXPECT_EQ(131, ov_file_truncate(&file, -1));
@@ -251,7 +251,7 @@ TEST_F(FilesWinTest, SeekFailuresAreLogged) {
                       "LOG ov_file_seek: SetFilePointerEx failed, error=131",
                       "LOG ov_filetruncate: SetFilePointerEx failed, error=131",
                       "LOG ov_filetruncate: SetFileEnd failed, error=112"}),
-            log.take());
+            log_.take());
   EXPECT_EQ(0, ov_file_close(&file));
   EXPECT_EQ(22, ov_file_seek(nullptr, 0, 0));
   EXPECT_EQ(22, ov_file_truncate(nullptr, 0));
@@ -262,34 +262,34 @@ TEST_F(FilesWinTest, EmptyRootOfAVolumeIsAnEmptyDirectory) {
   faults.findFirst = ERROR_FILE_NOT_FOUND;
   ov_dir dir;
   ov_dirent entry;
-  ASSERT_EQ(0, ov_dir_open(folder.path().c_str(), &dir));
+  ASSERT_EQ(0, ov_dir_open(folder_.path().c_str(), &dir));
   EXPECT_EQ(28678, ov_dir_next(&dir, &entry));
   EXPECT_EQ(0, ov_dir_close(&dir));
-  EXPECT_EQ(2, ov_dir_open(path.c_str(), &dir));
+  EXPECT_EQ(2, ov_dir_open(path_.c_str(), &dir));
   faults.findFirst = ERROR_ACCESS_DENIED;
-  EXPECT_EQ(5, ov_dir_open(folder.path().c_str(), &dir));
+  EXPECT_EQ(5, ov_dir_open(folder_.path().c_str(), &dir));
 }
 
 TEST_F(FilesWinTest, DirectoryReadFailures) {
   ov_dir dir;
   ov_dirent entry;
-  ASSERT_EQ(0, ov_dir_open(folder.path().c_str(), &dir));
+  ASSERT_EQ(0, ov_dir_open(folder_.path().c_str(), &dir));
   EXPECT_EQ(0, ov_dir_next(&dir, &entry));
   faults.findNext = ERROR_ACCESS_DENIED;
   EXPECT_EQ(5, ov_dir_next(&dir, &entry));
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
   faults.findNext = ERROR_INVALID_PARAMETER;
   EXPECT_EQ(28678, ov_dir_next(&dir, &entry));
   EXPECT_EQ(Messages{"LOG WARNING: FindNextFile returned ERROR_INVALID_PARAMETER. Assuming "
                      "ERROR_NO_MORE_FILES."},
-            log.take());
+            log_.take());
   EXPECT_EQ(0, ov_dir_close(&dir));
 }
 
 TEST_F(FilesWinTest, MountPointCountsAsADirectory) {
   faults.mountPoint = true;
   ov_stat record;
-  ASSERT_EQ(0, ov_file_stat(path.c_str(), &record, 0));
+  ASSERT_EQ(0, ov_file_stat(path_.c_str(), &record, 0));
   EXPECT_EQ(OV_TYPE_DIRECTORY, record.type);
   EXPECT_EQ(16895, record.mode);
   EXPECT_GT(0, record.created);
@@ -298,7 +298,7 @@ TEST_F(FilesWinTest, MountPointCountsAsADirectory) {
 TEST_F(FilesWinTest, StatusOfAHandle) {
   ov_file file;
   ov_stat record;
-  ASSERT_EQ(0, ov_file_openread(path.c_str(), &file));
+  ASSERT_EQ(0, ov_file_openread(path_.c_str(), &file));
   ASSERT_EQ(0, ov_file_fstat(&file, &record));
   EXPECT_EQ(33206, record.mode);
   EXPECT_EQ(1, record.links);
@@ -309,7 +309,7 @@ TEST_F(FilesWinTest, StatusOfAHandle) {
   EXPECT_EQ(OV_TYPE_CHARACTER_DEVICE, record.type);
   EXPECT_EQ(0x2000, record.mode);
   faults.fileInformation = 5;
-  EXPECT_EQ(5, ov_file_stat(path.c_str(), &record, OV_STAT_IDENTITY));
+  EXPECT_EQ(5, ov_file_stat(path_.c_str(), &record, OV_STAT_IDENTITY));
   EXPECT_EQ(0, ov_file_close(&file));
 }
 
@@ -328,35 +328,35 @@ ov_rc note(const char*, int32_t created, void* argument) {
 TEST_F(FilesWinTest, DirectoryThatSomebodyElseMakesInBetweenIsThere) {
   std::vector<int32_t> told;
   faults.race = Faults::Race::kDirectory;
-  const std::string made = folder.path("made");
+  const std::string made = folder_.path("made");
   EXPECT_EQ(0, ov_dir_create_callback(made.c_str(), 0, 0, note, &told));
   EXPECT_EQ((std::vector<int32_t>{0}), told);
   EXPECT_EQ(1, ov_path_is_dir(made.c_str()));
   faults.race = Faults::Race::kFile;
-  EXPECT_EQ(267, ov_dir_create(folder.path("blocked").c_str(), 0, 0));
+  EXPECT_EQ(267, ov_dir_create(folder_.path("blocked").c_str(), 0, 0));
 }
 
 TEST_F(FilesWinTest, RecursiveDeleteRemovesALinkAndLeavesWhatItLeadsTo) {
-  ASSERT_EQ(0, ov_dir_create(folder.path("tree/link").c_str(), 0, 1));
-  TempFolder::write(folder.path("tree/link/precious"), "kept");
-  TempFolder::write(folder.path("tree/file"), "goes");
+  ASSERT_EQ(0, ov_dir_create(folder_.path("tree/link").c_str(), 0, 1));
+  TempFolder::write(folder_.path("tree/link/precious"), "kept");
+  TempFolder::write(folder_.path("tree/file"), "goes");
   faults.link = L"tree\\link";
-  faults.linkTarget = TempFolder::native(folder.path("target")).wstring();
-  EXPECT_EQ(0, ov_dir_delete(folder.path("tree").c_str(), 1));
+  faults.linkTarget = TempFolder::native(folder_.path("target")).wstring();
+  EXPECT_EQ(0, ov_dir_delete(folder_.path("tree").c_str(), 1));
   EXPECT_EQ(1, faults.linksRemoved);
   faults.link.clear();
-  EXPECT_EQ(0, ov_path_exists(folder.path("tree").c_str()));
-  EXPECT_EQ("kept", TempFolder::read(folder.path("target/precious")));
+  EXPECT_EQ(0, ov_path_exists(folder_.path("tree").c_str()));
+  EXPECT_EQ("kept", TempFolder::read(folder_.path("target/precious")));
 }
 
 TEST_F(FilesWinTest, DeleteOfALinkItselfRemovesOnlyTheLink) {
-  ASSERT_EQ(0, ov_dir_create(folder.path("link").c_str(), 0, 0));
-  TempFolder::write(folder.path("link/precious"), "kept");
+  ASSERT_EQ(0, ov_dir_create(folder_.path("link").c_str(), 0, 0));
+  TempFolder::write(folder_.path("link/precious"), "kept");
   faults.link = L"\\link";
-  faults.linkTarget = TempFolder::native(folder.path("target")).wstring();
-  EXPECT_EQ(0, ov_dir_delete(folder.path("link").c_str(), 1));
+  faults.linkTarget = TempFolder::native(folder_.path("target")).wstring();
+  EXPECT_EQ(0, ov_dir_delete(folder_.path("link").c_str(), 1));
   faults.link.clear();
-  EXPECT_EQ("kept", TempFolder::read(folder.path("target/precious")));
+  EXPECT_EQ("kept", TempFolder::read(folder_.path("target/precious")));
 }
 
 TEST_F(FilesWinTest, EmptyPathDeletesNothing) {
@@ -368,7 +368,7 @@ TEST_F(FilesWinTest, EmptyPathDeletesNothing) {
 
 TEST_F(FilesWinTest, PathTooLongForASearchIsRefused) {
   ov_dir dir;
-  EXPECT_EQ(0, ov_dir_open(folder.path().c_str(), &dir));
+  EXPECT_EQ(0, ov_dir_open(folder_.path().c_str(), &dir));
   EXPECT_EQ(0, ov_dir_close(&dir));
   // The mark of a long path adds four characters; 518 are the most.
   const std::string fits = "C:/" + std::string(511, 'x');
@@ -378,35 +378,35 @@ TEST_F(FilesWinTest, PathTooLongForASearchIsRefused) {
 
 TEST_F(FilesWinTest, CopyWritesOnUntilAllIsOut) {
   const std::string content(10000, 'x');
-  TempFolder::write(path, content);
-  const std::string to = folder.path("to");
+  TempFolder::write(path_, content);
+  const std::string to = folder_.path("to");
   faults.writeAtMost = 1000;
-  EXPECT_EQ(0, ov_file_copy(path.c_str(), to.c_str(), 0));
+  EXPECT_EQ(0, ov_file_copy(path_.c_str(), to.c_str(), 0));
   EXPECT_EQ(content, TempFolder::read(to));
   faults.writeNothing = true;
-  EXPECT_EQ(ERROR_GEN_FAILURE, ov_file_copy(path.c_str(), to.c_str(), 0));
+  EXPECT_EQ(ERROR_GEN_FAILURE, ov_file_copy(path_.c_str(), to.c_str(), 0));
   EXPECT_EQ("", TempFolder::read(to));
 }
 
 TEST_F(FilesWinTest, FailedCopyKeepsWhatWasWritten) {
-  TempFolder::write(path, std::string(10000, 'x'));
-  const std::string to = folder.path("to");
+  TempFolder::write(path_, std::string(10000, 'x'));
+  const std::string to = folder_.path("to");
   faults.write = ERROR_DISK_FULL;
-  EXPECT_EQ(ERROR_DISK_FULL, ov_file_copy(path.c_str(), to.c_str(), 0));
+  EXPECT_EQ(ERROR_DISK_FULL, ov_file_copy(path_.c_str(), to.c_str(), 0));
   faults.write = 0;
   EXPECT_EQ("", TempFolder::read(to));
   // Both files are closed.
   EXPECT_EQ(0, ov_file_delete(to.c_str()));
   faults.fileInformation = ERROR_CRC;
-  EXPECT_EQ(ERROR_CRC, ov_file_copy(path.c_str(), to.c_str(), 0));
+  EXPECT_EQ(ERROR_CRC, ov_file_copy(path_.c_str(), to.c_str(), 0));
   EXPECT_EQ(0, ov_file_delete(to.c_str()));
-  EXPECT_EQ(0, ov_file_delete(path.c_str()));
+  EXPECT_EQ(0, ov_file_delete(path_.c_str()));
 }
 
 TEST_F(FilesWinTest, WriteFailureIsReturned) {
   ov_file file;
   uint32_t count = 9;
-  ASSERT_EQ(0, ov_file_openwrite(path.c_str(), &file, 0));
+  ASSERT_EQ(0, ov_file_openwrite(path_.c_str(), &file, 0));
   faults.write = ERROR_DISK_FULL;
   EXPECT_EQ(ERROR_DISK_FULL, ov_file_write(&file, "x", 1, &count));
   EXPECT_EQ(0U, count);

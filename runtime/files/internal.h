@@ -1,7 +1,7 @@
 // What the sources of the file family share. Not part of the public header.
 #pragma once
 
-#include <stdint.h>
+#include <cstdint>
 
 #include "runtime/ov_files.h"
 

@@ -34,7 +34,7 @@ BOOLEAN WINAPI createSymbolicLink(LPCWSTR link, LPCWSTR target, DWORD flags) {
   DWORD error = links.refusal;
   if (error == 0 && !links.knowsFlag2 && (flags & 2) != 0) error = ERROR_INVALID_PARAMETER;
   SetLastError(error);
-  return error == 0;
+  return error == 0 ? TRUE : FALSE;
 }
 
 BOOL WINAPI deviceIoControl(HANDLE, DWORD code, LPVOID, DWORD, LPVOID out, DWORD size,
@@ -65,52 +65,52 @@ namespace {
 
 class FileLinksTest : public ::testing::Test {
  protected:
-  FileLinksTest() : path(folder.path("link")) { links = {}; }
+  FileLinksTest() : path_(folder_.path("link")) { links = {}; }
 
-  const TempFolder folder;
-  const std::string path;
+  const TempFolder folder_;
+  const std::string path_;
 };
 
 TEST_F(FileLinksTest, LinkToAFileHasItsTextWithBackslashes) {
-  EXPECT_EQ(0, ov_file_symlink("C:/some/\xC3\xA4", path.c_str()));
+  EXPECT_EQ(0, ov_file_symlink("C:/some/\xC3\xA4", path_.c_str()));
   EXPECT_EQ(std::vector<DWORD>{2}, links.flags);
   EXPECT_EQ(L"C:\\some\\\u00E4", links.target);
   EXPECT_NE(std::wstring::npos, links.link.find(L"\\link"));
 }
 
 TEST_F(FileLinksTest, LinkToADirectoryIsMarked) {
-  EXPECT_EQ(0, ov_file_symlink(folder.path().c_str(), path.c_str()));
-  EXPECT_EQ(0, ov_dir_create(folder.path("sub").c_str(), 0, 0));
+  EXPECT_EQ(0, ov_file_symlink(folder_.path().c_str(), path_.c_str()));
+  EXPECT_EQ(0, ov_dir_create(folder_.path("sub").c_str(), 0, 0));
   // A relative text counts from where the link is.
-  EXPECT_EQ(0, ov_file_symlink("sub", path.c_str()));
-  EXPECT_EQ(0, ov_file_symlink("none", path.c_str()));
+  EXPECT_EQ(0, ov_file_symlink("sub", path_.c_str()));
+  EXPECT_EQ(0, ov_file_symlink("none", path_.c_str()));
   EXPECT_EQ((std::vector<DWORD>{3, 3, 2}), links.flags);
   EXPECT_EQ(L"none", links.target);
 }
 
 TEST_F(FileLinksTest, OlderSystemIsAskedWithoutTheRightForAll) {
   links.knowsFlag2 = false;
-  EXPECT_EQ(0, ov_file_symlink("none", path.c_str()));
+  EXPECT_EQ(0, ov_file_symlink("none", path_.c_str()));
   EXPECT_EQ((std::vector<DWORD>{2, 0}), links.flags);
 }
 
 TEST_F(FileLinksTest, RefusalIsTold) {
   links.refusal = ERROR_PRIVILEGE_NOT_HELD;
-  EXPECT_EQ(1314, ov_file_symlink("none", path.c_str()));
+  EXPECT_EQ(1314, ov_file_symlink("none", path_.c_str()));
   EXPECT_EQ(1U, links.flags.size());
 }
 
 TEST_F(FileLinksTest, TargetHasForwardSlashes) {
-  TempFolder::write(path, "");
+  TempFolder::write(path_, "");
   links.shown = L"D:\\data\\\u00E4";
   char out[OV_PATH_SIZE];
-  EXPECT_EQ(0, ov_file_readlink(path.c_str(), out, sizeof out));
+  EXPECT_EQ(0, ov_file_readlink(path_.c_str(), out, sizeof out));
   EXPECT_STREQ("D:/data/\xC3\xA4", out);
-  EXPECT_EQ(122, ov_file_readlink(path.c_str(), out, 4));
+  EXPECT_EQ(122, ov_file_readlink(path_.c_str(), out, 4));
   links.shown.assign(OV_PATH_SIZE, L'x');
-  EXPECT_EQ(122, ov_file_readlink(path.c_str(), out, sizeof out));
+  EXPECT_EQ(122, ov_file_readlink(path_.c_str(), out, sizeof out));
   links.readError = ERROR_NOT_A_REPARSE_POINT;
-  EXPECT_EQ(4390, ov_file_readlink(path.c_str(), out, sizeof out));
+  EXPECT_EQ(4390, ov_file_readlink(path_.c_str(), out, sizeof out));
 }
 
 }  // namespace

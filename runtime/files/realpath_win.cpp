@@ -1,7 +1,7 @@
 // The long names of a path.
 #include <windows.h>
 
-#include <wchar.h>
+#include <cwchar>
 
 #include "runtime/errors/last_code_win.h"
 #include "runtime/ov_errors.h"

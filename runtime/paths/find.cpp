@@ -1,7 +1,7 @@
 // Paths looked up in the file system, and the product's directories.
 #include "runtime/paths/internal.h"
 
-#include <string.h>
+#include <cstring>
 
 #include "runtime/ov_files.h"
 #include "runtime/ov_strings.h"
@@ -43,12 +43,13 @@ bool compose(const char* dir, size_t dirLength, const char* name, char* out, siz
 
 int32_t ov_path_exists(const char* path) {
   ov_stat record;
-  return ov_file_stat(path, &record, 0) == 0;
+  return ov_file_stat(path, &record, 0) == 0 ? 1 : 0;
 }
 
 int32_t ov_path_is_dir(const char* path) {
   ov_stat record;
-  return ov_file_stat(path, &record, 0) == 0 && record.type == OV_TYPE_DIRECTORY;
+  const bool found = ov_file_stat(path, &record, 0) == 0;
+  return found && record.type == OV_TYPE_DIRECTORY ? 1 : 0;
 }
 
 const char* ov_path_product_info_file_name(void) {

@@ -1,7 +1,7 @@
 // What the sources of the path family share. Not part of the public header.
 #pragma once
 
-#include <stddef.h>
+#include <cstddef>
 
 #include "runtime/ov_paths.h"
 

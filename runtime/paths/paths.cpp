@@ -1,10 +1,10 @@
 // Canonical paths, joining, and what is built on them.
 #include "runtime/paths/internal.h"
 
-#include <stdint.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include <initializer_list>
 #include <memory>

@@ -1,8 +1,8 @@
 // Tests of a path's form, and its root.
 #include "runtime/paths/internal.h"
 
-#include <stdint.h>
-#include <string.h>
+#include <cstdint>
+#include <cstring>
 
 #include "runtime/ov_uri.h"
 
@@ -89,13 +89,13 @@ int32_t ov_path_unc_parts(const char* path, char* prefix, const char** rest) {
 
 int32_t ov_path_is_unc_path(const char* path) {
   if (path == nullptr || path[0] != '/' || path[1] != '/' || path[2] == '\0') return 0;
-  return strchr(path + 3, '/') != nullptr;
+  return strchr(path + 3, '/') != nullptr ? 1 : 0;
 }
 
 int32_t ov_path_has_windows_drive_letter(const char* path) {
   if (path == nullptr) return 0;
   const char* start = ov::skip_white_space(path);
-  return ov::is_drive_letter(start[0]) && start[1] == ':';
+  return ov::is_drive_letter(start[0]) && start[1] == ':' ? 1 : 0;
 }
 
 int32_t ov_path_is_relative(const char* path) {
@@ -104,12 +104,12 @@ int32_t ov_path_is_relative(const char* path) {
   const char* start = ov::skip_white_space(path);
   if (start[0] == '/' || start[0] == '\\') return 0;
   if (!ov_path_has_windows_drive_letter(start)) return 1;
-  return start[2] != '/' && start[2] != '\\';
+  return start[2] != '/' && start[2] != '\\' ? 1 : 0;
 }
 
 int32_t ov_path_is_zept_uri(const char* path) {
   constexpr char kScheme[] = "zept://";
-  return path != nullptr && strncmp(path, kScheme, sizeof kScheme - 1) == 0;
+  return path != nullptr && strncmp(path, kScheme, sizeof kScheme - 1) == 0 ? 1 : 0;
 }
 
 int32_t ov_path_contains_dotdot(const char* path) {

@@ -1,5 +1,5 @@
 // A path in segments, and walking it.
-#include <string.h>
+#include <cstring>
 
 #include "runtime/ov_paths.h"
 #include "runtime/ov_strings.h"
@@ -48,7 +48,7 @@ void ov_path_string_to_path(ov_path* path, const char* text) {
 
 int32_t ov_path_can_go_up_a_directory(const ov_path* path) {
   if (path == nullptr) return 0;
-  if (path->count == 0) return path->prefix[0] != '\0';
+  if (path->count == 0) return path->prefix[0] != '\0' ? 1 : 0;
   for (int32_t i = 0; i < path->count; ++i) {
     const ov_path_segment& segment = path->segments[i];
     if (segment.length < 2 || !is_dotdot(segment.text, 2)) return 1;

@@ -1,7 +1,7 @@
 // Slashes: separators, trailing and doubled ones, backslashes, the root in front.
 #include "runtime/paths/internal.h"
 
-#include <string.h>
+#include <cstring>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"

@@ -4,7 +4,7 @@
 #include <lm.h>
 #include <sddl.h>
 
-#include <wchar.h>
+#include <cwchar>
 
 #include <memory>
 

@@ -29,7 +29,7 @@ USER_INFO_3 userInfo;
 
 BOOL fails(DWORD error) {
   SetLastError(error);
-  return error == 0;
+  return error == 0 ? TRUE : FALSE;
 }
 
 BOOL WINAPI lookupAccountName(LPCWSTR, LPCWSTR name, PSID sid, LPDWORD size, LPWSTR domain,
@@ -103,9 +103,9 @@ class UserProfileTest : public ::testing::Test {
                           static_cast<DWORD>(value.size() * sizeof(wchar_t))));
     RegCloseKey(key);
   }
-  ov_rc look() { return ov_path_user_home_dir("bob", out, sizeof out); }
+  ov_rc look() { return ov_path_user_home_dir("bob", out_, sizeof out_); }
 
-  char out[OV_PATH_SIZE] = "";
+  char out_[OV_PATH_SIZE] = "";
 };
 
 TEST_F(UserProfileTest, VariablesInThePathAreExpanded) {
@@ -115,15 +115,15 @@ TEST_F(UserProfileTest, VariablesInThePathAreExpanded) {
   EXPECT_STREQ(
       "D:\\profiles\\b\xC3\xB6"
       "b",
-      out);
+      out_);
   EXPECT_EQ(L"bob", lookedUp);
 }
 
 TEST_F(UserProfileTest, PathNeedNotBeTerminated) {
   keep(L"D:\\bob");
   EXPECT_EQ(0, look());
-  EXPECT_STREQ("D:\\bob", out);
-  EXPECT_EQ(122, ov_path_user_home_dir("bob", out, 6));
+  EXPECT_STREQ("D:\\bob", out_);
+  EXPECT_EQ(122, ov_path_user_home_dir("bob", out_, 6));
 }
 
 TEST_F(UserProfileTest, MissingKeyAndValue) {

@@ -1,7 +1,7 @@
 // The form of a path that a wide system call takes.
 #include "runtime/paths/internal.h"
 
-#include <string.h>
+#include <cstring>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"

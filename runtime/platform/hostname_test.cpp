@@ -23,7 +23,9 @@ TEST(HostNameTest, IsRememberedAfterTheFirstSuccess) {
   for (int i = 0; i < 8; ++i) {
     threads.emplace_back([&wrong] {
       char name[520];
-      wrong += ov_platform_hostname(name, sizeof name) != 0 || std::string("Machine") != name;
+      const bool right =
+          ov_platform_hostname(name, sizeof name) == 0 && std::string("Machine") == name;
+      wrong += right ? 0 : 1;
     });
   }
   for (std::thread& thread : threads) thread.join();

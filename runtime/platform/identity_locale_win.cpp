@@ -1,6 +1,6 @@
 // The program's locale.
-#include <locale.h>
-#include <wchar.h>
+#include <clocale>
+#include <cwchar>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"

@@ -123,19 +123,19 @@ class IdentityTest : public ::testing::Test {
     faults = {};
     domain = {};
   }
-  char out[520] = "old";
-  ov::CapturedLog log;
+  char out_[520] = "old";
+  ov::CapturedLog log_;
 };
 
 TEST_F(IdentityTest, ComputerName) {
   faults.computer = ERROR_ACCESS_DENIED;
-  EXPECT_EQ(5, ov::computer_name(out, sizeof out));
+  EXPECT_EQ(5, ov::computer_name(out_, sizeof out_));
   faults.computer = 0;
   char name[MAX_COMPUTERNAME_LENGTH + 1];
   DWORD size = sizeof name;
   ASSERT_TRUE(GetComputerNameA(name, &size));
-  EXPECT_EQ(0, ov_platform_hostname(out, sizeof out));
-  EXPECT_STREQ(name, out);
+  EXPECT_EQ(0, ov_platform_hostname(out_, sizeof out_));
+  EXPECT_STREQ(name, out_);
   char user[64];
   ov_snprintf(user, sizeof user, "%s\\Bob", name);
   EXPECT_EQ(0, ov_platform_normalize_user_name_ex(user, sizeof user, 3));
@@ -144,18 +144,18 @@ TEST_F(IdentityTest, ComputerName) {
 }
 
 TEST_F(IdentityTest, DomainsAreAskedForTheirFlatName) {
-  EXPECT_EQ(1355, ov::flat_domain_name("acme.example", out, sizeof out));
+  EXPECT_EQ(1355, ov::flat_domain_name("acme.example", out_, sizeof out_));
   EXPECT_EQ("acme.example", domain.asked);
   EXPECT_EQ(0x80000000U, domain.flags);
   EXPECT_EQ(0, domain.freed);
   domain.known = true;
-  EXPECT_EQ(0, ov::flat_domain_name("acme.example", out, sizeof out));
-  EXPECT_STREQ("Acme", out);
+  EXPECT_EQ(0, ov::flat_domain_name("acme.example", out_, sizeof out_));
+  EXPECT_STREQ("Acme", out_);
   EXPECT_EQ(1, domain.freed);
-  EXPECT_EQ(28677, ov::flat_domain_name("acme.example", out, 4));
+  EXPECT_EQ(28677, ov::flat_domain_name("acme.example", out_, 4));
   EXPECT_EQ(2, domain.freed);
   domain.named = false;
-  EXPECT_EQ(1355, ov::flat_domain_name("acme.example", out, sizeof out));
+  EXPECT_EQ(1355, ov::flat_domain_name("acme.example", out_, sizeof out_));
   EXPECT_EQ(3, domain.freed);
 }
 
@@ -167,7 +167,8 @@ TEST_F(IdentityTest, UserOfADomain) {
   };
   ov_platform_init();
   EXPECT_EQ("ACME.EXAMPLE\\bob", normalized());
-  EXPECT_EQ(Messages{"ERR Unable to locate domain acme.example.  Leaving name as is."}, log.take());
+  EXPECT_EQ(Messages{"ERR Unable to locate domain acme.example.  Leaving name as is."},
+            log_.take());
   domain.known = true;
   EXPECT_EQ("ACME\\bob", normalized());
   domain.known = false;
@@ -181,25 +182,25 @@ TEST_F(IdentityTest, SystemVersion) {
   ASSERT_TRUE(GetVersionExW(&info));
   const std::string start = "Microsoft Windows " + std::to_string(info.dwMajorVersion) + "." +
                             std::to_string(info.dwMinorVersion) + " ";
-  EXPECT_EQ(0, ov_platform_os(out, sizeof out));
-  EXPECT_EQ(0U, std::string(out).find(start));
+  EXPECT_EQ(0, ov_platform_os(out_, sizeof out_));
+  EXPECT_EQ(0U, std::string(out_).find(start));
   EXPECT_EQ(284U, faults.versionSize);
   faults.version = ERROR_INVALID_PARAMETER;
-  EXPECT_EQ(87, ov_platform_os(out, sizeof out));
+  EXPECT_EQ(87, ov_platform_os(out_, sizeof out_));
 }
 
 TEST_F(IdentityTest, ProcessOwner) {
-  EXPECT_EQ(0, ov_platform_get_process_uname(out, sizeof out));
-  EXPECT_STRNE("", out);
-  EXPECT_EQ(122, ov_platform_get_process_uname(out, 1));
+  EXPECT_EQ(0, ov_platform_get_process_uname(out_, sizeof out_));
+  EXPECT_STRNE("", out_);
+  EXPECT_EQ(122, ov_platform_get_process_uname(out_, 1));
   EXPECT_EQ(22, ov_platform_get_process_uname(nullptr, 1));
-  ov_process_setenv("USER", out);
+  ov_process_setenv("USER", out_);
   faults.owner = ERROR_ACCESS_DENIED;
-  EXPECT_EQ(5, ov_platform_get_process_uname(out, sizeof out));
+  EXPECT_EQ(5, ov_platform_get_process_uname(out_, sizeof out_));
   ov_process_setenv("USER", "bob");
-  EXPECT_EQ(0, ov_platform_usr(out, sizeof out));
-  EXPECT_STREQ("bob", out);
-  EXPECT_EQ(Messages{"LOG Process owner and %USER% name mismatch, using env name"}, log.take());
+  EXPECT_EQ(0, ov_platform_usr(out_, sizeof out_));
+  EXPECT_STREQ("bob", out_);
+  EXPECT_EQ(Messages{"LOG Process owner and %USER% name mismatch, using env name"}, log_.take());
 }
 
 TEST_F(IdentityTest, Locale) {

@@ -95,30 +95,30 @@ TEST(WidePathTest, Failures) {
 class UserHomeTest : public ::testing::Test {
  protected:
   UserHomeTest() { accounts = {}; }
-  char out[OV_PATH_SIZE] = "";
+  char out_[OV_PATH_SIZE] = "";
 };
 
 TEST_F(UserHomeTest, FromTheAccount) {
   accounts.home = L"D:\\home\\\u00E4";
-  EXPECT_EQ(0, ov_path_user_home_dir("bob", out, sizeof out));
-  EXPECT_STREQ("D:\\home\\\xC3\xA4", out);
+  EXPECT_EQ(0, ov_path_user_home_dir("bob", out_, sizeof out_));
+  EXPECT_STREQ("D:\\home\\\xC3\xA4", out_);
   EXPECT_EQ(L"", accounts.server);
   EXPECT_EQ(L"bob", accounts.user);
   EXPECT_EQ(1, accounts.freed);
-  EXPECT_EQ(122, ov_path_user_home_dir("bob", out, 4));
+  EXPECT_EQ(122, ov_path_user_home_dir("bob", out_, 4));
 }
 
 TEST_F(UserHomeTest, OfADomain) {
   accounts.home = L"D:\\home";
   accounts.domain = true;
-  EXPECT_EQ(0, ov_path_user_home_dir("ACME\\bob", out, sizeof out));
+  EXPECT_EQ(0, ov_path_user_home_dir("ACME\\bob", out_, sizeof out_));
   EXPECT_EQ(L"\\\\controller", accounts.server);
   EXPECT_EQ(L"bob", accounts.user);
   EXPECT_EQ(2, accounts.freed);
-  EXPECT_EQ(0, ov_path_user_home_dir("NONE\\bob", out, sizeof out));
+  EXPECT_EQ(0, ov_path_user_home_dir("NONE\\bob", out_, sizeof out_));
   EXPECT_EQ(L"", accounts.server);
   EXPECT_EQ(L"NONE\\bob", accounts.user);
-  EXPECT_EQ(0, ov_path_user_home_dir("\\bob", out, sizeof out));
+  EXPECT_EQ(0, ov_path_user_home_dir("\\bob", out_, sizeof out_));
   EXPECT_EQ(L"\\bob", accounts.user);
 }
 
@@ -129,21 +129,21 @@ TEST_F(UserHomeTest, FromTheProfile) {
   char name[256];
   size_t bytes = sizeof name;
   ASSERT_EQ(0, ov_wchar_to_utf8(user, name, &bytes));
-  EXPECT_EQ(0, ov_path_user_home_dir(name, out, sizeof out));
-  EXPECT_EQ(nullptr, strchr(out, '%'));
-  EXPECT_NE(nullptr, strstr(out, name));
-  EXPECT_EQ(1332, ov_path_user_home_dir("nobody-of-this-name", out, sizeof out));
+  EXPECT_EQ(0, ov_path_user_home_dir(name, out_, sizeof out_));
+  EXPECT_EQ(nullptr, strchr(out_, '%'));
+  EXPECT_NE(nullptr, strstr(out_, name));
+  EXPECT_EQ(1332, ov_path_user_home_dir("nobody-of-this-name", out_, sizeof out_));
 }
 
 TEST_F(UserHomeTest, Failures) {
   accounts.status = 2221;
-  EXPECT_EQ(2221, ov_path_user_home_dir("bob", out, sizeof out));
+  EXPECT_EQ(2221, ov_path_user_home_dir("bob", out_, sizeof out_));
   EXPECT_EQ(0, accounts.freed);
   accounts.status = ERROR_MORE_DATA;
-  EXPECT_EQ(234, ov_path_user_home_dir("bob", out, sizeof out));
+  EXPECT_EQ(234, ov_path_user_home_dir("bob", out_, sizeof out_));
   EXPECT_EQ(1, accounts.freed);
-  EXPECT_EQ(122, ov_path_user_home_dir(std::string(1024, 'x').c_str(), out, sizeof out));
-  EXPECT_EQ(22, ov_path_user_home_dir(nullptr, out, sizeof out));
+  EXPECT_EQ(122, ov_path_user_home_dir(std::string(1024, 'x').c_str(), out_, sizeof out_));
+  EXPECT_EQ(22, ov_path_user_home_dir(nullptr, out_, sizeof out_));
   EXPECT_EQ(22, ov_path_user_home_dir("bob", nullptr, 0));
 }
 
@@ -202,131 +202,131 @@ TEST(ProcessTest, ExitIsSeenOnce) {
 }
 
 // A key for each process, since cases run side by side in one registry.
-const std::string keyName = "SOFTWARE\\Orvane-Test-" + std::to_string(GetCurrentProcessId());
-const std::wstring wideKeyName(keyName.begin(), keyName.end());
+const std::string kKeyName = "SOFTWARE\\Orvane-Test-" + std::to_string(GetCurrentProcessId());
+const std::wstring kWideKeyName(kKeyName.begin(), kKeyName.end());
 
 class RegistryTest : public ::testing::Test {
  protected:
   RegistryTest() { open(KEY_WOW64_64KEY); }
   ~RegistryTest() override {
-    RegCloseKey(key);
-    RegDeleteKeyExW(HKEY_CURRENT_USER, wideKeyName.c_str(), KEY_WOW64_64KEY, 0);
-    RegDeleteKeyExW(HKEY_CURRENT_USER, wideKeyName.c_str(), KEY_WOW64_32KEY, 0);
+    RegCloseKey(key_);
+    RegDeleteKeyExW(HKEY_CURRENT_USER, kWideKeyName.c_str(), KEY_WOW64_64KEY, 0);
+    RegDeleteKeyExW(HKEY_CURRENT_USER, kWideKeyName.c_str(), KEY_WOW64_32KEY, 0);
   }
   void open(REGSAM view) {
-    ASSERT_EQ(0, RegCreateKeyExW(HKEY_CURRENT_USER, wideKeyName.c_str(), 0, nullptr, 0,
-                                 KEY_ALL_ACCESS | view, nullptr, &key, nullptr));
+    ASSERT_EQ(0, RegCreateKeyExW(HKEY_CURRENT_USER, kWideKeyName.c_str(), 0, nullptr, 0,
+                                 KEY_ALL_ACCESS | view, nullptr, &key_, nullptr));
   }
   void set(DWORD type, const void* data, DWORD bytes) {
-    ASSERT_EQ(0, RegSetValueExW(key, L"Name", 0, type, static_cast<const BYTE*>(data), bytes));
+    ASSERT_EQ(0, RegSetValueExW(key_, L"Name", 0, type, static_cast<const BYTE*>(data), bytes));
   }
   ov_rc get(uint32_t size) {
-    length = size;
-    return ov_reg_get(OV_REG_CURRENT_USER, keyName.c_str(), "Name", out, &length);
+    length_ = size;
+    return ov_reg_get(OV_REG_CURRENT_USER, kKeyName.c_str(), "Name", out_, &length_);
   }
-  HKEY key = nullptr;
-  char out[64] = "old";
-  uint32_t length = 0;
-  ov::CapturedLog log;
+  HKEY key_ = nullptr;
+  char out_[64] = "old";
+  uint32_t length_ = 0;
+  ov::CapturedLog log_;
 };
 
 TEST_F(RegistryTest, TextIsUtf8) {
   EXPECT_EQ(HKEY_LOCAL_MACHINE, OV_REG_LOCAL_MACHINE);
   EXPECT_EQ(HKEY_CURRENT_USER, OV_REG_CURRENT_USER);
   set(REG_SZ, L"C:\\\u00E4", 10);
-  EXPECT_EQ(0, get(sizeof out));
-  EXPECT_STREQ("C:\\\xC3\xA4", out);
-  EXPECT_EQ(6U, length);
+  EXPECT_EQ(0, get(sizeof out_));
+  EXPECT_STREQ("C:\\\xC3\xA4", out_);
+  EXPECT_EQ(6U, length_);
   set(REG_EXPAND_SZ, L"%X%", 8);
-  EXPECT_EQ(0, get(sizeof out));
-  EXPECT_STREQ("%X%", out);
+  EXPECT_EQ(0, get(sizeof out_));
+  EXPECT_STREQ("%X%", out_);
 }
 
 TEST_F(RegistryTest, TextNeedNotBeTerminatedNorEven) {
   set(REG_SZ, L"abcd", 6);  // the system would add a terminator that it sees behind
   EXPECT_EQ(0, get(6));
-  EXPECT_STREQ("abc", out);
+  EXPECT_STREQ("abc", out_);
   set(REG_SZ, L"abc", 5);
-  EXPECT_EQ(0, get(sizeof out));
-  EXPECT_STREQ("ab", out);
+  EXPECT_EQ(0, get(sizeof out_));
+  EXPECT_STREQ("ab", out_);
   set(REG_SZ, L"", 0);
-  EXPECT_EQ(0, get(sizeof out));
-  EXPECT_STREQ("", out);
-  EXPECT_EQ(1U, length);
+  EXPECT_EQ(0, get(sizeof out_));
+  EXPECT_STREQ("", out_);
+  EXPECT_EQ(1U, length_);
 }
 
 TEST_F(RegistryTest, SmallBufferTellsALargerSizeAndIsEmptied) {
   set(REG_SZ, L"abcd", 10);
   EXPECT_EQ(28677, get(9));
-  EXPECT_STREQ("", out);
-  EXPECT_EQ(40U, length);
-  EXPECT_EQ(Messages{"DBG Buffer length of 40 required"}, log.take());
-  length = 0;
-  EXPECT_EQ(0, ov_reg_get(OV_REG_CURRENT_USER, keyName.c_str(), "Name", nullptr, &length));
-  EXPECT_EQ(40U, length);
+  EXPECT_STREQ("", out_);
+  EXPECT_EQ(40U, length_);
+  EXPECT_EQ(Messages{"DBG Buffer length of 40 required"}, log_.take());
+  length_ = 0;
+  EXPECT_EQ(0, ov_reg_get(OV_REG_CURRENT_USER, kKeyName.c_str(), "Name", nullptr, &length_));
+  EXPECT_EQ(40U, length_);
   EXPECT_EQ(28677, get(0));
 }
 
 TEST_F(RegistryTest, TextThatGrowsInUtf8) {
   set(REG_SZ, L"\u20AC\u20AC\u20AC", 6);
   EXPECT_EQ(28677, get(8));
-  EXPECT_STREQ("", out);
-  EXPECT_EQ(10U, length);
-  const Messages lines = log.take();
+  EXPECT_STREQ("", out_);
+  EXPECT_EQ(10U, length_);
+  const Messages lines = log_.take();
   ASSERT_EQ(1U, lines.size());
   EXPECT_EQ(0U, lines[0].find("LOG ov_str_ncpy() failed, errno:28677, err desc:"));
   EXPECT_EQ(0, get(10));
-  EXPECT_EQ(10U, length);
+  EXPECT_EQ(10U, length_);
 }
 
 TEST_F(RegistryTest, OtherTypesAreRefused) {
   const DWORD number = 7;
   set(REG_DWORD, &number, sizeof number);
-  EXPECT_EQ(22, get(sizeof out));
-  EXPECT_STREQ("", out);
-  EXPECT_EQ(Messages{"LOG RegQueryValueEx() returned unexpected type: 4l"}, log.take());
+  EXPECT_EQ(22, get(sizeof out_));
+  EXPECT_STREQ("", out_);
+  EXPECT_EQ(Messages{"LOG RegQueryValueEx() returned unexpected type: 4l"}, log_.take());
 }
 
 TEST_F(RegistryTest, IllFormedTextIsRefused) {
   set(REG_SZ, L"a\xD800", 6);
-  EXPECT_EQ(22, get(sizeof out));
-  EXPECT_STREQ("", out);
-  const Messages lines = log.take();
+  EXPECT_EQ(22, get(sizeof out_));
+  EXPECT_STREQ("", out_);
+  const Messages lines = log_.take();
   ASSERT_EQ(1U, lines.size());
   EXPECT_EQ(0U, lines[0].find("LOG ov_wchar_to_utf8() failed, errno:22, err desc:"));
 }
 
 TEST_F(RegistryTest, MissingKeyAndValue) {
-  EXPECT_EQ(2, get(sizeof out));
-  EXPECT_STREQ("", out);
-  length = sizeof out;
-  EXPECT_EQ(2, ov_reg_get(OV_REG_CURRENT_USER, "SOFTWARE\\No", "Name", out, &length));
+  EXPECT_EQ(2, get(sizeof out_));
+  EXPECT_STREQ("", out_);
+  length_ = sizeof out_;
+  EXPECT_EQ(2, ov_reg_get(OV_REG_CURRENT_USER, "SOFTWARE\\No", "Name", out_, &length_));
   EXPECT_EQ(
       (Messages{"DBG Registry value Name not found", "DBG Registry subkey SOFTWARE\\No not found"}),
-      log.take());
+      log_.take());
 }
 
 TEST_F(RegistryTest, ThirtyTwoBitViewIsLookedAtSecond) {
-  RegCloseKey(key);
-  RegDeleteKeyExW(HKEY_LOCAL_MACHINE, wideKeyName.c_str(), KEY_WOW64_64KEY, 0);
-  ASSERT_EQ(0, RegCreateKeyExW(HKEY_LOCAL_MACHINE, wideKeyName.c_str(), 0, nullptr, 0,
-                               KEY_ALL_ACCESS | KEY_WOW64_32KEY, nullptr, &key, nullptr));
+  RegCloseKey(key_);
+  RegDeleteKeyExW(HKEY_LOCAL_MACHINE, kWideKeyName.c_str(), KEY_WOW64_64KEY, 0);
+  ASSERT_EQ(0, RegCreateKeyExW(HKEY_LOCAL_MACHINE, kWideKeyName.c_str(), 0, nullptr, 0,
+                               KEY_ALL_ACCESS | KEY_WOW64_32KEY, nullptr, &key_, nullptr));
   set(REG_SZ, L"32", 6);
-  length = sizeof out;
-  EXPECT_EQ(0, ov_reg_get(OV_REG_LOCAL_MACHINE, keyName.c_str(), "Name", out, &length));
-  EXPECT_STREQ("32", out);
-  RegDeleteKeyExW(HKEY_LOCAL_MACHINE, wideKeyName.c_str(), KEY_WOW64_32KEY, 0);
+  length_ = sizeof out_;
+  EXPECT_EQ(0, ov_reg_get(OV_REG_LOCAL_MACHINE, kKeyName.c_str(), "Name", out_, &length_));
+  EXPECT_STREQ("32", out_);
+  RegDeleteKeyExW(HKEY_LOCAL_MACHINE, kWideKeyName.c_str(), KEY_WOW64_32KEY, 0);
 }
 
 TEST_F(RegistryTest, BadHiveAndArguments) {
-  length = sizeof out;
-  EXPECT_EQ(6, ov_reg_get(nullptr, keyName.c_str(), "Name", out, &length));
-  const Messages lines = log.take();
+  length_ = sizeof out_;
+  EXPECT_EQ(6, ov_reg_get(nullptr, kKeyName.c_str(), "Name", out_, &length_));
+  const Messages lines = log_.take();
   ASSERT_EQ(1U, lines.size());
-  EXPECT_EQ(0U, lines[0].find("LOG RegOpenKeyEx() " + keyName + " failed, errno:6, err desc:"));
-  EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, nullptr, "Name", out, &length));
-  EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, keyName.c_str(), nullptr, out, &length));
-  EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, keyName.c_str(), "Name", out, nullptr));
+  EXPECT_EQ(0U, lines[0].find("LOG RegOpenKeyEx() " + kKeyName + " failed, errno:6, err desc:"));
+  EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, nullptr, "Name", out_, &length_));
+  EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, kKeyName.c_str(), nullptr, out_, &length_));
+  EXPECT_EQ(22, ov_reg_get(OV_REG_CURRENT_USER, kKeyName.c_str(), "Name", out_, nullptr));
 }
 
 TEST(SocketsTest, StartCloseAndEnd) {

@@ -74,32 +74,32 @@ class RegistryFaultsTest : public ::testing::Test {
   RegistryFaultsTest() { told = {}; }
   // One line, with a text of the system's at its end.
   void expectLine(const std::string& start) {
-    const Messages lines = log.take();
+    const Messages lines = log_.take();
     ASSERT_EQ(1U, lines.size());
     EXPECT_EQ(0U, lines[0].find("LOG " + start + " failed, errno:5, err desc:")) << lines[0];
   }
   ov_rc get() {
-    length = sizeof out;
-    out[0] = 'x';
-    return ov_reg_get(OV_REG_LOCAL_MACHINE, "Key", "Name", out, &length);
+    length_ = sizeof out_;
+    out_[0] = 'x';
+    return ov_reg_get(OV_REG_LOCAL_MACHINE, "Key", "Name", out_, &length_);
   }
-  char out[16] = "";
-  uint32_t length = 0;
-  ov::CapturedLog log;
+  char out_[16] = "";
+  uint32_t length_ = 0;
+  ov::CapturedLog log_;
 };
 
 TEST_F(RegistryFaultsTest, BothViewsAreLookedAt) {
   told.open = 2;
   EXPECT_EQ(2, get());
   EXPECT_EQ((std::vector<REGSAM>{0x101, 0x201}), told.access);
-  EXPECT_EQ(Messages{"DBG Registry subkey Key not found"}, log.take());
+  EXPECT_EQ(Messages{"DBG Registry subkey Key not found"}, log_.take());
   EXPECT_EQ(0, told.closed);
 }
 
 TEST_F(RegistryFaultsTest, OtherErrorsEndTheSearch) {
   told.open = 5;
   EXPECT_EQ(5, get());
-  EXPECT_STREQ("", out);
+  EXPECT_STREQ("", out_);
   EXPECT_EQ(std::vector<REGSAM>{0x101}, told.access);
   expectLine("RegOpenKeyEx() Key");
 }
@@ -107,10 +107,10 @@ TEST_F(RegistryFaultsTest, OtherErrorsEndTheSearch) {
 TEST_F(RegistryFaultsTest, QueryFails) {
   told.query = 5;
   EXPECT_EQ(5, get());
-  EXPECT_STREQ("", out);
+  EXPECT_STREQ("", out_);
   EXPECT_EQ(1, told.closed);
   expectLine("RegQueryValueEx() Name");
-  EXPECT_EQ(5, ov_reg_get_binary(OV_REG_LOCAL_MACHINE, "Key", "Name", out, &length));
+  EXPECT_EQ(5, ov_reg_get_binary(OV_REG_LOCAL_MACHINE, "Key", "Name", out_, &length_));
   expectLine("RegQueryValueEx() Name");
 }
 

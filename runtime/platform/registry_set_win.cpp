@@ -1,7 +1,7 @@
 // Writing and removing values of the Windows registry.
 #include <windows.h>
 
-#include <wchar.h>
+#include <cwchar>
 
 #include "runtime/ov_registry.h"
 #include "runtime/platform/registry_key_win.h"

@@ -24,8 +24,8 @@ std::string line(const std::string& key, const std::string& word) {
 class RootTest : public ::testing::Test {
  protected:
   RootTest() { fake_registry = {}; }
-  char out[64] = "old";
-  ov::CapturedLog log;
+  char out_[64] = "old";
+  ov::CapturedLog log_;
 };
 
 TEST_F(RootTest, NamesInTheRegistry) {
@@ -38,37 +38,38 @@ TEST_F(RootTest, NamesInTheRegistry) {
 
 TEST_F(RootTest, FirstProductThatIsThere) {
   fake_registry.directories[kTrellis] = "C:\\t";
-  EXPECT_EQ(0, ov_platform_root(out, sizeof out));
-  EXPECT_STREQ("C:\\t", out);
-  EXPECT_EQ((Messages{line(kZept, "not "), line(kMarrow, "not "), line(kTrellis, "")}), log.take());
+  EXPECT_EQ(0, ov_platform_root(out_, sizeof out_));
+  EXPECT_STREQ("C:\\t", out_);
+  EXPECT_EQ((Messages{line(kZept, "not "), line(kMarrow, "not "), line(kTrellis, "")}),
+            log_.take());
   fake_registry.directories[kMarrow] = "C:\\m";
-  EXPECT_EQ(0, ov_platform_root(out, sizeof out));
-  EXPECT_STREQ("C:\\m", out);
-  EXPECT_EQ((Messages{line(kZept, "not "), line(kMarrow, "")}), log.take());
+  EXPECT_EQ(0, ov_platform_root(out_, sizeof out_));
+  EXPECT_STREQ("C:\\m", out_);
+  EXPECT_EQ((Messages{line(kZept, "not "), line(kMarrow, "")}), log_.take());
   fake_registry.directories[kZept] = "C:\\z";
-  EXPECT_EQ(0, ov_platform_root(out, sizeof out));
-  EXPECT_STREQ("C:\\z", out);
-  EXPECT_EQ(Messages{line(kZept, "")}, log.take());
+  EXPECT_EQ(0, ov_platform_root(out_, sizeof out_));
+  EXPECT_STREQ("C:\\z", out_);
+  EXPECT_EQ(Messages{line(kZept, "")}, log_.take());
 }
 
 TEST_F(RootTest, NoProduct) {
-  EXPECT_EQ(2, ov_platform_root(out, sizeof out));
-  EXPECT_STREQ("", out);
+  EXPECT_EQ(2, ov_platform_root(out_, sizeof out_));
+  EXPECT_STREQ("", out_);
   EXPECT_EQ((Messages{line(kZept, "not "), line(kMarrow, "not "), line(kTrellis, "not ")}),
-            log.take());
+            log_.take());
   EXPECT_EQ((Messages{kZept, kMarrow, kTrellis}), fake_registry.asked);
-  EXPECT_EQ(22, ov_platform_root(nullptr, sizeof out));
+  EXPECT_EQ(22, ov_platform_root(nullptr, sizeof out_));
 }
 
 TEST_F(RootTest, PathWithForwardSlashes) {
   fake_registry.directories[kZept] = "C:\\p\\q r\\";
-  EXPECT_EQ(0, ov_platform_winpath(out, sizeof out));
-  EXPECT_STREQ("C:/p/q r/", out);
-  EXPECT_EQ(28677, ov_platform_winpath(out, 4));
+  EXPECT_EQ(0, ov_platform_winpath(out_, sizeof out_));
+  EXPECT_STREQ("C:/p/q r/", out_);
+  EXPECT_EQ(28677, ov_platform_winpath(out_, 4));
   fake_registry.directories = {{kMarrow, "C:\\m"}};
-  EXPECT_EQ(2, ov_platform_winpath(out, sizeof out));
-  EXPECT_EQ(Messages{}, log.take());
-  EXPECT_EQ(22, ov_platform_winpath(nullptr, sizeof out));
+  EXPECT_EQ(2, ov_platform_winpath(out_, sizeof out_));
+  EXPECT_EQ(Messages{}, log_.take());
+  EXPECT_EQ(22, ov_platform_winpath(nullptr, sizeof out_));
 }
 
 }  // namespace

@@ -21,21 +21,21 @@ class UidTest : public ::testing::Test {
  protected:
   // The number of "bob" in a file of this content, or the negative code.
   int64_t uidOfBob(const std::string& content) {
-    TempFolder::write(folder.path("passwd"), content);
+    TempFolder::write(folder_.path("passwd"), content);
     int32_t uid = 7;
-    const ov_rc error = ov::find_uid(folder.path("passwd").c_str(), "bob", &uid);
+    const ov_rc error = ov::find_uid(folder_.path("passwd").c_str(), "bob", &uid);
     if (error == 0) return static_cast<uint32_t>(uid);
     EXPECT_EQ(-1, uid);
     return -error;
   }
-  TempFolder folder;
-  ov::CapturedLog log;
+  TempFolder folder_;
+  ov::CapturedLog log_;
 };
 
 TEST_F(UidTest, LinesOfThePasswordFile) {
   EXPECT_EQ(12, uidOfBob("root:x:0:0\nBob:x:12:13:Bob:/home\nbob:x:14\n"));
   EXPECT_EQ((Messages{"DBG user = root", "DBG user = Bob", "ERR uid for user bob = 12"}),
-            log.take());
+            log_.take());
   const struct {
     const char* content;
     int64_t expected;
@@ -70,20 +70,20 @@ TEST_F(UidTest, LongLinesAndManyLines) {
 TEST_F(UidTest, UserWithoutALine) {
   EXPECT_EQ(-28687, uidOfBob("root:x:0\n"));
   EXPECT_EQ((Messages{"DBG user = root", "LOG Invalid user name, uid not found for user bob"}),
-            log.take());
+            log_.take());
 }
 
 TEST_F(UidTest, OfThisProcess) {
   ov_process_setenv("USER", "bob");
-  ov::fake_registry.directories["SOFTWARE\\Orvane\\ZEPT"] = folder.path();
+  ov::fake_registry.directories["SOFTWARE\\Orvane\\ZEPT"] = folder_.path();
   int32_t uid = 7;
-  EXPECT_EQ(2, ov_dir_create(folder.path("etc").c_str(), 0, 0) == 0 ? ov_platform_uid(&uid) : 0);
+  EXPECT_EQ(2, ov_dir_create(folder_.path("etc").c_str(), 0, 0) == 0 ? ov_platform_uid(&uid) : 0);
   EXPECT_EQ(-1, uid);
-  Messages lines = log.take();
+  Messages lines = log_.take();
   ASSERT_EQ(4U, lines.size());
-  EXPECT_EQ("LOG Could not open " + folder.path("etc/passwd") + " errno=2", lines[2]);
+  EXPECT_EQ("LOG Could not open " + folder_.path("etc/passwd") + " errno=2", lines[2]);
   EXPECT_EQ("LOG Could not find uid for user [bob]", lines[3]);
-  TempFolder::write(folder.path("etc/passwd"), "bob:x:77:\n");
+  TempFolder::write(folder_.path("etc/passwd"), "bob:x:77:\n");
   EXPECT_EQ(0, ov_platform_uid(&uid));
   EXPECT_EQ(77, uid);
 }
@@ -94,12 +94,12 @@ TEST_F(UidTest, WithoutARootOrAUser) {
   int32_t uid = 7;
   EXPECT_EQ(2, ov_platform_uid(&uid));
   EXPECT_EQ(-1, uid);
-  EXPECT_EQ("LOG Could not find uid for user [bob]", log.take().back());
+  EXPECT_EQ("LOG Could not find uid for user [bob]", log_.take().back());
   for (const char* name : {"USER", "LOGNAME", "USERNAME"}) ov_process_setenv(name, nullptr);
   uid = 7;
   EXPECT_EQ(22, ov_platform_uid(&uid));
   EXPECT_EQ(-1, uid);
-  EXPECT_EQ("LOG Could not find uid for user []", log.take().back());
+  EXPECT_EQ("LOG Could not find uid for user []", log_.take().back());
   EXPECT_EQ(22, ov_platform_uid(nullptr));
   ov::fake_registry.directories["SOFTWARE\\Orvane\\ZEPT"] = std::string(515, 'x');
   ov_process_setenv("USER", "bob");

@@ -1,6 +1,6 @@
 #include "runtime/ov_uri.h"
 
-#include <string.h>
+#include <cstring>
 
 namespace {
 

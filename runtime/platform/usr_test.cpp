@@ -20,7 +20,7 @@ class UsrTest : public ::testing::Test {
  protected:
   UsrTest() {
     for (const char* name : kVariables) ov_process_setenv(name, nullptr);
-    EXPECT_EQ(0, ov_platform_get_process_uname(owner, sizeof owner));
+    EXPECT_EQ(0, ov_platform_get_process_uname(owner_, sizeof owner_));
   }
   std::string usr(size_t size = 520) {
     char out[520] = "old";
@@ -34,13 +34,13 @@ class UsrTest : public ::testing::Test {
     return error;
   }
   void expectFailureLine(ov_rc error) {
-    const Messages lines = log.take();
+    const Messages lines = log_.take();
     ASSERT_EQ(1U, lines.size());
     EXPECT_EQ(0U, lines[0].find("ERR Failed to resolve user name, errno:" + std::to_string(error) +
                                 ", err desc:"));
   }
-  char owner[256] = "";
-  ov::CapturedLog log;
+  char owner_[256] = "";
+  ov::CapturedLog log_;
 };
 
 TEST_F(UsrTest, UserComesFirst) {
@@ -48,18 +48,18 @@ TEST_F(UsrTest, UserComesFirst) {
   ov_process_setenv("LOGNAME", "Log");
   ov_process_setenv("USERNAME", "Name");
   EXPECT_EQ("Bob", usr());
-  EXPECT_EQ(Messages{kMismatch}, log.take());
+  EXPECT_EQ(Messages{kMismatch}, log_.take());
 }
 
 TEST_F(UsrTest, OwnerIsComparedWithItsCase) {
-  ov_process_setenv("USER", owner);
-  EXPECT_EQ(owner, usr());
-  EXPECT_EQ(Messages{}, log.take());
-  std::string other = owner;
+  ov_process_setenv("USER", owner_);
+  EXPECT_EQ(owner_, usr());
+  EXPECT_EQ(Messages{}, log_.take());
+  std::string other = owner_;
   other[0] = static_cast<char>(other[0] ^ 0x20);
   ov_process_setenv("USER", other.c_str());
   EXPECT_EQ(other, usr());
-  EXPECT_EQ(Messages{kMismatch}, log.take());
+  EXPECT_EQ(Messages{kMismatch}, log_.take());
 }
 
 TEST_F(UsrTest, LognameComesSecond) {
@@ -79,7 +79,7 @@ TEST_F(UsrTest, UsernameTakesItsDomain) {
   ov_process_setenv("USERDOMAIN", ov::fake_names.computer.c_str());
   EXPECT_EQ("name", usr());
   EXPECT_EQ(Messages{}, ov::fake_names.asked);
-  EXPECT_EQ(Messages(4, kMismatch), log.take());
+  EXPECT_EQ(Messages(4, kMismatch), log_.take());
 }
 
 TEST_F(UsrTest, NoVariable) {
@@ -111,7 +111,7 @@ TEST_F(UsrTest, DomainThatDoesNotFit) {
   ov_process_setenv("USERNAME", "N");
   ov_process_setenv("USERDOMAIN", "abc");
   EXPECT_EQ("ABC\\n", usr(6));
-  log.take();
+  log_.take();
   EXPECT_EQ(28677, failure(5));
   expectFailureLine(28677);
 }

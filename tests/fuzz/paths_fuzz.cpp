@@ -59,7 +59,7 @@ void widen(const std::string& path) {
   const char* changed = nullptr;
   const ov_rc error = ov::widened_text(path.c_str(), text, &changed);
   const Result expected = ov::reference::widened(path);
-  check(expected ? error == 0 && *expected == (changed ? changed : path.c_str())
+  check(expected ? error == 0 && *expected == (changed != nullptr ? changed : path.c_str())
                  : error == OV_EBUFFER);
   size_t bytes = 0;
   const ov_rc measured = ov_path_widen_path(path.c_str(), nullptr, &bytes);
@@ -74,8 +74,8 @@ void split(const std::string& path) {
   const auto expected = ov::reference::splitRoot(path);
   if (!expected || expected->prefix.size() >= sizeof prefix) return check(!good);
   check(good && expected->prefix == prefix);
-  check(!rest || (rest >= path.c_str() && rest <= path.c_str() + path.size()));
-  check(ov::reference::split(rest ? rest : "") == ov::reference::split(expected->rest));
+  check(rest == nullptr || (rest >= path.c_str() && rest <= path.c_str() + path.size()));
+  check(ov::reference::split(rest != nullptr ? rest : "") == ov::reference::split(expected->rest));
 }
 
 void climb(const std::string& path) {

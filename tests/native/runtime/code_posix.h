@@ -1,7 +1,7 @@
 // The code that the base runtime gives for an errno, in the numbers of the shipped platform.
 #pragma once
 
-#include <errno.h>
+#include <cerrno>
 
 #include "runtime/ov_types.h"
 

@@ -1,7 +1,7 @@
 // The files of the base runtime on a POSIX system, for sanitizer builds. A record holds the file
 // descriptor. Files have no share modes here.
 #include <fcntl.h>
-#include <stdio.h>
+#include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
 

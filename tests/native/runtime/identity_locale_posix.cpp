@@ -1,5 +1,5 @@
 // The program's locale on a POSIX system, for sanitizer builds.
-#include <locale.h>
+#include <clocale>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"

@@ -2,6 +2,6 @@
 #include "runtime/ov_registry.h"
 
 ov_rc ov_reg_get(void*, const char*, const char*, char* out, uint32_t*) {
-  if (out) *out = '\0';
+  if (out != nullptr) *out = '\0';
   return 2;
 }

@@ -18,14 +18,14 @@ namespace ov {
 class GuardedText {
  public:
   // With room for texts of up to `most` bytes, the terminator included.
-  explicit GuardedText(size_t most) : readable_((most + page - 1) / page * page) {
+  explicit GuardedText(size_t most) : readable_((most + kPage - 1) / kPage * kPage) {
 #ifdef _WIN32
-    void* const region = VirtualAlloc(nullptr, readable_ + page, MEM_RESERVE, PAGE_NOACCESS);
+    void* const region = VirtualAlloc(nullptr, readable_ + kPage, MEM_RESERVE, PAGE_NOACCESS);
     const bool good =
         region != nullptr && VirtualAlloc(region, readable_, MEM_COMMIT, PAGE_READWRITE) != nullptr;
 #else
     void* const region =
-        mmap(nullptr, readable_ + page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        mmap(nullptr, readable_ + kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     const bool good =
         region != MAP_FAILED && mprotect(region, readable_, PROT_READ | PROT_WRITE) == 0;
 #endif
@@ -36,7 +36,7 @@ class GuardedText {
 #ifdef _WIN32
     VirtualFree(region_, 0, MEM_RELEASE);
 #else
-    munmap(region_, readable_ + page);
+    munmap(region_, readable_ + kPage);
 #endif
   }
   GuardedText(const GuardedText&) = delete;
@@ -54,7 +54,7 @@ class GuardedText {
   }
 
  private:
-  static constexpr size_t page = 4096;
+  static constexpr size_t kPage = 4096;
   size_t readable_;
   char* region_;
 };
