@@ -54,6 +54,88 @@ TEST_F(RequestCheckTest, ABodyThatIsNoJsonIsRefusedWithTheParsersText) {
   EXPECT_NE(check(""), "");
 }
 
+constexpr char kNulReply[] = "Error parsing JSON: a key or a text holds a NUL";
+
+TEST_F(RequestCheckTest, ANulInAKeyHidesNoSpecification) {
+  const std::string specification =
+      R"([{"transfer_spec":{"direction":"send","paths":[{"source":"C:/no"}]}}])";
+  EXPECT_EQ(check(R"({"transfer_specs\u0000":[],"transfer_specs":)" + specification + "}"),
+            jsonErrorReply(kNulReply));
+  EXPECT_EQ(check(R"({"transfer_specs\u0000x":1,"transfer_specs":)" + specification + "}"),
+            jsonErrorReply(kNulReply));
+  EXPECT_EQ(check(send(R"(,"paths":[{"source\u0000":"C:/no"}])")), jsonErrorReply(kNulReply));
+  EXPECT_EQ(check(specs(R"({"transfer_spec":{"direction\u0000":"receive","direction":"send"}})")),
+            jsonErrorReply(kNulReply));
+  EXPECT_EQ(check(send(R"(,"source_root\u0000":"C:/a","source_root":"C:/b","paths":[])")),
+            jsonErrorReply(kNulReply));
+  EXPECT_EQ(check(R"({"orvane_vantrel_settings":{"app_id\u0000":"good","app_id":"refused"}})"),
+            jsonErrorReply(kNulReply));
+  EXPECT_TRUE(askedIds_.empty());
+}
+
+TEST_F(RequestCheckTest, ANulInATextCutsNoPath) {
+  addToApprovedFileList({"C:/nul/ok.txt"});
+  EXPECT_EQ(check(send(R"(,"paths":[{"source":"C:/nul/ok.txt\u0000/../secret"}])")),
+            jsonErrorReply(kNulReply));
+  consent_.setLastSelectedPath("C:/d");
+  EXPECT_EQ(check(receive(R"("C:/d\u0000/../secret")")), jsonErrorReply(kNulReply));
+  EXPECT_EQ(check(R"({"unread":{"deep":["\u0000"]}})"), jsonErrorReply(kNulReply));
+}
+
+TEST_F(RequestCheckTest, ANulBehindTheJsonHidesNothing) {
+  for (const char* const tail : {"", " ", "{\"transfer_specs\":[]}"}) {
+    EXPECT_EQ(check(std::string("{}") + '\0' + tail), jsonErrorReply(kNulReply));
+  }
+}
+
+TEST_F(RequestCheckTest, OnlyTheEscapeOfANulIsANul) {
+  addToApprovedFileList({"C:/u0000"});
+  EXPECT_EQ(check(send(R"(,"paths":[{"source":"C:\\u0000"}])")), "");
+  EXPECT_EQ(check(R"({"a":"\\\\u0000 u0000 \u0001 \"u0000"})"), "");
+  EXPECT_EQ(check(R"(/* "\u0000" */ {"a":1})"), "");
+  EXPECT_EQ(check(R"({"a":"\\\u0000"})"), jsonErrorReply(kNulReply));
+}
+
+std::string repeatedReply(const std::string& member) {
+  return jsonErrorReply("Error parsing JSON: the member " + member + " stands twice in one object");
+}
+
+TEST_F(RequestCheckTest, AMemberThatTheCheckReadsStandsOnce) {
+  EXPECT_EQ(check(R"({"transfer_specs":[],"transfer_specs":[]})"), repeatedReply("transfer_specs"));
+  EXPECT_EQ(check(R"({"transfer_specs":1,"a":2,"transfer_specs":null})"),
+            repeatedReply("transfer_specs"));
+  EXPECT_EQ(check(R"({"orvane_vantrel_settings":{},"orvane_vantrel_settings":{"app_id":"x"}})"),
+            repeatedReply("orvane_vantrel_settings"));
+  EXPECT_EQ(check(R"({"orvane_vantrel_settings":{"app_id":"good","app_id":"refused"}})"),
+            repeatedReply("app_id"));
+  EXPECT_EQ(check(specs(R"({"transfer_spec":{},"transfer_spec":{"direction":"send"}})")),
+            repeatedReply("transfer_spec"));
+  EXPECT_EQ(check(specs(R"({"orvane_vantrel_settings":1,"orvane_vantrel_settings":2})")),
+            repeatedReply("orvane_vantrel_settings"));
+  EXPECT_EQ(check(specs(R"({"orvane_vantrel_settings":{"use_absolute_destination_path":false,)"
+                        R"("use_absolute_destination_path":true}})")),
+            repeatedReply("use_absolute_destination_path"));
+  for (const char* const member : {"direction", "destination_root", "source_root", "paths"}) {
+    const std::string twice = std::string("\"") + member + "\":1,\"" + member + "\":2";
+    EXPECT_EQ(check(specs("{\"transfer_spec\":{" + twice + "}}")), repeatedReply(member));
+  }
+  EXPECT_TRUE(askedIds_.empty());
+}
+
+TEST_F(RequestCheckTest, AKeyIsRepeatedHoweverItIsWritten) {
+  EXPECT_EQ(check(R"({"transfer_specs":[],"transfer\u005fspecs":[]})"),
+            repeatedReply("transfer_specs"));
+}
+
+TEST_F(RequestCheckTest, OtherMembersMayStandTwice) {
+  addToApprovedFileList({"C:/other/a", "C:/other/b"});
+  EXPECT_EQ(check(R"({"a":1,"a":2,"direction":1,"direction":2,"app_id":1,"app_id":2})"), "");
+  EXPECT_EQ(
+      check(specs(R"({"transfer_specs":1,"transfer_specs":2,"transfer_spec":{"a":1,"a":2}})")), "");
+  EXPECT_EQ(check(R"({"transfer_specs":[{},{"transfer_spec":1,"transfer_spec":2}]})"), "");
+  EXPECT_EQ(check(send(R"(,"paths":[{"source":"C:/other/a","source":"C:/other/b"}])")), "");
+}
+
 TEST_F(RequestCheckTest, OtherJsonPasses) {
   for (const char* const body : {"{}", "[]", "1", "null", "\"text\"", R"({"any":"thing"})"}) {
     EXPECT_EQ(check(body), "") << body;

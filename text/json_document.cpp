@@ -8,6 +8,8 @@ namespace Vantrel::Web {
 namespace {
 
 constexpr char kTooDeep[] = "parse error: the text is nested too deeply\n";
+constexpr char kHoldsNul[] = "a key or a text holds a NUL";
+constexpr std::string_view kNulEscape = "u0000";  // behind a backslash
 
 // Where a comment that begins at `at` ends, or `at` + 1 if none does. The parser accepts comments,
 // so a quote inside one must not be taken for the start of a string.
@@ -23,32 +25,37 @@ const char* skipComment(const char* at) {
   return at + 1;
 }
 
+// What a text shows before it is parsed.
+struct Glance {
+  int deepest = 0;        // how deep arrays and objects stand in each other
+  bool holdsNul = false;  // some string has the escape of a NUL
+};
+
 // The byte behind the string that opens at `at`, or the end of the text.
-const char* skipString(const char* at) {
+const char* skipString(const char* at, Glance& glance) {
   for (++at; *at != '\0'; ++at) {
-    if (*at == '\\' && at[1] != '\0') {
-      ++at;
-    } else if (*at == '"') {
-      return at + 1;
-    }
+    if (*at == '"') return at + 1;
+    if (*at != '\\' || at[1] == '\0') continue;
+    ++at;
+    if (std::strncmp(at, kNulEscape.data(), kNulEscape.size()) == 0) glance.holdsNul = true;
   }
   return at;
 }
 
-// Whether arrays and objects stand deeper in each other than `limit`.
-bool isDeeperThan(const char* text, int limit) {
+Glance glanceAt(const char* text) {
+  Glance glance;
   int depth = 0;
   for (const char* at = text; *at != '\0';) {
     switch (*at) {
       case '"':
-        at = skipString(at);
+        at = skipString(at, glance);
         continue;
       case '/':
         at = skipComment(at);
         continue;
       case '[':
       case '{':
-        if (++depth > limit) return true;
+        glance.deepest = std::max(glance.deepest, ++depth);
         break;
       case ']':
       case '}':
@@ -59,7 +66,7 @@ bool isDeeperThan(const char* text, int limit) {
     }
     ++at;
   }
-  return false;
+  return glance;
 }
 
 }  // namespace
@@ -75,13 +82,26 @@ void JsonDocument::clear() {
 }
 
 bool JsonDocument::parse(const std::string& text) {
+  return parseText(text, Nul::kEndsText);
+}
+
+bool JsonDocument::parseForForwarding(const std::string& text) {
+  return parseText(text, Nul::kRefused);
+}
+
+bool JsonDocument::parseText(const std::string& text, Nul nul) {
   clear();
-  if (isDeeperThan(text.c_str(), kMaxDepth)) {
-    std::copy_n(kTooDeep, sizeof kTooDeep, errorBuffer_);
-    return false;
-  }
+  const Glance glance = glanceAt(text.c_str());
+  if (glance.deepest > kMaxDepth) return fail(kTooDeep);
+  const bool holdsNul = glance.holdsNul || text.find('\0') != std::string::npos;
+  if (nul == Nul::kRefused && holdsNul) return fail(kHoldsNul);
   root_ = yajl_tree_parse(text.c_str(), errorBuffer_, sizeof errorBuffer_);
   return root_ != nullptr;
+}
+
+bool JsonDocument::fail(std::string_view reason) {
+  errorBuffer_[reason.copy(errorBuffer_, sizeof errorBuffer_ - 1)] = '\0';
+  return false;
 }
 
 yajl_val JsonDocument::get(const char* const* path, yajl_val base) const {
@@ -95,7 +115,7 @@ bool JsonDocument::isTrue(const char* const* path, yajl_val base) const {
 }
 
 std::string JsonDocument::getString(const char* const* path, yajl_val base) const {
-  return jsonText(get(path, base));
+  return std::string(jsonText(get(path, base)));
 }
 
 bool JsonDocument::hasError() const {
@@ -103,10 +123,20 @@ bool JsonDocument::hasError() const {
   return get(kErrorPath) != nullptr;
 }
 
-std::string jsonText(yajl_val value) {
+std::string_view jsonText(yajl_val value) {
   if (value != nullptr && value->type == yajl_t_string) return value->u.string;
   if (value != nullptr && value->type == yajl_t_number) return value->u.number.r;
   return {};
+}
+
+const char* repeatedMember(yajl_val object, std::initializer_list<const char*> names) {
+  if (!YAJL_IS_OBJECT(object)) return nullptr;
+  for (const char* const name : names) {
+    const char* const* const keys = object->u.object.keys;
+    const auto isName = [name](const char* key) { return std::strcmp(key, name) == 0; };
+    if (std::count_if(keys, keys + object->u.object.len, isName) > 1) return name;
+  }
+  return nullptr;
 }
 
 }  // namespace Vantrel::Web

@@ -6,7 +6,9 @@
 
 #include <yajl/yajl_tree.h>
 
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 namespace Vantrel::Web {
 
@@ -25,8 +27,15 @@ class JsonDocument {
   // reason in errorText().
   bool parse(const std::string& text);
 
-  // The parser's message for the last parse; several lines for most errors.
+  // The same for a text that goes on to another reader, which must not find in it what this object
+  // does not show: a NUL anywhere in it, also an escaped one in a key or a string, is an error.
+  bool parseForForwarding(const std::string& text);
+
+  // The message for the last parse; several lines for most errors of the parser.
   std::string errorText() const { return errorBuffer_; }
+
+  // The whole value, or null.
+  yajl_val root() const { return root_; }
 
   // The value at the path below `base` (null: below the root), or null. The document keeps it.
   yajl_val get(const char* const* path, yajl_val base = nullptr) const;
@@ -41,13 +50,22 @@ class JsonDocument {
   bool hasError() const;
 
  private:
+  enum class Nul { kEndsText, kRefused };
+
   void clear();
+  bool parseText(const std::string& text, Nul nul);
+  bool fail(std::string_view reason);
 
   yajl_val root_ = nullptr;
   char errorBuffer_[1024] = "";
 };
 
-// What getString gives for a value that was reached another way; empty for null.
-std::string jsonText(yajl_val value);
+// What getString gives for a value that was reached another way; empty for null. The document keeps
+// the text.
+std::string_view jsonText(yajl_val value);
+
+// The first of `names` that the object has more than once, or null. Only the parsing for forwarding
+// makes sure that no key was cut.
+const char* repeatedMember(yajl_val object, std::initializer_list<const char*> names);
 
 }  // namespace Vantrel::Web

@@ -1,5 +1,8 @@
 #include "text/text.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace Vantrel::Web {
 
 std::string replaceAll(std::string_view text, std::string_view from, std::string_view to) {
@@ -16,16 +19,28 @@ std::string replaceAll(std::string_view text, std::string_view from, std::string
 }
 
 std::string forwardSlashes(std::string_view path) {
-  return replaceAll(path, "\\", "/");
+  std::string text(path);
+  std::replace(text.begin(), text.end(), '\\', '/');
+  return text;
 }
 
 std::string joinPaths(std::string_view root, std::string_view relative) {
-  std::string joined = forwardSlashes(root);
-  std::string tail = forwardSlashes(relative);
-  if (joined.empty()) return tail;
-  if (tail.empty()) return joined;
-  if (joined.back() != '/') joined += '/';
-  return joined.append(tail, tail.front() == '/' ? 1 : 0);
+  return PathJoiner(root).join(relative);
+}
+
+PathJoiner::PathJoiner(std::string_view root)
+    : path_(forwardSlashes(root)), rootLength_(path_.size()) {}
+
+const std::string& PathJoiner::join(std::string_view relative) {
+  path_.resize(rootLength_);
+  if (rootLength_ != 0 && !relative.empty()) {
+    if (path_.back() != '/') path_ += '/';
+    if (relative.front() == '/' || relative.front() == '\\') relative.remove_prefix(1);
+  }
+  const size_t start = path_.size();
+  path_.append(relative);
+  std::replace(path_.begin() + static_cast<ptrdiff_t>(start), path_.end(), '\\', '/');
+  return path_;
 }
 
 std::string quotePath(std::string_view path, bool withQuotes) {

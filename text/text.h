@@ -1,5 +1,6 @@
 // Path and text conversions through which every path passes on its way to a document, a reply or
-// a URL. Plain functions, any thread. Text is UTF-8; the escaping is exactly as narrow as told.
+// a URL. Plain functions, any thread. Text is UTF-8; the escaping covers what each
+// function names and no more.
 #pragma once
 
 #include <string>
@@ -18,6 +19,19 @@ std::string forwardSlashes(std::string_view path);
 // `root` and `relative` with forward slashes and one slash between them; segments are not
 // resolved. An empty part leaves the other one as it is.
 std::string joinPaths(std::string_view root, std::string_view relative);
+
+// Joins many relative paths to one root, as joinPaths does, at the cost of the relative ones.
+class PathJoiner {
+ public:
+  explicit PathJoiner(std::string_view root);
+
+  // The joined path, until the next call.
+  const std::string& join(std::string_view relative);
+
+ private:
+  std::string path_;
+  size_t rootLength_;
+};
 
 // The path with its backslashes doubled, in double quotes if `withQuotes`. Nothing else is escaped.
 std::string quotePath(std::string_view path, bool withQuotes);

@@ -40,6 +40,16 @@ TEST(JoinPathsTest, SegmentsAreNotResolved) {
   EXPECT_EQ(joinPaths("a/..", "../b"), "a/../../b");
 }
 
+TEST(PathJoinerTest, JoinsEachPathAfreshToTheSameRoot) {
+  PathJoiner joiner("c:\\d");
+  EXPECT_EQ(joiner.join("\\x\\y"), "c:/d/x/y");
+  EXPECT_EQ(joiner.join(""), "c:/d");
+  EXPECT_EQ(joiner.join("z"), "c:/d/z");
+  PathJoiner rootless("");
+  EXPECT_EQ(rootless.join("\\x"), "/x");
+  EXPECT_EQ(rootless.join(""), "");
+}
+
 TEST(QuotePathTest, DoublesBackslashesOnly) {
   EXPECT_EQ(quotePath("C:\\a\\b", false), "C:\\\\a\\\\b");
   EXPECT_EQ(quotePath("C:\\a", true), "\"C:\\\\a\"");
