@@ -58,7 +58,7 @@ struct CodeName {
 };
 
 // Names of the private codes, OV_ERR_END included, in the order of g_ov_err_table.
-constexpr const char* private_names[OV_ERR_COUNT + 1] = {
+constexpr const char* kPrivateNames[OV_ERR_COUNT + 1] = {
     "EDOCROOT",
     "ETOKENIZER",
     "EBASENAME",
@@ -101,7 +101,7 @@ constexpr const char* private_names[OV_ERR_COUNT + 1] = {
     "ERR_END",
 };
 
-constexpr CodeName platform_names[] = {
+constexpr CodeName kPlatformNames[] = {
     {OV_OK, "OK"},
     {1, "EPERM"},
     {2, "ENOENT"},
@@ -133,8 +133,8 @@ constexpr CodeName platform_names[] = {
 };
 
 // Interrupted calls: the standard library's number and the platform's interrupted socket call.
-constexpr int32_t interrupted_call = 4;
-constexpr int32_t interrupted_socket_call = 10004;
+constexpr int32_t kInterruptedCall = 4;
+constexpr int32_t kInterruptedSocketCall = 10004;
 
 // Cuts the line end that the platform's messages close with; texts below three bytes stay.
 void cut_line_end(char* text) {
@@ -150,15 +150,15 @@ void cut_line_end(char* text) {
 }  // namespace
 
 const char* ov_errno2str(int32_t code) {
-  if (code >= OV_ERR_FIRST && code <= OV_ERR_END) return private_names[code - OV_ERR_FIRST];
-  for (const CodeName& entry : platform_names) {
+  if (code >= OV_ERR_FIRST && code <= OV_ERR_END) return kPrivateNames[code - OV_ERR_FIRST];
+  for (const CodeName& entry : kPlatformNames) {
     if (entry.code == code) return entry.name;
   }
   return "OV_UNKNOWN_ERRNO";
 }
 
 ov_rc ov_platform_errstr(int32_t code, char* buffer, size_t size) {
-  if (!buffer || size == 0) return OV_EINVAL;
+  if (buffer == nullptr || size == 0) return OV_EINVAL;
   if (code >= OV_ERR_FIRST && code < OV_ERR_END) {
     ov_str_ncpy(buffer, g_ov_err_table[code - OV_ERR_FIRST], size);
     return 0;
@@ -173,5 +173,5 @@ const char* ov_platform_errstr_inline(int32_t code, char* buffer, size_t size) {
 }
 
 int32_t ov_err_is_eintr(int32_t code) {
-  return code == interrupted_call || code == interrupted_socket_call ? 1 : 0;
+  return code == kInterruptedCall || code == kInterruptedSocketCall ? 1 : 0;
 }

@@ -17,7 +17,7 @@ struct PrivateCode {
   const char* message;
 };
 
-const PrivateCode private_codes[] = {
+const PrivateCode kPrivateCodes[] = {
     {28672, "EDOCROOT", "Invalid doc root path"},
     {28673, "ETOKENIZER", "Invalid command or token separator mismatch"},
     {28674, "EBASENAME", "Base file/directory name not found in path"},
@@ -59,7 +59,7 @@ const PrivateCode private_codes[] = {
     {28710, "EEXPIRED", "Expired"},
 };
 
-const std::map<int32_t, std::string> platform_names = {
+const std::map<int32_t, std::string> kPlatformNames = {
     {0, "OK"},           {1, "EPERM"},          {2, "ENOENT"},          {3, "ESRCH"},
     {4, "ENFILE"},       {5, "EACCES"},         {6, "EBADF"},           {8, "ENOMEM"},
     {14, "ENOSPC"},      {21, "ENOTREADY"},     {22, "EINVAL"},         {31, "EIO"},
@@ -71,22 +71,22 @@ const std::map<int32_t, std::string> platform_names = {
 
 TEST(ErrorsTest, TableHoldsTheMessagesOfThePrivateCodes) {
   EXPECT_EQ(39, g_ov_err_count);
-  ASSERT_EQ(39u, std::size(private_codes));
-  for (const PrivateCode& row : private_codes) {
+  ASSERT_EQ(39u, std::size(kPrivateCodes));
+  for (const PrivateCode& row : kPrivateCodes) {
     EXPECT_STREQ(row.message, g_ov_err_table[row.code - 28672]) << row.code;
   }
 }
 
 TEST(ErrorsTest, PrivateCodesHaveTheirNames) {
-  for (const PrivateCode& row : private_codes) EXPECT_STREQ(row.name, ov_errno2str(row.code));
+  for (const PrivateCode& row : kPrivateCodes) EXPECT_STREQ(row.name, ov_errno2str(row.code));
   EXPECT_STREQ("ERR_END", ov_errno2str(28711));
 }
 
 TEST(ErrorsTest, EveryOtherCodeHasTheNameOfThePlatformTableOrNone) {
   for (int32_t code = -10; code < 70000; ++code) {
     if (code >= 28672 && code <= 28711) continue;
-    const auto row = platform_names.find(code);
-    const char* expected = row == platform_names.end() ? "OV_UNKNOWN_ERRNO" : row->second.c_str();
+    const auto row = kPlatformNames.find(code);
+    const char* expected = row == kPlatformNames.end() ? "OV_UNKNOWN_ERRNO" : row->second.c_str();
     ASSERT_STREQ(expected, ov_errno2str(code)) << code;
   }
   EXPECT_STREQ("OV_UNKNOWN_ERRNO", ov_errno2str(INT32_MIN));
@@ -106,7 +106,7 @@ TEST(ErrorsTest, NamedConstantsAreThePlatformTablesNumbers) {
 
 TEST(ErrorsTest, MessageOfAPrivateCodeComesFromTheTable) {
   char text[64];
-  for (const PrivateCode& row : private_codes) {
+  for (const PrivateCode& row : kPrivateCodes) {
     EXPECT_EQ(0, ov_platform_errstr(row.code, text, sizeof text));
     EXPECT_STREQ(row.message, text);
   }
@@ -162,19 +162,19 @@ TEST(ErrorsTest, OnlyTwoCodesAreInterruptedCalls) {
   EXPECT_EQ((std::set<int32_t>{4, 10004}), interrupted);
 }
 
-const std::map<int32_t, std::string> signals = {{2, "SIGINT"},   {4, "SIGILL"},   {8, "SIGFPE"},
-                                                {11, "SIGSEGV"}, {15, "SIGTERM"}, {22, "SIGABRT"}};
+const std::map<int32_t, std::string> kSignals = {{2, "SIGINT"},   {4, "SIGILL"},   {8, "SIGFPE"},
+                                                 {11, "SIGSEGV"}, {15, "SIGTERM"}, {22, "SIGABRT"}};
 
 TEST(SignalsTest, NumbersHaveThePlatformsNames) {
   for (int32_t number = -5; number < 100; ++number) {
-    const auto row = signals.find(number);
-    EXPECT_STREQ(row == signals.end() ? "UNKNOWN SIGNAL" : row->second.c_str(),
+    const auto row = kSignals.find(number);
+    EXPECT_STREQ(row == kSignals.end() ? "UNKNOWN SIGNAL" : row->second.c_str(),
                  ov_signal2str(number));
   }
 }
 
 TEST(SignalsTest, NamesWithAndWithoutPrefixInEitherCaseGiveTheNumber) {
-  for (const auto& [number, name] : signals) {
+  for (const auto& [number, name] : kSignals) {
     EXPECT_EQ(number, ov_str2signal(name.c_str()));
     EXPECT_EQ(number, ov_str2signal(name.substr(3).c_str()));
     std::string lower = name;
@@ -195,40 +195,40 @@ TEST(SignalsTest, UnknownNameIsLoggedAndGivesMinus1) {
   EXPECT_EQ(std::vector<std::string>{"ERR unrecognized signame (null)"}, log.take());
 }
 
-const std::vector<std::string> exceptions = {"ACCESS_VIOLATION",
-                                             "ARRAY_BOUNDS_EXCEEDED",
-                                             "BREAKPOINT",
-                                             "DATATYPE_MISALIGNMENT",
-                                             "FLT_DENORMAL_OPERAND",
-                                             "FLT_DIVIDE_BY_ZERO",
-                                             "FLT_INEXACT_RESULT",
-                                             "FLT_INVALID_OPERATION",
-                                             "FLT_OVERFLOW",
-                                             "FLT_STACK_CHECK",
-                                             "FLT_UNDERFLOW",
-                                             "ILLEGAL_INSTRUCTION",
-                                             "IN_PAGE_ERROR",
-                                             "INT_DIVIDE_BY_ZERO",
-                                             "INT_OVERFLOW",
-                                             "INVALID_DISPOSITION",
-                                             "NONCONTINUABLE_EXCEPTION",
-                                             "PRIV_INSTRUCTION",
-                                             "SINGLE_STEP",
-                                             "STACK_OVERFLOW"};
+const std::vector<std::string> kExceptions = {"ACCESS_VIOLATION",
+                                              "ARRAY_BOUNDS_EXCEEDED",
+                                              "BREAKPOINT",
+                                              "DATATYPE_MISALIGNMENT",
+                                              "FLT_DENORMAL_OPERAND",
+                                              "FLT_DIVIDE_BY_ZERO",
+                                              "FLT_INEXACT_RESULT",
+                                              "FLT_INVALID_OPERATION",
+                                              "FLT_OVERFLOW",
+                                              "FLT_STACK_CHECK",
+                                              "FLT_UNDERFLOW",
+                                              "ILLEGAL_INSTRUCTION",
+                                              "IN_PAGE_ERROR",
+                                              "INT_DIVIDE_BY_ZERO",
+                                              "INT_OVERFLOW",
+                                              "INVALID_DISPOSITION",
+                                              "NONCONTINUABLE_EXCEPTION",
+                                              "PRIV_INSTRUCTION",
+                                              "SINGLE_STEP",
+                                              "STACK_OVERFLOW"};
 
 TEST(ExceptionsTest, TableHoldsTheTwentyNames) {
   std::vector<std::string> names;
   std::set<uint32_t> codes;
-  for (const ov::ExceptionCode& row : ov::exception_codes) {
+  for (const ov::ExceptionCode& row : ov::kExceptionCodes) {
     names.emplace_back(row.name);
     codes.insert(row.code);
   }
-  EXPECT_EQ(exceptions, names);
+  EXPECT_EQ(kExceptions, names);
   EXPECT_EQ(20u, codes.size());
 }
 
 TEST(ExceptionsTest, NamesAndCodesLeadToEachOther) {
-  for (const ov::ExceptionCode& row : ov::exception_codes) {
+  for (const ov::ExceptionCode& row : ov::kExceptionCodes) {
     EXPECT_STREQ(row.name, ov_exc2str(row.code));
     EXPECT_EQ(row.code, ov_str2exc(row.name));
     EXPECT_EQ(row.code, ov_str2exc((std::string("EXCEPTION_") + row.name).c_str()));

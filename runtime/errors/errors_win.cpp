@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "runtime/errors/exception_codes.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
 
@@ -14,11 +15,11 @@ namespace ov {
 namespace {
 
 constexpr bool codes_are(std::initializer_list<DWORD> published) {
-  const ExceptionCode* entry = exception_codes;
+  const ExceptionCode* entry = kExceptionCodes;
   for (const DWORD code : published) {
     if ((entry++)->code != code) return false;
   }
-  return entry == std::end(exception_codes);
+  return entry == std::end(kExceptionCodes);
 }
 
 static_assert(codes_are({EXCEPTION_ACCESS_VIOLATION,
@@ -46,10 +47,10 @@ struct FreeLocal {
   void operator()(wchar_t* text) const { LocalFree(text); }
 };
 
-constexpr DWORD message_flags =
+constexpr DWORD kMessageFlags =
     FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
 // The least number of characters to allocate.
-constexpr DWORD message_room = 4096;
+constexpr DWORD kMessageRoom = 4096;
 
 }  // namespace
 
@@ -64,10 +65,10 @@ void set_last_error(uint32_t error) {
 ov_rc system_message(int32_t code, char* buffer, size_t size) {
   wchar_t* text = nullptr;
   // With ALLOCATE_BUFFER the address of the pointer goes where a buffer is declared.
-  const DWORD length = FormatMessageW(message_flags, nullptr, static_cast<DWORD>(code),
+  const DWORD length = FormatMessageW(kMessageFlags, nullptr, static_cast<DWORD>(code),
                                       MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
-                                      reinterpret_cast<wchar_t*>(&text), message_room, nullptr);
-  const ov_rc error = length == 0 ? system_error() : 0;
+                                      reinterpret_cast<wchar_t*>(&text), kMessageRoom, nullptr);
+  const ov_rc error = length == 0 ? last_code() : 0;
   const std::unique_ptr<wchar_t, FreeLocal> owner(text);
   if (error != 0) return error;
   return ov_wchar_to_utf8(text, buffer, &size);

@@ -10,7 +10,7 @@ struct ExceptionCode {
   const char* name;
 };
 
-inline constexpr ExceptionCode exception_codes[] = {
+inline constexpr ExceptionCode kExceptionCodes[] = {
     {0xc0000005, "ACCESS_VIOLATION"},
     {0xc000008c, "ARRAY_BOUNDS_EXCEEDED"},
     {0x80000003, "BREAKPOINT"},

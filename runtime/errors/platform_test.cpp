@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <string>
 
+#include "runtime/errors/last_code.h"
 #include "runtime/errors/platform.h"
 #include "runtime/ov_errors.h"
 
@@ -29,15 +30,15 @@ TEST(PlatformErrorsTest, PlatformMessageLosesItsLineEnd) {
   EXPECT_EQ(message.substr(0, message.size() - 2), text);
 }
 
-TEST(PlatformErrorsTest, SystemErrorIsTheLastErrorOrElseErrno) {
+TEST(PlatformErrorsTest, LastCodeIsTheLastErrorOrElseErrnoAndNeverZero) {
   ov::set_last_error(5);
   errno = 2;
-  EXPECT_EQ(5, ov::system_error());
+  EXPECT_EQ(5, ov::last_code());
   ov::set_last_error(0);
   errno = 2;
-  EXPECT_EQ(2, ov::system_error());
+  EXPECT_EQ(2, ov::last_code());
   errno = 0;
-  EXPECT_EQ(OV_EINVAL, ov::system_error());
+  EXPECT_EQ(OV_EINVAL, ov::last_code());
 }
 
 }  // namespace

@@ -11,16 +11,16 @@ namespace ov {
 
 class SavedError {
  public:
-  SavedError() : last_error_(last_error()), errno_(errno) {}
+  SavedError() : lastError_(last_error()), errno_(errno) {}
   ~SavedError() {
-    set_last_error(last_error_);
+    set_last_error(lastError_);
     errno = errno_;
   }
   SavedError(const SavedError&) = delete;
   SavedError& operator=(const SavedError&) = delete;
 
  private:
-  const uint32_t last_error_;
+  const uint32_t lastError_;
   const int errno_;
 };
 

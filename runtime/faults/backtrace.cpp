@@ -9,22 +9,22 @@ namespace ov {
 namespace {
 
 // Room for the text of a line, and for one address with its blank.
-constexpr size_t line_room = 1024;
-constexpr size_t address_room = 20;
+constexpr size_t kLineRoom = 1024;
+constexpr size_t kAddressRoom = 20;
 // How long one look-up waits for another; after a wait in vain, the rest goes without names.
-constexpr uint32_t symbol_patience = 500;
+constexpr uint32_t kSymbolPatience = 500;
 
 uint64_t number_of(void* address) {
   return reinterpret_cast<uint64_t>(address);
 }
 
 void log_addresses(const Backtrace& backtrace) {
-  char text[line_room];
+  char text[kLineRoom];
   size_t end = 0;
   ov_str_printf_to(text, sizeof text, &end, "Backtrace hash:%#x ", backtrace.hash);
   for (int i = 0; i < backtrace.count; ++i) {
     // Only whole addresses.
-    if (sizeof text - end < address_room) break;
+    if (sizeof text - end < kAddressRoom) break;
     ov_str_printf_to(text, sizeof text, &end, "0x%016" PRIx64 " ", number_of(backtrace.frames[i]));
   }
   ov_err("%s", text);
@@ -34,7 +34,7 @@ void log_addresses(const Backtrace& backtrace) {
 
 int frame_limit(uint32_t major, uint32_t minor, bool second_release, int usual) {
   const bool old = major == 5 && (minor == 1 || (minor == 2 && !second_release));
-  return old ? old_system_frames : usual;
+  return old ? kOldSystemFrames : usual;
 }
 
 bool is_hard_fault(uint32_t code) {
@@ -58,11 +58,11 @@ void log_backtrace(const Backtrace& backtrace, bool (*find)(void*, uint32_t, Sym
     return;
   }
   log_addresses(backtrace);
-  uint32_t patience = symbol_patience;
+  uint32_t patience = kSymbolPatience;
   for (int i = 0; i < backtrace.count; ++i) {
     Symbol symbol;
     if (!find(backtrace.frames[i], patience, &symbol)) patience = 0;
-    char text[line_room];
+    char text[kLineRoom];
     ov_snprintf(text, sizeof text, "%2d:0x%016" PRIx64 " %s+%" PRId64, i,
                 number_of(backtrace.frames[i]), symbol.name, symbol.displacement);
     ov_err("%s", text);
@@ -73,6 +73,6 @@ void log_backtrace(const Backtrace& backtrace, bool (*find)(void*, uint32_t, Sym
 
 void ov_log_btrace(void) {
   ov::Backtrace backtrace;
-  ov::capture_backtrace(&backtrace, ov::called_frames);
+  ov::capture_backtrace(&backtrace, ov::kCalledFrames);
   ov::log_backtrace(backtrace);
 }

@@ -8,16 +8,16 @@ namespace ov {
 
 // The most frames of a backtrace that a caller asks for, and of one after a fault. Systems of the
 // generation of version 5.1 cannot take as many.
-constexpr int called_frames = 66;
-constexpr int fault_frames = 64;
-constexpr int old_system_frames = 60;
+constexpr int kCalledFrames = 66;
+constexpr int kFaultFrames = 64;
+constexpr int kOldSystemFrames = 60;
 // Frames left out at the top: the capture itself and whoever asked for it.
-constexpr int skipped_frames = 2;
+constexpr int kSkippedFrames = 2;
 
 struct Backtrace {
   int count = 0;
   uint32_t hash = 0;
-  void* frames[called_frames];
+  void* frames[kCalledFrames];
 };
 
 // What is known about an address; the name is empty when nothing is.

@@ -28,7 +28,7 @@ bool find_nothing(void*, uint32_t, ov::Symbol*) {
 }
 
 TEST(FrameLimitTest, SystemsOfTheGenerationOf51TakeFewer) {
-  for (const int usual : {ov::called_frames, ov::fault_frames}) {
+  for (const int usual : {ov::kCalledFrames, ov::kFaultFrames}) {
     for (const bool second_release : {false, true}) {
       EXPECT_EQ(60, ov::frame_limit(5, 1, second_release, usual));
       EXPECT_EQ(usual, ov::frame_limit(5, 0, second_release, usual));
@@ -40,12 +40,12 @@ TEST(FrameLimitTest, SystemsOfTheGenerationOf51TakeFewer) {
     EXPECT_EQ(60, ov::frame_limit(5, 2, false, usual));
     EXPECT_EQ(usual, ov::frame_limit(5, 2, true, usual));
   }
-  EXPECT_EQ(66, ov::called_frames);
-  EXPECT_EQ(64, ov::fault_frames);
+  EXPECT_EQ(66, ov::kCalledFrames);
+  EXPECT_EQ(64, ov::kFaultFrames);
 }
 
 TEST(HardFaultTest, AllExceptionsButThoseOfADebuggerAreTold) {
-  for (const ov::ExceptionCode& row : ov::exception_codes) {
+  for (const ov::ExceptionCode& row : ov::kExceptionCodes) {
     const std::string name = row.name;
     const bool debugger = name == "BREAKPOINT" || name == "SINGLE_STEP";
     EXPECT_EQ(!debugger, ov::is_hard_fault(row.code)) << name;
@@ -54,7 +54,7 @@ TEST(HardFaultTest, AllExceptionsButThoseOfADebuggerAreTold) {
 
 TEST(HardFaultTest, NoOtherCodeIsTold) {
   std::set<uint32_t> known;
-  for (const ov::ExceptionCode& row : ov::exception_codes) known.insert(row.code);
+  for (const ov::ExceptionCode& row : ov::kExceptionCodes) known.insert(row.code);
   for (const uint32_t base : {0x80000000u, 0xc0000000u}) {
     for (uint32_t code = base; code < base + 0x10000; ++code) {
       ASSERT_TRUE(known.contains(code) || !ov::is_hard_fault(code)) << code;

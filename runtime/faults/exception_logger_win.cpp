@@ -18,7 +18,7 @@ namespace ov {
 namespace {
 
 // How long an installation and a removal wait for each other.
-constexpr uint32_t patience = 5000;
+constexpr uint32_t kPatience = 5000;
 
 // All of it guarded by `lock`.
 constinit BoundedLock lock;
@@ -34,7 +34,7 @@ LONG CALLBACK log_fault(EXCEPTION_POINTERS* fault) {
   if (!report) return EXCEPTION_CONTINUE_SEARCH;
   ov_err("Unhandled Exception %s(%u)", ov_exc2str(code), code);
   Backtrace backtrace;
-  capture_backtrace(&backtrace, fault_frames);
+  capture_backtrace(&backtrace, kFaultFrames);
   log_backtrace(backtrace);
   ov_log_flush();
   return EXCEPTION_CONTINUE_SEARCH;
@@ -54,12 +54,12 @@ LONG CALLBACK log_fault(EXCEPTION_POINTERS* fault) {
       frame_limit(version.dwMajorVersion, version.dwMinorVersion, second_release, usual);
   ULONG hash = 0;
   backtrace->count =
-      RtlCaptureStackBackTrace(skipped_frames, static_cast<ULONG>(limit), backtrace->frames, &hash);
+      RtlCaptureStackBackTrace(kSkippedFrames, static_cast<ULONG>(limit), backtrace->frames, &hash);
   backtrace->hash = hash;
 }
 
 void exception_logger_install() {
-  if (!lock.acquire(patience)) return;
+  if (!lock.acquire(kPatience)) return;
   if (!std::exchange(installed, true)) {
     handler = AddVectoredExceptionHandler(0, &log_fault);
     open_symbols();
@@ -70,7 +70,7 @@ void exception_logger_install() {
 }
 
 void exception_logger_remove() {
-  if (!lock.acquire(patience)) return;
+  if (!lock.acquire(kPatience)) return;
   if (std::exchange(installed, false)) {
     close_symbols();
     if (void* const registered = std::exchange(handler, nullptr)) {

@@ -32,18 +32,18 @@ using ov::unreplaced_call;
 struct Platform {
   // Libraries asked for. One whose name ends so is not there.
   std::vector<std::string> libraries;
-  std::string missing_library = "none";
-  bool all_libraries_missing = false;
+  std::string missingLibrary = "none";
+  bool allLibrariesMissing = false;
   int loaded = 0, freed = 0;
-  std::string missing_symbol;
-  bool symbol_look_up_fails = false;  // it raises a fault itself
-  bool has_local_file = false;
-  int program_length = -1;  // of the program's path, -1 for the real path
+  std::string missingSymbol;
+  bool symbolLookUpFails = false;  // it raises a fault itself
+  bool hasLocalFile = false;
+  int programLength = -1;  // of the program's path, -1 for the real path
   DWORD major = 6, minor = 1;
-  int second_release = 0;
-  int frames_asked = 0, frames_skipped = 0;
-  int handlers_added = 0, handlers_removed = 0;
-  int faults_in_write = 0;  // so many writes raise a fault first
+  int secondRelease = 0;
+  int framesAsked = 0, framesSkipped = 0;
+  int handlersAdded = 0, handlersRemoved = 0;
+  int faultsInWrite = 0;  // so many writes raise a fault first
 } platform;
 
 std::atomic<int> faults_caught = 0;
@@ -63,12 +63,12 @@ HMODULE WINAPI testLoadLibraryW(LPCWSTR name) {
   static const auto load =
       unreplaced_call<decltype(&LoadLibraryW)>(L"kernel32.dll", "LoadLibraryW");
   platform.libraries.push_back(narrow(name));
-  if (platform.all_libraries_missing || platform.libraries.back() == platform.missing_library) {
+  if (platform.allLibrariesMissing || platform.libraries.back() == platform.missingLibrary) {
     SetLastError(ERROR_MOD_NOT_FOUND);
     return nullptr;
   }
   const HMODULE module = load(name);
-  if (module) ++platform.loaded;
+  if (module != nullptr) ++platform.loaded;
   return module;
 }
 
@@ -87,11 +87,11 @@ BOOL WINAPI failingLookUp(HANDLE, DWORD64, DWORD64*, void*) {
 FARPROC WINAPI testGetProcAddress(HMODULE module, LPCSTR name) {
   static const auto get =
       unreplaced_call<decltype(&GetProcAddress)>(L"kernel32.dll", "GetProcAddress");
-  if (platform.missing_symbol == name) {
+  if (platform.missingSymbol == name) {
     SetLastError(ERROR_PROC_NOT_FOUND);
     return nullptr;
   }
-  if (platform.symbol_look_up_fails && std::strcmp(name, "SymGetSymFromAddr64") == 0) {
+  if (platform.symbolLookUpFails && std::strcmp(name, "SymGetSymFromAddr64") == 0) {
     return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&failingLookUp));
   }
   return get(module, name);
@@ -101,7 +101,7 @@ BOOL WINAPI testGetFileAttributesExW(LPCWSTR path, GET_FILEEX_INFO_LEVELS level,
   static const auto get =
       unreplaced_call<decltype(&GetFileAttributesExW)>(L"kernel32.dll", "GetFileAttributesExW");
   const bool local = narrow(path).ends_with(".local");
-  return get(local && platform.has_local_file ? L"C:\\" : path, level, data);
+  return get(local && platform.hasLocalFile ? L"C:\\" : path, level, data);
 }
 
 BOOL WINAPI testGetVersionExW(LPOSVERSIONINFOW info) {
@@ -113,14 +113,14 @@ BOOL WINAPI testGetVersionExW(LPOSVERSIONINFOW info) {
 
 int WINAPI testGetSystemMetrics(int index) {
   EXPECT_EQ(SM_SERVERR2, index);
-  return platform.second_release;
+  return platform.secondRelease;
 }
 
 USHORT WINAPI testCaptureStackBackTrace(ULONG skip, ULONG count, PVOID* frames, PULONG hash) {
   static const auto capture = unreplaced_call<decltype(&RtlCaptureStackBackTrace)>(
       L"ntdll.dll", "RtlCaptureStackBackTrace");
-  platform.frames_skipped = static_cast<int>(skip);
-  platform.frames_asked = static_cast<int>(count);
+  platform.framesSkipped = static_cast<int>(skip);
+  platform.framesAsked = static_cast<int>(count);
   return capture(skip, count, frames, hash);
 }
 
@@ -128,22 +128,22 @@ PVOID WINAPI testAddHandler(ULONG first, PVECTORED_EXCEPTION_HANDLER handler) {
   static const auto add = unreplaced_call<decltype(&AddVectoredExceptionHandler)>(
       L"kernel32.dll", "AddVectoredExceptionHandler");
   // Ours is the last in the chain; the thread library's own is the first.
-  if (first == 0) ++platform.handlers_added;
+  if (first == 0) ++platform.handlersAdded;
   return add(first, handler);
 }
 
 ULONG WINAPI testRemoveHandler(PVOID handler) {
   static const auto remove = unreplaced_call<decltype(&RemoveVectoredExceptionHandler)>(
       L"kernel32.dll", "RemoveVectoredExceptionHandler");
-  ++platform.handlers_removed;
+  ++platform.handlersRemoved;
   return remove(handler);
 }
 
 BOOL WINAPI testWriteFile(HANDLE file, LPCVOID bytes, DWORD length, LPDWORD written,
                           LPOVERLAPPED overlapped) {
   static const auto write = unreplaced_call<decltype(&WriteFile)>(L"kernel32.dll", "WriteFile");
-  if (platform.faults_in_write > 0) {
-    --platform.faults_in_write;
+  if (platform.faultsInWrite > 0) {
+    --platform.faultsInWrite;
     raise(0xc0000006);
   }
   return write(file, bytes, length, written, overlapped);
@@ -158,9 +158,9 @@ extern "C" DWORD WINAPI K32GetModuleFileNameExW(HANDLE process, HMODULE module, 
                                                 DWORD size) {
   static const auto get = unreplaced_call<decltype(&K32GetModuleFileNameExW)>(
       L"kernel32.dll", "K32GetModuleFileNameExW");
-  if (platform.program_length < 0) return get(process, module, out, size);
-  if (platform.program_length == 0) return 0;
-  const auto rest = static_cast<size_t>(platform.program_length) - 3;
+  if (platform.programLength < 0) return get(process, module, out, size);
+  if (platform.programLength == 0) return 0;
+  const auto rest = static_cast<size_t>(platform.programLength) - 3;
   const std::wstring path = L"C:\\" + std::wstring(rest, L'x');
   path.copy(out, path.size());
   out[path.size()] = 0;
@@ -223,7 +223,7 @@ TEST_F(ExceptionLoggerTest, EachFaultIsToldWithItsNameAndTheSearchGoesOn) {
   ov::CapturedLog log;
   const Catcher catcher;
   int expected = 0;
-  for (const ov::ExceptionCode& row : ov::exception_codes) {
+  for (const ov::ExceptionCode& row : ov::kExceptionCodes) {
     raise(row.code);
     EXPECT_EQ(++expected, faults_caught) << row.name;
     const Lines lines = log.take();
@@ -284,9 +284,9 @@ Frames countFrames() {
   const Catcher catcher;
   deep(200, [] { raise(0xc0000005); });
   const size_t fault = log.take().size() - 2;
-  EXPECT_EQ(2, platform.frames_skipped);
+  EXPECT_EQ(2, platform.framesSkipped);
   deep(200, &ov_log_btrace);
-  EXPECT_EQ(2, platform.frames_skipped);
+  EXPECT_EQ(2, platform.framesSkipped);
   return {fault, log.take().size() - 1};
 }
 
@@ -307,7 +307,7 @@ TEST_F(ExceptionLoggerTest, Version52TakesFewerInItsFirstReleaseOnly) {
   platform.major = 5;
   platform.minor = 2;
   EXPECT_EQ(60U, countFrames().called);
-  platform.second_release = 1;
+  platform.secondRelease = 1;
   const Frames frames = countFrames();
   EXPECT_EQ(64U, frames.fault);
   EXPECT_EQ(66U, frames.called);
@@ -352,10 +352,10 @@ TEST_F(ExceptionLoggerTest, IsInstalledOnceAndRemovedWithTheLog) {
       EXPECT_EQ(0, ov_log_init(2, "-"));
       EXPECT_EQ(0, ov_log_init(2, "-"));
     }
-    EXPECT_EQ(round + 1, platform.handlers_added);
+    EXPECT_EQ(round + 1, platform.handlersAdded);
     ov_log_cleanup();
     ov_log_cleanup();
-    EXPECT_EQ(round + 1, platform.handlers_removed);
+    EXPECT_EQ(round + 1, platform.handlersRemoved);
   }
   EXPECT_EQ(50, platform.loaded);
   EXPECT_EQ(50, platform.freed);
@@ -366,14 +366,14 @@ TEST_F(ExceptionLoggerTest, LogThatIsNotSetUpInstallsNothing) {
   EXPECT_EQ(OV_EINVAL, ov_log_init(3, "-"));
   EXPECT_EQ(OV_EINVAL, ov_log_init(2, nullptr));
   EXPECT_EQ(OV_EPATHMAX, (ov_log_cleanup(), ov_log_init(2, std::string(521, 'x').c_str())));
-  EXPECT_EQ(0, platform.handlers_added);
+  EXPECT_EQ(0, platform.handlersAdded);
 }
 
 TEST_F(ExceptionLoggerTest, LogWhoseFileDoesNotOpenInstallsAllTheSame) {
   testing::internal::CaptureStderr();
   EXPECT_NE(0, ov_log_init(2, "C:/no such directory/app.log"));
   testing::internal::GetCapturedStderr();
-  EXPECT_EQ(1, platform.handlers_added);
+  EXPECT_EQ(1, platform.handlersAdded);
 }
 
 TEST_F(ExceptionLoggerTest, LibraryIsLookedForAmongTheToolsFirst) {
@@ -394,7 +394,7 @@ TEST_F(ExceptionLoggerTest, WithoutAFolderOfProgramsOnlyTheSystemsIsLookedFor) {
 }
 
 TEST_F(ExceptionLoggerTest, LocalFileKeepsTheProgramToItsOwn) {
-  platform.has_local_file = true;
+  platform.hasLocalFile = true;
   const ov::CapturedLog log;
   EXPECT_EQ(Lines{"dbghelp.dll"}, platform.libraries);
 }
@@ -425,7 +425,7 @@ void expectNoNames(const Lines& lines, size_t first) {
 }
 
 TEST_F(ExceptionLoggerTest, WithoutALibraryFaultsAreToldWithoutNames) {
-  platform.all_libraries_missing = true;
+  platform.allLibrariesMissing = true;
   ov::CapturedLog log;
   EXPECT_EQ(183, ov::symbol_failure().error);
   EXPECT_STREQ("Could not load dbghelp.dll", ov::symbol_failure().text);
@@ -445,7 +445,7 @@ TEST_F(ExceptionLoggerTest, LibraryThatLacksOneOfTheCallsIsClosed) {
   int rounds = 0;
   for (const char* name : {"SymInitialize", "SymFunctionTableAccess64", "SymGetModuleBase64",
                            "UnDecorateSymbolName", "SymGetSymFromAddr64"}) {
-    platform.missing_symbol = name;
+    platform.missingSymbol = name;
     ov::CapturedLog log;
     EXPECT_STREQ("Could not load symbols from dbghelp.dll", ov::symbol_failure().text) << name;
     EXPECT_EQ(Lines{std::string("ERR Loading lib symbol [") + name + "] failed"}, log.take());
@@ -459,14 +459,14 @@ TEST_F(ExceptionLoggerTest, LibraryThatLacksOneOfTheCallsIsClosed) {
 }
 
 TEST_F(ExceptionLoggerTest, LibraryWithoutACleanUpIsClosedAllTheSame) {
-  platform.missing_symbol = "SymCleanup";
+  platform.missingSymbol = "SymCleanup";
   { const ov::CapturedLog log; }
   EXPECT_EQ(1, platform.loaded);
   EXPECT_EQ(1, platform.freed);
 }
 
 TEST_F(ExceptionLoggerTest, LibraryWithoutOptionsServesAllTheSame) {
-  platform.missing_symbol = "SymSetOptions";
+  platform.missingSymbol = "SymSetOptions";
   ov::CapturedLog log;
   deep(0, [] {
     ov_log_btrace();
@@ -476,7 +476,7 @@ TEST_F(ExceptionLoggerTest, LibraryWithoutOptionsServesAllTheSame) {
 }
 
 TEST_F(ExceptionLoggerTest, ProgramWithoutAPath) {
-  platform.program_length = 0;
+  platform.programLength = 0;
   ov::CapturedLog log;
   EXPECT_EQ(Lines{"ERR ovbtrace: Error finding executable path."}, log.take());
   EXPECT_EQ(OV_EINTERNAL1, ov::symbol_failure().error);
@@ -484,7 +484,7 @@ TEST_F(ExceptionLoggerTest, ProgramWithoutAPath) {
 }
 
 TEST_F(ExceptionLoggerTest, ProgramWithAPathThatHasNoRoomForMore) {
-  platform.program_length = 516;
+  platform.programLength = 516;
   ov::CapturedLog log;
   EXPECT_EQ(OV_EINTERNAL1, ov::symbol_failure().error);
   EXPECT_STREQ("Error appending paths.", ov::symbol_failure().text);
@@ -493,7 +493,7 @@ TEST_F(ExceptionLoggerTest, ProgramWithAPathThatHasNoRoomForMore) {
 }
 
 TEST_F(ExceptionLoggerTest, FaultInTheSymbolLookUpIsToldWithoutNames) {
-  platform.symbol_look_up_fails = true;
+  platform.symbolLookUpFails = true;
   ov::CapturedLog log;
   const Catcher catcher;
   ov_log_btrace();
@@ -527,7 +527,7 @@ class FileLogFaultTest : public ExceptionLoggerTest {
 
 TEST_F(FileLogFaultTest, FaultInsideTheLogIsToldFromThere) {
   const Catcher catcher;
-  platform.faults_in_write = 1;
+  platform.faultsInWrite = 1;
   ov_log("interrupted");
   EXPECT_EQ(1, faults_caught);
   EXPECT_EQ(1U, count("ERR Unhandled Exception IN_PAGE_ERROR(3221225478)\r\n"));
@@ -539,7 +539,7 @@ TEST_F(FileLogFaultTest, FaultInsideTheLogIsToldFromThere) {
 
 TEST_F(FileLogFaultTest, FaultInsideItsOwnReportIsPassedOn) {
   const Catcher catcher;
-  platform.faults_in_write = 5;
+  platform.faultsInWrite = 5;
   ov_log("interrupted");
   EXPECT_EQ(5, faults_caught);
   EXPECT_EQ(1U, count("ERR Unhandled Exception"));

@@ -15,9 +15,9 @@ class FaultReport {
  public:
   FaultReport() : slot_(enter(ov_thread_self())) {}
   ~FaultReport() {
-    if (!slot_) return;
+    if (slot_ == nullptr) return;
     slot_->thread.store(0, std::memory_order_release);
-    count.fetch_sub(1, std::memory_order_relaxed);
+    count_.fetch_sub(1, std::memory_order_relaxed);
   }
   FaultReport(const FaultReport&) = delete;
   FaultReport& operator=(const FaultReport&) = delete;
@@ -31,35 +31,35 @@ class FaultReport {
   };
 
   // The report of the calling thread, null outside of one. A comparison while no thread is in one.
-  static Slot* of_this_thread() {
-    return count.load(std::memory_order_relaxed) == 0 ? nullptr : find(ov_thread_self());
+  static Slot* ofThisThread() {
+    return count_.load(std::memory_order_relaxed) == 0 ? nullptr : find(ov_thread_self());
   }
 
  private:
   // Threads that may fail at the same moment, each with a report of its own.
-  static constexpr size_t room = 16;
+  static constexpr size_t kRoom = 16;
 
   static Slot* find(uint32_t thread) {
-    for (Slot& slot : slots) {
+    for (Slot& slot : slots_) {
       if (slot.thread.load(std::memory_order_relaxed) == thread) return &slot;
     }
     return nullptr;
   }
 
   static Slot* enter(uint32_t thread) {
-    if (find(thread)) return nullptr;
-    for (Slot& slot : slots) {
+    if (find(thread) != nullptr) return nullptr;
+    for (Slot& slot : slots_) {
       uint32_t free = 0;
       if (!slot.thread.compare_exchange_strong(free, thread, std::memory_order_acquire)) continue;
       slot.waited = 0;
-      count.fetch_add(1, std::memory_order_relaxed);
+      count_.fetch_add(1, std::memory_order_relaxed);
       return &slot;
     }
     return nullptr;
   }
 
-  static inline Slot slots[room];
-  static inline std::atomic<uint32_t> count = 0;
+  static inline Slot slots_[kRoom];
+  static inline std::atomic<uint32_t> count_ = 0;
 
   Slot* const slot_;
 };

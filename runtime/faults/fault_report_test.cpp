@@ -21,14 +21,14 @@ using ov::FaultReport;
 using ov::TempFolder;
 
 TEST(FaultReportTest, IsTheThreadsOwnAndEndsWithItsScope) {
-  EXPECT_EQ(nullptr, FaultReport::of_this_thread());
+  EXPECT_EQ(nullptr, FaultReport::ofThisThread());
   {
     const FaultReport report;
     EXPECT_TRUE(report);
-    EXPECT_NE(nullptr, FaultReport::of_this_thread());
-    std::thread([] { EXPECT_EQ(nullptr, FaultReport::of_this_thread()); }).join();
+    EXPECT_NE(nullptr, FaultReport::ofThisThread());
+    std::thread([] { EXPECT_EQ(nullptr, FaultReport::ofThisThread()); }).join();
   }
-  EXPECT_EQ(nullptr, FaultReport::of_this_thread());
+  EXPECT_EQ(nullptr, FaultReport::ofThisThread());
 }
 
 TEST(FaultReportTest, DoesNotBeginAgainInsideItself) {
@@ -37,20 +37,20 @@ TEST(FaultReportTest, DoesNotBeginAgainInsideItself) {
     const FaultReport inner;
     EXPECT_FALSE(inner);
   }
-  EXPECT_NE(nullptr, FaultReport::of_this_thread());
+  EXPECT_NE(nullptr, FaultReport::ofThisThread());
 }
 
 TEST(FaultReportTest, ThreadsBeyondTheRoomHaveNone) {
-  constexpr int thread_count = 20;
+  constexpr int kThreadCount = 20;
   std::atomic<int> entered = 0;
   std::atomic<int> reports = 0;
   std::vector<std::thread> threads;
-  for (int i = 0; i < thread_count; ++i) {
+  for (int i = 0; i < kThreadCount; ++i) {
     threads.emplace_back([&] {
       const FaultReport report;
       if (report) ++reports;
       ++entered;
-      while (entered < thread_count) std::this_thread::yield();
+      while (entered < kThreadCount) std::this_thread::yield();
     });
   }
   for (std::thread& thread : threads) thread.join();
@@ -139,7 +139,7 @@ TEST_F(ReportedLogTest, LogHeldByAnotherThreadIsWaitedForOnceAndThenLost) {
     const FaultReport report;
     for (int i = 0; i < 70; ++i) ov_err("lost");
     ov_log_flush();
-    EXPECT_LE(1000u, FaultReport::of_this_thread()->waited);
+    EXPECT_LE(1000u, FaultReport::ofThisThread()->waited);
   }).join();
   held.reset();
   EXPECT_EQ(0, count("ERR lost"));

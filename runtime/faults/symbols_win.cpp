@@ -18,17 +18,17 @@
 namespace ov {
 namespace {
 
-constexpr char library_name[] = "dbghelp.dll";
+constexpr char kLibraryName[] = "dbghelp.dll";
 // Places of a newer one than the system's, below the folder of programs.
-constexpr const char* tools_libraries[] = {
+constexpr const char* kToolsLibraries[] = {
     "Debugging Tools for Windows/dbghelp.dll",
     "Debugging Tools for Windows 64-bit/dbghelp.dll",
 };
 // A file of this name beside the program keeps the program to its own libraries.
-constexpr char local_suffix[] = ".local";
-constexpr ov_rc no_library = 183;
+constexpr char kLocalSuffix[] = ".local";
+constexpr ov_rc kNoLibrary = 183;
 // How long opening and closing wait for a look-up that is under way.
-constexpr uint32_t patience = 5000;
+constexpr uint32_t kPatience = 5000;
 
 // A symbol with room for a name of the length that we ask for.
 struct SymbolRecord {
@@ -45,10 +45,10 @@ struct Symbols {
   bool asked = false;        // whether a name has been asked for
   bool initialized = false;  // by us, and so to be cleaned up by us
   decltype(&SymInitialize) initialize = nullptr;
-  decltype(&SymFunctionTableAccess64) function_table = nullptr;
-  decltype(&SymGetModuleBase64) module_base = nullptr;
+  decltype(&SymFunctionTableAccess64) functionTable = nullptr;
+  decltype(&SymGetModuleBase64) moduleBase = nullptr;
   decltype(&UnDecorateSymbolName) undecorate = nullptr;
-  decltype(&SymGetSymFromAddr64) from_address = nullptr;
+  decltype(&SymGetSymFromAddr64) fromAddress = nullptr;
 };
 constinit Symbols symbols;
 constinit BoundedLock lock;
@@ -69,7 +69,7 @@ bool look_up(const char* name, Function* out) {
 void open_tools_library() {
   char programs[OV_PATH_SIZE];
   if (ov_process_getenv("ProgramFiles", programs, sizeof programs) != 0) return;
-  for (const char* name : tools_libraries) {
+  for (const char* name : kToolsLibraries) {
     char path[OV_PATH_SIZE];
     if (ov_file_append_path(programs, name, path, sizeof path) != 0) continue;
     if (ov_library_open(&symbols.library, path) == 0) return;
@@ -83,14 +83,14 @@ bool open_library() {
     ov_err("ovbtrace: Error finding executable path.");
     return false;
   }
-  if (ov_str_ncat(program, local_suffix, sizeof program) != 0) {
+  if (ov_str_ncat(program, kLocalSuffix, sizeof program) != 0) {
     fail(OV_EINTERNAL1, "Error appending paths.");
     return false;
   }
   if (!ov_path_exists(program)) open_tools_library();
-  if (!ov_library_is_open(&symbols.library)) ov_library_open(&symbols.library, library_name);
+  if (!ov_library_is_open(&symbols.library)) ov_library_open(&symbols.library, kLibraryName);
   if (ov_library_is_open(&symbols.library)) return true;
-  fail(no_library, "Could not load dbghelp.dll");
+  fail(kNoLibrary, "Could not load dbghelp.dll");
   return false;
 }
 
@@ -104,10 +104,10 @@ void close_library() {
   }
   symbols.initialized = false;
   symbols.initialize = nullptr;
-  symbols.function_table = nullptr;
-  symbols.module_base = nullptr;
+  symbols.functionTable = nullptr;
+  symbols.moduleBase = nullptr;
   symbols.undecorate = nullptr;
-  symbols.from_address = nullptr;
+  symbols.fromAddress = nullptr;
 }
 
 // A call of the library that it may lack.
@@ -126,10 +126,10 @@ Function optional_call(const char* name) {
 void take_up_modules() {
   const auto get = optional_call<decltype(&SymGetOptions)>("SymGetOptions");
   const auto set = optional_call<decltype(&SymSetOptions)>("SymSetOptions");
-  const DWORD before = get && set ? get() : 0;
-  if (get && set) set(before | SYMOPT_DEFERRED_LOADS);
+  const DWORD before = get != nullptr && set != nullptr ? get() : 0;
+  if (get != nullptr && set != nullptr) set(before | SYMOPT_DEFERRED_LOADS);
   symbols.initialized = symbols.initialize(symbols.process, nullptr, TRUE) != FALSE;
-  if (get && set) set(before);
+  if (get != nullptr && set != nullptr) set(before);
 }
 
 void open_locked() {
@@ -137,10 +137,10 @@ void open_locked() {
   symbols.process = GetCurrentProcess();
   if (!open_library()) return;
   const bool found = look_up("SymInitialize", &symbols.initialize) &&
-                     look_up("SymFunctionTableAccess64", &symbols.function_table) &&
-                     look_up("SymGetModuleBase64", &symbols.module_base) &&
+                     look_up("SymFunctionTableAccess64", &symbols.functionTable) &&
+                     look_up("SymGetModuleBase64", &symbols.moduleBase) &&
                      look_up("UnDecorateSymbolName", &symbols.undecorate) &&
-                     look_up("SymGetSymFromAddr64", &symbols.from_address);
+                     look_up("SymGetSymFromAddr64", &symbols.fromAddress);
   if (found) return;
   close_library();
   fail(OV_EINTERNAL1, "Could not load symbols from dbghelp.dll");
@@ -148,14 +148,14 @@ void open_locked() {
 
 // What the library knows; without it, nothing.
 void find_locked(void* address, Symbol* symbol) {
-  if (!symbols.from_address || !symbols.undecorate) return;
+  if (symbols.fromAddress == nullptr || symbols.undecorate == nullptr) return;
   if (!std::exchange(symbols.asked, true)) take_up_modules();
   SymbolRecord record = {};
   record.symbol.SizeOfStruct = sizeof record.symbol;
   record.symbol.MaxNameLength = sizeof symbol->name;
   DWORD64 displacement = 0;
-  symbols.from_address(symbols.process, reinterpret_cast<DWORD64>(address), &displacement,
-                       &record.symbol);
+  symbols.fromAddress(symbols.process, reinterpret_cast<DWORD64>(address), &displacement,
+                      &record.symbol);
   symbols.undecorate(record.symbol.Name, symbol->name, sizeof symbol->name, 0);
   symbol->name[sizeof symbol->name - 1] = 0;
   symbol->displacement = static_cast<int64_t>(displacement);
@@ -164,13 +164,13 @@ void find_locked(void* address, Symbol* symbol) {
 }  // namespace
 
 void open_symbols() {
-  if (!lock.acquire(patience)) return;
+  if (!lock.acquire(kPatience)) return;
   open_locked();
   lock.release();
 }
 
 void close_symbols() {
-  if (!lock.acquire(patience)) return;
+  if (!lock.acquire(kPatience)) return;
   close_library();
   lock.release();
 }

@@ -1,7 +1,7 @@
 // Times, permissions and owners of files.
 #include <windows.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/files/handle_win.h"
 #include "runtime/files/times.h"
 #include "runtime/ov_errors.h"

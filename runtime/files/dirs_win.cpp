@@ -6,7 +6,7 @@
 
 #include <new>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/files/internal.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"

@@ -6,6 +6,7 @@
 #include "runtime/files/internal.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
+#include "runtime/strings/ascii.h"
 
 ov_rc ov_file_init(ov_file* file) {
   if (file == nullptr) return OV_EINVAL;
@@ -56,8 +57,7 @@ namespace {
 
 // Length of "x:/", "//", "/" or "./" at the start.
 size_t root_length(const char* path) {
-  const bool letter = (path[0] >= 'a' && path[0] <= 'z') || (path[0] >= 'A' && path[0] <= 'Z');
-  if (letter && path[1] == ':' && path[2] == '/') return 3;
+  if (ov::is_letter(path[0]) && path[1] == ':' && path[2] == '/') return 3;
   if (path[0] == '/') return path[1] == '/' ? 2 : 1;
   return path[0] == '.' && path[1] == '/' ? 2 : 0;
 }

@@ -1,7 +1,7 @@
 // Opening, reading, writing and removing files.
 #include <windows.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/files/internal.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"

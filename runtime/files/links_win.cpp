@@ -2,7 +2,7 @@
 #include <windows.h>
 #include <winioctl.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/files/handle_win.h"
 #include "runtime/files/reparse_target.h"
 #include "runtime/ov_errors.h"

@@ -3,7 +3,7 @@
 
 #include <cwchar>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"
 #include "runtime/ov_strings.h"

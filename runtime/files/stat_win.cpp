@@ -2,7 +2,7 @@
 #include <windows.h>
 #include <sys/stat.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/files/internal.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"

@@ -15,11 +15,11 @@
 namespace ov {
 
 // Size at which a generation counts as full, unless it is set.
-constexpr uint64_t default_log_size = 0xa00000;
+constexpr uint64_t kDefaultLogSize = 0xa00000;
 // Bytes written between two looks at the size of the file.
-constexpr uint64_t log_check_interval = 65536;
+constexpr uint64_t kLogCheckInterval = 65536;
 // Digits tried in one go for a generation that is not full.
-constexpr int log_advance_limit = log_generation_count;
+constexpr int kLogAdvanceLimit = kLogGenerationCount;
 
 class LogFile {
  public:
@@ -33,34 +33,34 @@ class LogFile {
   void close();
 
   // Any thread.
-  void set_echo_level(int32_t level) { echo_level_.store(level); }
-  void set_max_size(uint64_t size) { max_size_.store(size); }
+  void setEchoLevel(int32_t level) { echoLevel_.store(level); }
+  void setMaxSize(uint64_t size) { maxSize_.store(size); }
 
  private:
-  ov_rc set_path(const char* path);
-  void take_size_suffix(const char* path);
-  ov_rc move_to_default_directory(const char* name);
-  ov_rc check_rotation();
-  ov_rc rotate_if_full();
-  ov_rc open_generation();
-  ov_rc open_digit(const LogGenerations& generations, int digit);
-  bool is_full();
-  ov_rc write_all(std::string_view bytes);
+  ov_rc setPath(const char* path);
+  void takeSizeSuffix(const char* path);
+  ov_rc moveToDefaultDirectory(const char* name);
+  ov_rc checkRotation();
+  ov_rc rotateIfFull();
+  ov_rc openGeneration();
+  ov_rc openDigit(const LogGenerations& generations, int digit);
+  bool isFull();
+  ov_rc writeAll(std::string_view bytes);
 
-  std::atomic<uint64_t> max_size_ = default_log_size;
-  std::atomic<int32_t> echo_level_ = -1;
-  bool to_stderr_ = false;
+  std::atomic<uint64_t> maxSize_ = kDefaultLogSize;
+  std::atomic<int32_t> echoLevel_ = -1;
+  bool toStderr_ = false;
   ov_file file_ = nullptr;
   bool open_ = false;  // whether `file_` is an open file
-  char path_[log_path_room] = {};
-  char generation_path_[log_generation_path_room] = {};  // of `file_`
+  char path_[kLogPathRoom] = {};
+  char generationPath_[kLogGenerationPathRoom] = {};  // of `file_`
   uint32_t process_ = 0;
-  uint64_t bytes_since_check_ = 0;
+  uint64_t bytesSinceCheck_ = 0;
   LogFold fold_;
   LogClock clock_;
   // Held around a rotation; that it can be made and taken is part of what the log needs.
   ov_mutex rotation_ = {};
-  bool rotation_made_ = false;
+  bool rotationMade_ = false;
 };
 
 extern constinit LogFile log_file;

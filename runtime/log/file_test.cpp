@@ -23,7 +23,7 @@ namespace {
 using Lines = std::vector<std::string>;
 using ov::TempFolder;
 
-constexpr uint64_t mebibyte = 1 << 20;
+constexpr uint64_t kMebibyte = 1 << 20;
 
 // Lines of a log without their stamps; a line with an ill stamp stays as it is. The line ends are
 // CR LF, and a last one without it is kept as "unfinished".
@@ -289,17 +289,17 @@ TEST_F(LogFileTest, BackslashesBecomeSlashes) {
 }
 
 TEST_F(LogFileTest, SizeSuffixSetsTheLimit) {
-  make(0, 2 * mebibyte - 1);
+  make(0, 2 * kMebibyte - 1);
   EXPECT_EQ("0", target("app.log:2"));
-  std::filesystem::resize_file(TempFolder::native(generation(0)), 2 * mebibyte);
+  std::filesystem::resize_file(TempFolder::native(generation(0)), 2 * kMebibyte);
   EXPECT_EQ("1", target("app.log:2"));
 }
 
 TEST_F(LogFileTest, SizeSuffixOf0OrTooLargeIsCutAndKeepsTheLimit) {
   for (const char* suffix : {":0", ":000", ":536870912", ":99999999999999999999999999"}) {
-    make(0, 10 * mebibyte - 1);
+    make(0, 10 * kMebibyte - 1);
     EXPECT_EQ("0", target(std::string("app.log") + suffix)) << suffix;
-    make(0, 10 * mebibyte);
+    make(0, 10 * kMebibyte);
     EXPECT_EQ("1", target(std::string("app.log") + suffix)) << suffix;
     std::filesystem::remove(TempFolder::native(generation(1)));
   }
@@ -318,19 +318,19 @@ TEST_F(LogFileTest, ColonWithoutDigitsIsPartOfTheName) {
 }
 
 TEST_F(LogFileTest, SetterOfTheLimitCountsInMebibytes) {
-  make(0, 3 * mebibyte);
+  make(0, 3 * kMebibyte);
   ov_log_set_logfile_size(4);
   EXPECT_EQ("0", target());
   ov_log_set_logfile_size(4096);
   EXPECT_EQ("0", target());
-  make(0, 3 * mebibyte);
+  make(0, 3 * kMebibyte);
   ov_log_set_logfile_size(3);
   EXPECT_EQ("1", target());
 }
 
 TEST_F(LogFileTest, LimitsFrom2048AndBelow0AreBeyondAnyFile) {
   for (const int32_t size : {2048, 4095, -1, INT32_MIN + 4095}) {
-    make(0, 3000 * mebibyte);
+    make(0, 3000 * kMebibyte);
     ov_log_set_logfile_size(size);
     ASSERT_EQ(0, ov_log_init(2, path().c_str()));
     EXPECT_EQ("0", digits()) << size;
@@ -359,7 +359,7 @@ TEST_F(LogFileTest, ZeroAndNineResumeInZero) {
 }
 
 TEST_F(LogFileTest, FullGenerationHandsOverToTheNextAndTheGapMovesOn) {
-  for (int digit = 0; digit < 9; ++digit) make(digit, mebibyte);
+  for (int digit = 0; digit < 9; ++digit) make(digit, kMebibyte);
   ov_log_set_logfile_size(1);
   EXPECT_EQ("9", target());
   EXPECT_EQ("123456789", digits());
@@ -367,7 +367,7 @@ TEST_F(LogFileTest, FullGenerationHandsOverToTheNextAndTheGapMovesOn) {
 }
 
 TEST_F(LogFileTest, NineIsFollowedByZeroAndOneIsDeleted) {
-  for (int digit = 1; digit < 10; ++digit) make(digit, mebibyte);
+  for (int digit = 1; digit < 10; ++digit) make(digit, kMebibyte);
   ov_log_set_logfile_size(1);
   EXPECT_EQ("0", target());
   EXPECT_EQ("023456789", digits());
@@ -386,8 +386,8 @@ TEST_F(LogFileTest, RunningLogRotatesWhenItIsFull) {
   EXPECT_EQ(static_cast<size_t>(count), first.size());
   EXPECT_EQ(Lines{"LOG behind the turn"}, messages(content("app.log")));
   const uint64_t size = std::filesystem::file_size(TempFolder::native(generation(0)));
-  EXPECT_LE(mebibyte, size);
-  EXPECT_GT(mebibyte + 65536 + 4096 + 256, size);
+  EXPECT_LE(kMebibyte, size);
+  EXPECT_GT(kMebibyte + 65536 + 4096 + 256, size);
 }
 
 TEST_F(LogFileTest, RingHoldsNineFilesAtMostAndTheNameFollowsTheLiveOne) {
@@ -453,15 +453,15 @@ TEST_F(LogFileTest, BareNameGoesToTheDefaultDirectoryAndKeepsItsSuffix) {
 }
 
 TEST_F(LogFileTest, ThreadsWriteWholeLinesAcrossRotations) {
-  constexpr int thread_count = 8;
-  constexpr int line_count = 600;
+  constexpr int kThreadCount = 8;
+  constexpr int kLineCount = 600;
   ov_log_set_logfile_size(1);
   ASSERT_EQ(0, ov_log_init(2, path().c_str()));
   std::vector<std::thread> threads;
-  for (int i = 0; i < thread_count; ++i) {
+  for (int i = 0; i < kThreadCount; ++i) {
     threads.emplace_back([i] {
       const std::string filler(600, static_cast<char>('a' + i));
-      for (int n = 0; n < line_count; ++n) ov_log("%d %d %s", i, n, filler.c_str());
+      for (int n = 0; n < kLineCount; ++n) ov_log("%d %d %s", i, n, filler.c_str());
     });
   }
   for (std::thread& thread : threads) thread.join();
@@ -474,8 +474,8 @@ TEST_F(LogFileTest, ThreadsWriteWholeLinesAcrossRotations) {
     }
   }
   std::set<std::string> expected;
-  for (int i = 0; i < thread_count; ++i) {
-    for (int n = 0; n < line_count; ++n) {
+  for (int i = 0; i < kThreadCount; ++i) {
+    for (int n = 0; n < kLineCount; ++n) {
       expected.insert("LOG " + std::to_string(i) + " " + std::to_string(n) + " " +
                       std::string(600, static_cast<char>('a' + i)));
     }
@@ -484,20 +484,20 @@ TEST_F(LogFileTest, ThreadsWriteWholeLinesAcrossRotations) {
 }
 
 TEST_F(LogFileTest, RepeatsOfManyThreadsAreAllCounted) {
-  constexpr int thread_count = 8;
-  constexpr int line_count = 500;
+  constexpr int kThreadCount = 8;
+  constexpr int kLineCount = 500;
   ASSERT_EQ(0, ov_log_init(2, path().c_str()));
   std::vector<std::thread> threads;
-  for (int i = 0; i < thread_count; ++i) {
+  for (int i = 0; i < kThreadCount; ++i) {
     threads.emplace_back([] {
-      for (int n = 0; n < line_count; ++n) ov_log("same");
+      for (int n = 0; n < kLineCount; ++n) ov_log("same");
     });
   }
   for (std::thread& thread : threads) thread.join();
   ov_log("end");
   EXPECT_EQ(
       (Lines{"LOG same",
-             "Last message repeated " + std::to_string(thread_count * line_count - 1) + " times",
+             "Last message repeated " + std::to_string(kThreadCount * kLineCount - 1) + " times",
              "LOG end"}),
       messages(content("app.log")));
 }

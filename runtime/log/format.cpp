@@ -8,7 +8,7 @@ namespace {
 // The length of the whole text, or less than 0; what fits is in `dst`, terminated.
 OV_PRINTF(3, 0)
 int32_t format_bounded(char* dst, size_t size, const char* format, va_list arguments) {
-  if (!format || (!dst && size > 0)) return -1;
+  if (format == nullptr || (dst == nullptr && size > 0)) return -1;
   // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the callers have started the list
   const int length = std::vsnprintf(dst, size, format, arguments);
   if (length < 0 && size > 0) dst[size - 1] = 0;

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "runtime/strings/ascii.h"
+
 namespace ov {
 namespace {
 
@@ -16,7 +18,7 @@ int choose_log_generation(const LogGenerationSet& existing) {
   if (existing.none()) return -1;
   int digit = 0;
   while (!existing[static_cast<size_t>(digit)]) ++digit;
-  while (digit + 1 < log_generation_count && existing[static_cast<size_t>(digit) + 1]) ++digit;
+  while (digit + 1 < kLogGenerationCount && existing[static_cast<size_t>(digit) + 1]) ++digit;
   return digit;
 }
 
@@ -27,7 +29,7 @@ LogGenerations::LogGenerations(std::string_view path) : path_(path) {
   extension_ = dot == std::string_view::npos || dot < base_ ? path_.size() : dot;
 }
 
-void LogGenerations::directory(char (&out)[log_path_room]) const {
+void LogGenerations::directory(char (&out)[kLogPathRoom]) const {
   std::string_view directory = ".";
   if (base_ > 0) {
     directory = path_.substr(0, base_ - 1);
@@ -37,17 +39,17 @@ void LogGenerations::directory(char (&out)[log_path_room]) const {
   out[directory.size()] = 0;
 }
 
-int LogGenerations::digit_of(std::string_view entry) const {
+int LogGenerations::digitOf(std::string_view entry) const {
   const std::string_view stem = path_.substr(base_, extension_ - base_);
   const std::string_view extension = path_.substr(extension_);
   if (entry.size() != stem.size() + 2 + extension.size()) return -1;
   const char digit = entry[stem.size() + 1];
   const bool matches = entry.starts_with(stem) && entry[stem.size()] == '.' &&
-                       entry.ends_with(extension) && digit >= '0' && digit <= '9';
+                       entry.ends_with(extension) && is_digit(digit);
   return matches ? digit - '0' : -1;
 }
 
-void LogGenerations::path_of(int digit, char (&out)[log_generation_path_room]) const {
+void LogGenerations::pathOf(int digit, char (&out)[kLogGenerationPathRoom]) const {
   char* at = out;
   std::memcpy(at, path_.data(), extension_);
   at += extension_;

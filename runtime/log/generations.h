@@ -8,16 +8,16 @@
 
 namespace ov {
 
-constexpr int log_generation_count = 10;
+constexpr int kLogGenerationCount = 10;
 // A path of the log, its terminator included, and a path with a generation's dot and digit.
-constexpr size_t log_path_room = 520;
-constexpr size_t log_generation_path_room = log_path_room + 2;
+constexpr size_t kLogPathRoom = 520;
+constexpr size_t kLogGenerationPathRoom = kLogPathRoom + 2;
 
-using LogGenerationSet = std::bitset<log_generation_count>;
+using LogGenerationSet = std::bitset<kLogGenerationCount>;
 
 // The digit after `digit`, around the ring.
 constexpr int next_log_generation(int digit) {
-  return (digit + 1) % log_generation_count;
+  return (digit + 1) % kLogGenerationCount;
 }
 
 // Where writing goes on: upward from the lowest generation there is as long as the next one is
@@ -26,14 +26,14 @@ int choose_log_generation(const LogGenerationSet& existing);
 
 class LogGenerations {
  public:
-  // `path` has forward slashes, less than log_path_room bytes, and outlives the object.
+  // `path` has forward slashes, less than kLogPathRoom bytes, and outlives the object.
   explicit LogGenerations(std::string_view path);
 
   // Directory of the generations, "." for a path with no slash.
-  void directory(char (&out)[log_path_room]) const;
+  void directory(char (&out)[kLogPathRoom]) const;
   // The digit of a directory entry that is a generation, else -1.
-  int digit_of(std::string_view entry) const;
-  void path_of(int digit, char (&out)[log_generation_path_room]) const;
+  int digitOf(std::string_view entry) const;
+  void pathOf(int digit, char (&out)[kLogGenerationPathRoom]) const;
 
  private:
   std::string_view path_;

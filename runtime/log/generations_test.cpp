@@ -7,19 +7,19 @@
 namespace {
 
 std::string directory(const std::string& path) {
-  char out[ov::log_path_room];
+  char out[ov::kLogPathRoom];
   ov::LogGenerations(path).directory(out);
   return out;
 }
 
 std::string generation(const std::string& path, int digit) {
-  char out[ov::log_generation_path_room];
-  ov::LogGenerations(path).path_of(digit, out);
+  char out[ov::kLogGenerationPathRoom];
+  ov::LogGenerations(path).pathOf(digit, out);
   return out;
 }
 
 int digit(const std::string& path, const std::string& entry) {
-  return ov::LogGenerations(path).digit_of(entry);
+  return ov::LogGenerations(path).digitOf(entry);
 }
 
 // What is chosen when the generations of these digits exist.
@@ -70,7 +70,7 @@ TEST(LogGenerationsTest, EntriesCountByLengthDigitStemAndExtension) {
 
 TEST(LogGenerationsTest, EveryGenerationIsFoundByItsOwnName) {
   for (const std::string path : {"d/stem.ext", "d/stem", "a.b.c", ".log", "x."}) {
-    for (int i = 0; i < ov::log_generation_count; ++i) {
+    for (int i = 0; i < ov::kLogGenerationCount; ++i) {
       const std::string whole = generation(path, i);
       const size_t slash = whole.rfind('/');
       EXPECT_EQ(i, digit(path, slash == std::string::npos ? whole : whole.substr(slash + 1)));

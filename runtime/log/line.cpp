@@ -29,21 +29,21 @@ char* put_thread(char* at, uint32_t thread, bool padded) {
 }  // namespace
 
 bool LogLine::compose(int32_t level, const char* format, va_list arguments) {
-  char* const start = room_ + log_header_room;
+  char* const start = room_ + kLogHeaderRoom;
   const std::string_view name = log_level_name(level);
   std::memcpy(start, name.data(), name.size());
   start[name.size()] = ' ';
   const size_t prefix = name.size() + 1;
-  const int32_t text = ov_vsnprintf(start + prefix, log_text_bound, format, arguments);
+  const int32_t text = ov_vsnprintf(start + prefix, kLogTextBound, format, arguments);
   if (text < 0) return false;
-  length_ = std::min(prefix + static_cast<size_t>(text), log_text_limit);
+  length_ = std::min(prefix + static_cast<size_t>(text), kLogTextLimit);
   std::memcpy(start + length_, "\r\n", 3);
   return true;
 }
 
 // Written by hand: the formatter would take as long as the system takes to write the line.
 void LogLine::stamp(int32_t repeats, std::string_view time, uint32_t process, uint32_t thread) {
-  char header[log_header_room];
+  char header[kLogHeaderRoom];
   char* end = header;
   if (repeats > 0) {
     end = put(end, "Last message repeated ");
@@ -56,16 +56,16 @@ void LogLine::stamp(int32_t repeats, std::string_view time, uint32_t process, ui
   // The two forms write the thread's id differently; readers of the log know both.
   end = put_thread(end, thread, repeats == 0);
   end = put(end, "] ");
-  header_length_ = static_cast<size_t>(end - header);
-  std::memcpy(room_ + log_header_room - header_length_, header, header_length_);
+  headerLength_ = static_cast<size_t>(end - header);
+  std::memcpy(room_ + kLogHeaderRoom - headerLength_, header, headerLength_);
 }
 
 std::string_view LogClock::now() {
   // The time of day is asked for only when it may have changed: that costs as much as all else of a
   // line together.
   const uint64_t milliseconds = coarse_milliseconds();
-  if (length_ > 0 && milliseconds == read_at_) return {text_, length_};
-  read_at_ = milliseconds;
+  if (length_ > 0 && milliseconds == readAt_) return {text_, length_};
+  readAt_ = milliseconds;
   return at(std::time(nullptr));
 }
 

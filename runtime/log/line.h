@@ -12,11 +12,11 @@
 namespace ov {
 
 // Room for the stamp, and for the text with its line end and a terminator.
-constexpr size_t log_header_room = 256;
-constexpr size_t log_text_room = 4096;
+constexpr size_t kLogHeaderRoom = 256;
+constexpr size_t kLogTextRoom = 4096;
 // Bound of the text behind the level's name, and the length to which both together are cut.
-constexpr size_t log_text_bound = 4090;
-constexpr size_t log_text_limit = 4093;
+constexpr size_t kLogTextBound = 4090;
+constexpr size_t kLogTextLimit = 4093;
 
 class LogLine {
  public:
@@ -25,20 +25,18 @@ class LogLine {
 
   // The composed text, without and with the line end.
   std::string_view text() const { return {start(), length_}; }
-  std::string_view text_and_end() const { return {start(), length_ + 2}; }
+  std::string_view textAndEnd() const { return {start(), length_ + 2}; }
   // Puts the stamp directly in front of the text, so that the whole line leaves in one write.
   // `time` is that of LogClock. With `repeats` it opens with the note of that many repeats.
   void stamp(int32_t repeats, std::string_view time, uint32_t process, uint32_t thread);
   // Stamp, text and line end.
-  std::string_view whole() const {
-    return {start() - header_length_, header_length_ + length_ + 2};
-  }
+  std::string_view whole() const { return {start() - headerLength_, headerLength_ + length_ + 2}; }
 
  private:
-  const char* start() const { return room_ + log_header_room; }
+  const char* start() const { return room_ + kLogHeaderRoom; }
 
-  char room_[log_header_room + log_text_room];
-  size_t header_length_ = 0;
+  char room_[kLogHeaderRoom + kLogTextRoom];
+  size_t headerLength_ = 0;
   size_t length_ = 0;
 };
 
@@ -51,7 +49,7 @@ class LogClock {
   std::string_view at(int64_t now);
 
  private:
-  uint64_t read_at_ = 0;  // when the time of day was read last; 0 for never
+  uint64_t readAt_ = 0;  // when the time of day was read last; 0 for never
   int64_t second_ = 0;
   size_t length_ = 0;  // 0 for none
   char text_[64] = {};
@@ -64,10 +62,10 @@ class LogFold {
   bool repeats(std::string_view text);
   // The number of repeats since the last different text, and its end.
   int32_t count() const { return count_; }
-  void clear_count() { count_ = 0; }
+  void clearCount() { count_ = 0; }
 
  private:
-  char last_[log_text_room] = {};
+  char last_[kLogTextRoom] = {};
   size_t length_ = 0;
   int32_t count_ = 0;
 };

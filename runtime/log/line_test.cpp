@@ -18,24 +18,24 @@ OV_PRINTF(3, 4) bool compose(ov::LogLine& line, int32_t level, const char* forma
   return result;
 }
 
-constexpr std::string_view moment = "2026-03-09 17:02:11";
+constexpr std::string_view kMoment = "2026-03-09 17:02:11";
 
 TEST(LogLineTest, StampStandsDirectlyInFrontOfTheText) {
   ov::LogLine line;
   ASSERT_TRUE(compose(line, OV_LEVEL_LOG, "text %d", 5));
   EXPECT_EQ("LOG text 5", line.text());
-  EXPECT_EQ("LOG text 5\r\n", line.text_and_end());
-  line.stamp(0, moment, 0x1a4c, 0xf10);
+  EXPECT_EQ("LOG text 5\r\n", line.textAndEnd());
+  line.stamp(0, kMoment, 0x1a4c, 0xf10);
   EXPECT_EQ("2026-03-09 17:02:11 [1a4c-00000f10] LOG text 5\r\n", line.whole());
 }
 
 TEST(LogLineTest, NoteOfRepeatsOpensTheLineAndItsThreadIsNotPadded) {
   ov::LogLine line;
   ASSERT_TRUE(compose(line, OV_LEVEL_ERR, "x"));
-  line.stamp(2, moment, 0x1a4c, 0xf10);
+  line.stamp(2, kMoment, 0x1a4c, 0xf10);
   EXPECT_EQ("Last message repeated 2 times\r\n2026-03-09 17:02:11 [1a4c-f10] ERR x\r\n",
             line.whole());
-  line.stamp(INT32_MAX, moment, UINT32_MAX, UINT32_MAX);
+  line.stamp(INT32_MAX, kMoment, UINT32_MAX, UINT32_MAX);
   EXPECT_EQ(
       "Last message repeated 2147483647 times\r\n"
       "2026-03-09 17:02:11 [ffffffff-ffffffff] ERR x\r\n",
@@ -47,7 +47,7 @@ TEST(LogLineTest, TextIsCutAt4093Bytes) {
   for (const size_t length : {size_t{4089}, size_t{4090}, size_t{4091}, size_t{5000}}) {
     ASSERT_TRUE(compose(line, OV_LEVEL_DBG, "%s", std::string(length, 'x').c_str()));
     EXPECT_EQ("DBG " + std::string(4089, 'x'), line.text()) << length;
-    EXPECT_EQ("DBG " + std::string(4089, 'x') + "\r\n", line.text_and_end());
+    EXPECT_EQ("DBG " + std::string(4089, 'x') + "\r\n", line.textAndEnd());
   }
   ASSERT_TRUE(compose(line, OV_LEVEL_DBG, "%s", std::string(4088, 'x').c_str()));
   EXPECT_EQ(4092u, line.text().size());
@@ -62,11 +62,11 @@ TEST(LogLineTest, TextThatCannotBeFormattedIsTold) {
 TEST(LogLineTest, IdsTakeFromOneToEightDigits) {
   ov::LogLine line;
   ASSERT_TRUE(compose(line, OV_LEVEL_DBG, "x"));
-  line.stamp(0, moment, 0, 0);
+  line.stamp(0, kMoment, 0, 0);
   EXPECT_EQ("2026-03-09 17:02:11 [0-00000000] DBG x\r\n", line.whole());
-  line.stamp(1, moment, 0, 0);
+  line.stamp(1, kMoment, 0, 0);
   EXPECT_EQ("Last message repeated 1 times\r\n2026-03-09 17:02:11 [0-0] DBG x\r\n", line.whole());
-  line.stamp(0, moment, 0xfedcba98, 0x12345678);
+  line.stamp(0, kMoment, 0xfedcba98, 0x12345678);
   EXPECT_EQ("2026-03-09 17:02:11 [fedcba98-12345678] DBG x\r\n", line.whole());
 }
 
@@ -120,7 +120,7 @@ TEST(LogFoldTest, RepeatsAreCountedUntilAnotherTextComes) {
   EXPECT_EQ(2, fold.count());
   EXPECT_FALSE(fold.repeats("ERR a"));
   EXPECT_EQ(2, fold.count());
-  fold.clear_count();
+  fold.clearCount();
   EXPECT_EQ(0, fold.count());
   EXPECT_FALSE(fold.repeats("LOG a"));
   EXPECT_FALSE(fold.repeats("LOG a "));

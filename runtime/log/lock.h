@@ -16,48 +16,47 @@ namespace ov {
 class LogLock {
  public:
   LogLock() : state_(acquire()) {
-    if (owns()) holder.store(ov_thread_self(), std::memory_order_relaxed);
+    if (owns()) holder_.store(ov_thread_self(), std::memory_order_relaxed);
   }
   ~LogLock() {
     if (!owns()) return;
-    holder.store(0, std::memory_order_relaxed);
+    holder_.store(0, std::memory_order_relaxed);
     release_log_lock();
   }
   LogLock(const LogLock&) = delete;
   LogLock& operator=(const LogLock&) = delete;
 
   // False when a report has waited in vain: the log is another thread's.
-  explicit operator bool() const { return state_ != State::refused; }
-  bool nested() const { return state_ != State::outer; }
+  explicit operator bool() const { return state_ != State::kRefused; }
+  bool nested() const { return state_ != State::kOuter; }
 
  private:
   // `inner`: the calling thread holds it already, further out. `report`: held by a fault's report.
-  enum class State : uint8_t { outer, inner, report, refused };
+  enum class State : uint8_t { kOuter, kInner, kReport, kRefused };
 
   // Milliseconds that the lines of a report wait together.
-  static constexpr uint32_t report_patience = 1000;
+  static constexpr uint32_t kReportPatience = 1000;
 
   static State acquire() {
-    if (holder.load(std::memory_order_relaxed) == ov_thread_self()) return State::inner;
-    if (FaultReport::Slot* const report = FaultReport::of_this_thread())
-      return acquire_for(*report);
+    if (holder_.load(std::memory_order_relaxed) == ov_thread_self()) return State::kInner;
+    if (FaultReport::Slot* const report = FaultReport::ofThisThread()) return acquireFor(*report);
     acquire_log_lock();
-    return State::outer;
+    return State::kOuter;
   }
 
-  static State acquire_for(FaultReport::Slot& report) {
+  static State acquireFor(FaultReport::Slot& report) {
     while (!try_acquire_log_lock()) {
-      if (report.waited >= report_patience) return State::refused;
+      if (report.waited >= kReportPatience) return State::kRefused;
       ++report.waited;
       ov_thread_sleep(1);
     }
-    return State::report;
+    return State::kReport;
   }
 
-  bool owns() const { return state_ == State::outer || state_ == State::report; }
+  bool owns() const { return state_ == State::kOuter || state_ == State::kReport; }
 
   // Thread id of the holder, 0 for none. A thread can find its own id here only if it wrote it.
-  static inline std::atomic<uint32_t> holder = 0;
+  static inline std::atomic<uint32_t> holder_ = 0;
   const State state_;
 };
 

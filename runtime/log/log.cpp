@@ -17,12 +17,12 @@ int32_t g_dbg_level = 0;
 
 namespace ov {
 
-std::atomic<int32_t> log_state = log_state_none;
+std::atomic<int32_t> log_state = kLogStateNone;
 
 namespace {
 
 // Numbers of MiB from here on do not set the size.
-constexpr int32_t megabytes_end = 4096;
+constexpr int32_t kMegabytesEnd = 4096;
 
 using Sink = void (*)(const char*);
 std::atomic<Sink> log_sink = nullptr;
@@ -43,11 +43,11 @@ bool level_passes(int32_t level) {
 
 OV_PRINTF(2, 0) ov_rc send_to_sink(int32_t level, const char* format, va_list arguments) {
   const Sink sink = log_sink.load();
-  if (!sink) return OV_EINVAL;
-  char message[log_message_room];
-  const int32_t name = ov_snprintf(message, log_level_bound, "%s ", log_level_name(level));
+  if (sink == nullptr) return OV_EINVAL;
+  char message[kLogMessageRoom];
+  const int32_t name = ov_snprintf(message, kLogLevelBound, "%s ", log_level_name(level));
   if (name < 0) return OV_ELOG;
-  if (ov_vsnprintf(message + name, log_sink_text_bound, format, arguments) < 0) return OV_ELOG;
+  if (ov_vsnprintf(message + name, kLogSinkTextBound, format, arguments) < 0) return OV_ELOG;
   sink(message);
   return 0;
 }
@@ -76,28 +76,28 @@ OV_PRINTF(2, 0) void write_of_report(int32_t level, const char* format, va_list 
 // The steps under the log's lock; `*set_up` tells whether there is a log now that was not before.
 ov_rc set_up_sink(Sink sink, bool* set_up) {
   const LogLock lock;
-  if (log_state.load() != log_state_none) return 0;
-  if (!sink) return OV_ERANGE;
+  if (log_state.load() != kLogStateNone) return 0;
+  if (sink == nullptr) return OV_ERANGE;
   log_sink.store(sink);
-  log_state.store(log_state_sink);
+  log_state.store(kLogStateSink);
   *set_up = true;
   return 0;
 }
 
 ov_rc set_up_file(int32_t mode, const char* path, bool* set_up) {
   const LogLock lock;
-  if (log_state.load() != log_state_none) return 0;
-  if (mode == log_state_sink) return OV_EINVAL;
+  if (log_state.load() != kLogStateNone) return 0;
+  if (mode == kLogStateSink) return OV_EINVAL;
   // The state holds whatever becomes of the path, so that a later call changes nothing.
-  log_state.store(log_state_file);
+  log_state.store(kLogStateFile);
   return log_file.open(path, set_up);
 }
 
 }  // namespace
 
 const char* log_level_name(int32_t level) {
-  static constexpr const char* names[] = {"ERR", "LOG", "DBG"};
-  return names[std::clamp<int32_t>(level, OV_LEVEL_ERR, OV_LEVEL_DBG)];
+  static constexpr const char* kNames[] = {"ERR", "LOG", "DBG"};
+  return kNames[std::clamp<int32_t>(level, OV_LEVEL_ERR, OV_LEVEL_DBG)];
 }
 
 }  // namespace ov
@@ -106,14 +106,14 @@ ov_rc ov_log_vmsg(int32_t level, const char* format, va_list arguments) {
   if (!ov::level_passes(level)) return 0;
   const ov::SavedError keep;
   switch (ov::log_state.load()) {
-    case ov::log_state_file:
-      if (ov::FaultReport::of_this_thread()) {
+    case ov::kLogStateFile:
+      if (ov::FaultReport::ofThisThread() != nullptr) {
         ov::write_of_report(level, format, arguments);
       } else {
         ov::write_to_file(level, format, arguments);
       }
       return 0;
-    case ov::log_state_sink:
+    case ov::kLogStateSink:
       return ov::send_to_sink(level, format, arguments);
     default:
       return OV_EINVAL;
@@ -175,7 +175,7 @@ ov_rc ov_log_init(int32_t mode, const char* path) {
 void ov_log_flush(void) {
   const ov::SavedError keep;
   const ov::LogLock lock;
-  if (lock && ov::log_state.load() == ov::log_state_file) ov::log_file.flush();
+  if (lock && ov::log_state.load() == ov::kLogStateFile) ov::log_file.flush();
 }
 
 void ov_log_cleanup(void) {
@@ -184,20 +184,20 @@ void ov_log_cleanup(void) {
     const ov::LogLock lock;
     ov::log_file.close();
     ov::log_sink.store(nullptr);
-    ov::log_state.store(ov::log_state_none);
+    ov::log_state.store(ov::kLogStateNone);
   }
   ov::exception_logger_remove();
 }
 
 void ov_log_set_echo(int32_t level) {
-  ov::log_file.set_echo_level(level);
+  ov::log_file.setEchoLevel(level);
 }
 
 void ov_log_set_logfile_size(int32_t megabytes) {
-  if (megabytes >= ov::megabytes_end) return;
+  if (megabytes >= ov::kMegabytesEnd) return;
   // Shifted in 32 bits, so that from 2048 on, and below 0, the limit lies beyond any file.
   const uint32_t shifted = static_cast<uint32_t>(megabytes) << 20;
-  ov::log_file.set_max_size(static_cast<uint64_t>(int64_t{static_cast<int32_t>(shifted)}));
+  ov::log_file.setMaxSize(static_cast<uint64_t>(int64_t{static_cast<int32_t>(shifted)}));
 }
 
 void ov_log_set(int32_t enabled) {

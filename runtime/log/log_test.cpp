@@ -14,9 +14,9 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-const int32_t first_log_enabled = g_log_enabled;
-const int32_t first_debug_enabled = g_debug_enabled;
-const int32_t first_dbg_level = g_dbg_level;
+const int32_t kFirstLogEnabled = g_log_enabled;
+const int32_t kFirstDebugEnabled = g_debug_enabled;
+const int32_t kFirstDbgLevel = g_dbg_level;
 
 class LogTest : public testing::Test {
  protected:
@@ -30,9 +30,9 @@ class LogTest : public testing::Test {
 };
 
 TEST_F(LogTest, FlagsStartAtTheirDocumentedValues) {
-  EXPECT_EQ(1, first_log_enabled);
-  EXPECT_EQ(0, first_debug_enabled);
-  EXPECT_EQ(0, first_dbg_level);
+  EXPECT_EQ(1, kFirstLogEnabled);
+  EXPECT_EQ(0, kFirstDebugEnabled);
+  EXPECT_EQ(0, kFirstDbgLevel);
 }
 
 TEST_F(LogTest, SettersWriteTheExportedFlags) {

@@ -7,7 +7,7 @@
 namespace ov {
 namespace {
 SRWLOCK log_lock = SRWLOCK_INIT;
-constexpr int standard_error = 2;
+constexpr int kStandardError = 2;
 }  // namespace
 
 uint32_t process_id() {
@@ -19,7 +19,7 @@ uint64_t coarse_milliseconds() {
 }
 
 void write_standard_error(std::string_view text) {
-  _write(standard_error, text.data(), static_cast<unsigned>(text.size()));
+  _write(kStandardError, text.data(), static_cast<unsigned>(text.size()));
 }
 
 ov_rc open_file_size(void* file, uint64_t* size) {

@@ -8,12 +8,12 @@
 namespace ov {
 namespace {
 
-constexpr int32_t log_file_mode = 0660;
+constexpr int32_t kLogFileMode = 0660;
 
 // Tells a failure of the log itself on standard error.
 OV_PRINTF(1, 2)
 void report(const char* format, ...) {
-  char text[log_path_room + 64];
+  char text[kLogPathRoom + 64];
   va_list arguments;
   va_start(arguments, format);
   // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): it does not see the start above
@@ -26,7 +26,7 @@ void report(const char* format, ...) {
 
 // The generations that there are.
 ov_rc find_generations(const LogGenerations& generations, LogGenerationSet* found) {
-  char directory[log_path_room];
+  char directory[kLogPathRoom];
   generations.directory(directory);
   ov_dir dir;
   if (const ov_rc error = ov_dir_open(directory, &dir)) {
@@ -35,7 +35,7 @@ ov_rc find_generations(const LogGenerations& generations, LogGenerationSet* foun
   }
   ov_dirent entry;
   while (ov_dir_next(&dir, &entry) == 0) {
-    const int digit = generations.digit_of(entry.name);
+    const int digit = generations.digitOf(entry.name);
     if (digit >= 0) found->set(static_cast<size_t>(digit));
   }
   ov_dir_close(&dir);
@@ -44,63 +44,63 @@ ov_rc find_generations(const LogGenerations& generations, LogGenerationSet* foun
 
 }  // namespace
 
-ov_rc LogFile::check_rotation() {
+ov_rc LogFile::checkRotation() {
   if (const ov_rc error = ov_mutex_acquire(&rotation_)) return error;
-  const ov_rc result = open_ ? rotate_if_full() : open_generation();
+  const ov_rc result = open_ ? rotateIfFull() : openGeneration();
   ov_mutex_release(&rotation_);
   return result;
 }
 
-ov_rc LogFile::rotate_if_full() {
+ov_rc LogFile::rotateIfFull() {
   uint64_t size = 0;
   if (const ov_rc error = open_file_size(file_, &size)) return error;
-  if (size < max_size_.load()) return 0;
+  if (size < maxSize_.load()) return 0;
   ov_file_close(&file_);
   open_ = false;
-  return open_generation();
+  return openGeneration();
 }
 
-ov_rc LogFile::open_generation() {
+ov_rc LogFile::openGeneration() {
   const LogGenerations generations(path_);
   LogGenerationSet existing;
   if (const ov_rc error = find_generations(generations, &existing)) return error;
   const int last = choose_log_generation(existing);
   bool renew_link = last < 0;
   int digit = last < 0 ? 0 : last;
-  if (const ov_rc error = open_digit(generations, digit)) return error;
+  if (const ov_rc error = openDigit(generations, digit)) return error;
   // With a limit that no file stays below, the last one tried is as good as any.
-  for (int advance = 0; advance < log_advance_limit && is_full(); ++advance) {
+  for (int advance = 0; advance < kLogAdvanceLimit && isFull(); ++advance) {
     ov_file_close(&file_);
     open_ = false;
     digit = next_log_generation(digit);
     renew_link = true;
     // The gap in the ring moves on in front of the new generation.
-    char gap[log_generation_path_room];
-    generations.path_of(next_log_generation(digit), gap);
+    char gap[kLogGenerationPathRoom];
+    generations.pathOf(next_log_generation(digit), gap);
     ov_file_delete(gap);
-    if (const ov_rc error = open_digit(generations, digit)) return error;
+    if (const ov_rc error = openDigit(generations, digit)) return error;
   }
   if (renew_link) {
     ov_file_delete(path_);
-    ov_file_hardlink(generation_path_, path_);
+    ov_file_hardlink(generationPath_, path_);
   }
   return 0;
 }
 
-ov_rc LogFile::open_digit(const LogGenerations& generations, int digit) {
-  generations.path_of(digit, generation_path_);
+ov_rc LogFile::openDigit(const LogGenerations& generations, int digit) {
+  generations.pathOf(digit, generationPath_);
   ov_file_init(&file_);
-  if (ov_file_openappend(generation_path_, &file_, log_file_mode) != 0) {
-    report("Cannot open log file: %s\n", generation_path_);
+  if (ov_file_openappend(generationPath_, &file_, kLogFileMode) != 0) {
+    report("Cannot open log file: %s\n", generationPath_);
     return OV_EINVAL;
   }
   open_ = true;
   return 0;
 }
 
-bool LogFile::is_full() {
+bool LogFile::isFull() {
   ov_stat record;
-  return ov_file_fstat(&file_, &record) != 0 || record.size >= max_size_.load();
+  return ov_file_fstat(&file_, &record) != 0 || record.size >= maxSize_.load();
 }
 
 }  // namespace ov

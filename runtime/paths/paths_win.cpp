@@ -5,7 +5,7 @@
 
 #include <direct.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_process.h"
 #include "runtime/ov_strings.h"

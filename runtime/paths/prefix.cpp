@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "runtime/ov_uri.h"
+#include "runtime/strings/ascii.h"
 
 namespace ov {
 
@@ -13,7 +14,7 @@ const char* skip_white_space(const char* text) {
 }
 
 bool is_drive_letter(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+  return is_letter(c);
 }
 
 namespace {

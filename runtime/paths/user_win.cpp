@@ -8,7 +8,7 @@
 
 #include <memory>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_paths.h"
 #include "runtime/ov_strings.h"

@@ -6,7 +6,7 @@
 #include "runtime/ov_log.h"
 #include "runtime/ov_strings.h"
 #include "runtime/platform/identity_platform.h"
-#include "runtime/strings/ascii_case.h"
+#include "runtime/strings/ascii.h"
 
 using namespace ov;
 

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
 #include "runtime/platform/identity_platform.h"

@@ -1,7 +1,7 @@
 // What the system tells of itself and of this process.
 #include <windows.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
 #include "runtime/platform/identity_platform.h"

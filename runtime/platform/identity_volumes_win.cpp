@@ -1,7 +1,7 @@
 // Drives and the space on them.
 #include <windows.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/paths/wide_path_win.h"
 #include "runtime/platform/identity_platform.h"

@@ -5,7 +5,8 @@
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"
 #include "runtime/ov_log.h"
-#include "runtime/strings/ascii_case.h"
+#include "runtime/strings/ascii.h"
+#include "runtime/strings/decimal.h"
 
 using namespace ov;
 
@@ -60,14 +61,11 @@ class Reader {
 
 // Reads a decimal number that ends at a colon, white space or the text's end.
 bool read_number(const char* text, uint32_t* value) {
-  uint64_t number = 0;
-  const char* digit = text;
-  for (; *digit >= '0' && *digit <= '9'; ++digit) {
-    number = number * 10 + static_cast<uint64_t>(*digit - '0');
-    if (number > UINT32_MAX) return false;
-  }
-  *value = static_cast<uint32_t>(number);
-  return digit != text && (*digit == ':' || *digit == '\r' || *digit == '\0');
+  const Decimal number = read_decimal(text);
+  if (number.digits == 0 || number.value > UINT32_MAX) return false;
+  *value = static_cast<uint32_t>(number.value);
+  const char end = text[number.digits];
+  return end == ':' || end == '\r' || end == '\0';
 }
 
 // Whether the line is the user's and tells a number. Cuts the line behind the name.

@@ -2,20 +2,18 @@
 
 #include <cstring>
 
+#include "runtime/strings/ascii.h"
+
 namespace {
 
-bool is_letter(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
 bool is_scheme_character(char c) {
-  return is_letter(c) || (c >= '0' && c <= '9') || c == '+' || c == '.' || c == '-';
+  return ov::is_letter(c) || ov::is_digit(c) || c == '+' || c == '.' || c == '-';
 }
 
 }  // namespace
 
 int32_t ov_uri_valid_scheme(const char* text, size_t length) {
-  if (text == nullptr || length == 0 || !is_letter(text[0])) return 0;
+  if (text == nullptr || length == 0 || !ov::is_letter(text[0])) return 0;
   for (size_t i = 1; i < length; ++i) {
     if (!is_scheme_character(text[i])) return 0;
   }

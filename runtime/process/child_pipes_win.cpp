@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 
 namespace ov {
 

@@ -4,10 +4,11 @@
 #include <memory>
 #include <new>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_process.h"
 #include "runtime/ov_strings.h"
+#include "runtime/strings/asserts.h"
 
 namespace {
 
@@ -18,8 +19,7 @@ constexpr size_t kLongestValue = 32768;
 }  // namespace
 
 ov_rc ov_process_getenv(const char* name, char* buffer, size_t size) {
-  if (name == nullptr && g_ov_asserts_active == 0) ++g_ov_asserts_skipped;
-  if (name == nullptr || buffer == nullptr || size == 0) return OV_EINVAL;
+  if (!ov::assert_not_null(name) || buffer == nullptr || size == 0) return OV_EINVAL;
   const size_t wideSize = size < kLongestValue ? size : kLongestValue;
   const std::unique_ptr<wchar_t[]> wide(new (std::nothrow) wchar_t[kNameSize + wideSize]);
   if (wide == nullptr) return OV_ENOMEM;

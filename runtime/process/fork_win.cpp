@@ -1,7 +1,7 @@
 // Starting processes with pipes to their standard streams, also as another user.
 #include <windows.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_paths.h"
 #include "runtime/ov_process.h"

@@ -1,7 +1,7 @@
 // Watching and ending other processes.
 #include <windows.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_process.h"
 #include "runtime/process/token_win.h"

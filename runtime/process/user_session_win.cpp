@@ -2,7 +2,7 @@
 
 #include <userenv.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_paths.h"
 #include "runtime/process/token_win.h"
 

@@ -5,6 +5,7 @@
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_sockets.h"
+#include "runtime/strings/decimal.h"
 
 static_assert(sizeof(ov_sock_addr) == 28 && offsetof(ov_sock_addr, ipv6) == 8);
 
@@ -66,15 +67,12 @@ ov_rc ov_sock_set_port(ov_sock_addr* addr, uint16_t port) {
 
 ov_rc ov_sock_set_scope_id(ov_sock_addr* addr, const char* text) {
   if (addr == nullptr || text == nullptr) return OV_EINVAL;
-  const char* digit = strchr(text, '%');
-  if (digit == nullptr || digit[1] == '\0') return OV_EINVAL;
-  uint64_t number = 0;
-  for (++digit; *digit != '\0'; ++digit) {
-    if (*digit < '0' || *digit > '9') return OV_EINVAL;
-    number = number * 10 + static_cast<uint64_t>(*digit - '0');
-    if (number > UINT32_MAX) return OV_EINVAL;
-  }
-  addr->scope_id = static_cast<uint32_t>(number);
+  const char* const percent = strchr(text, '%');
+  if (percent == nullptr) return OV_EINVAL;
+  const ov::Decimal number = ov::read_decimal(percent + 1);
+  const bool whole = number.digits > 0 && percent[1 + number.digits] == '\0';
+  if (!whole || number.value > UINT32_MAX) return OV_EINVAL;
+  addr->scope_id = static_cast<uint32_t>(number.value);
   return 0;
 }
 

@@ -22,7 +22,7 @@ class Reader : public ov::Transport {
   int32_t move(uint32_t offset, uint32_t length) override {
     return recv(sock, buffer + offset, call_length(length), 0);
   }
-  ov_rc code() override { return ov::socket_error(); }
+  ov_rc code() override { return ov::last_code(); }
 
  private:
   const ov_sock sock;
@@ -39,7 +39,7 @@ class Writer : public ov::Transport {
   int32_t move(uint32_t offset, uint32_t length) override {
     return send(sock, buffer + offset, call_length(length), 0);
   }
-  ov_rc code() override { return ov::socket_error(); }
+  ov_rc code() override { return ov::last_code(); }
 
  private:
   const ov_sock sock;

@@ -9,7 +9,7 @@
 
 #include <utility>
 
-#include "runtime/ov_errors.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_sockets.h"
 
 namespace ov {
@@ -21,15 +21,9 @@ static_assert(offsetof(ov_sock_addr, ipv4) == offsetof(sockaddr_in, sin_addr));
 static_assert(offsetof(ov_sock_addr, ipv6) == offsetof(sockaddr_in6, sin6_addr));
 static_assert(offsetof(ov_sock_addr, scope_id) == offsetof(sockaddr_in6, sin6_scope_id));
 
-// The code of the call on a socket that just failed; never 0. To be called before anything else is.
-inline ov_rc socket_error() {
-  const ov_rc code = WSAGetLastError();
-  return code != 0 ? code : OV_EINVAL;
-}
-
 // 0 for a call that succeeded with 0, else its code.
 inline ov_rc socket_code(int result) {
-  return result == 0 ? 0 : socket_error();
+  return result == 0 ? 0 : last_code();
 }
 
 // Closes its socket when it goes, unless that was released.

@@ -24,7 +24,7 @@ ov_rc fetch_receive_message(SOCKET socket) {
   DWORD bytes = 0;
   if (WSAIoctl(socket, SIO_GET_EXTENSION_FUNCTION_POINTER, &id, sizeof id, &call, sizeof call,
                &bytes, nullptr, nullptr)) {
-    return ov::socket_error();
+    return ov::last_code();
   }
   ov::receive_message = call;
   return call == nullptr ? OV_EINVAL : 0;
@@ -127,7 +127,7 @@ ov_rc ov_sock_recvmsg_dstaddr(ov_sock* sock, void* buffer, uint32_t size, uint32
   message.Control = {sizeof control, control};
   DWORD received = 0;
   if (receive(*sock, &message, &received, nullptr, nullptr) != 0) {
-    const ov_rc error = ov::socket_error();
+    const ov_rc error = ov::last_code();
     OV_DEBUG("ov_sock_recvmsg_dstaddr: WSARecvMsg failed, errno %d", error);
     return error;
   }

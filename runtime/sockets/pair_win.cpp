@@ -9,13 +9,13 @@ constexpr int32_t kRetries = 10;
 constexpr long kAcceptMilliseconds = 5000;
 
 ov::PairStep failed(const char* name) {
-  return {name, ov::socket_error()};
+  return {name, ov::last_code()};
 }
 
 // 0 when a connection waits at the listener within the time.
 ov_rc wait_connection(SOCKET listener) {
   const int ready = ov::wait_socket(listener, ov::Readiness::kReading, kAcceptMilliseconds);
-  if (ready < 0) return ov::socket_error();
+  if (ready < 0) return ov::last_code();
   return ready == 0 ? WSAETIMEDOUT : 0;
 }
 

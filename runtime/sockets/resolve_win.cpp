@@ -16,7 +16,7 @@ ov_rc first_prepared(const addrinfo* entry, const ov_sock_addr* local, Prepare p
   ov_rc error = 0;
   for (; entry != nullptr; entry = entry->ai_next) {
     ov::OwnedSocket owner(socket(entry->ai_family, entry->ai_socktype, entry->ai_protocol));
-    error = owner ? prepare(owner.get(), *entry, local) : ov::socket_error();
+    error = owner ? prepare(owner.get(), *entry, local) : ov::last_code();
     if (error != 0) continue;
     *sock = owner.release();
     return 0;
@@ -33,7 +33,7 @@ ov_rc bind_reusable(SOCKET socket, const addrinfo& address, const ov_sock_addr*)
 
 ov_rc connect_from(SOCKET socket, const addrinfo& address, const ov_sock_addr* local) {
   if (local != nullptr && bind(socket, ov::to_system(local), ov::address_size(local->family))) {
-    return ov::socket_error();
+    return ov::last_code();
   }
   return ov::socket_code(connect(socket, address.ai_addr, static_cast<int>(address.ai_addrlen)));
 }
@@ -79,7 +79,7 @@ ov_rc ov_sock_create_server(const char* node, const char* service, int32_t famil
   ov_sock bound = ~ov_sock{0};
   if (const ov_rc error = first_prepared(list.get(), nullptr, bind_reusable, &bound)) return error;
   ov::OwnedSocket server(bound);
-  if (listen(server.get(), kBacklog) != 0) return ov::socket_error();
+  if (listen(server.get(), kBacklog) != 0) return ov::last_code();
   *sock = server.release();
   return 0;
 }

@@ -26,7 +26,7 @@ ov_rc ov_sock_ntop(int32_t family, const ov_sock_addr* source, char* text, size_
   // The system's own check of a small size is not the same everywhere, so it gets room enough.
   char host[NI_MAXHOST];
   if (getnameinfo(ov::to_system(&addr), length, host, sizeof host, nullptr, 0, NI_NUMERICHOST)) {
-    return ov::socket_error();
+    return ov::last_code();
   }
   if (strlen(host) >= size) return OV_ERANGE;
   return ov_str_ncpy(text, host, size);
@@ -39,7 +39,7 @@ ov_rc ov_sock_pton(int32_t family, const char* text, ov_sock_addr* destination) 
   // The system reads the text only.
   if (WSAStringToAddressA(const_cast<char*>(text), family, nullptr, ov::to_system(&addr),
                           &length)) {
-    return ov::socket_error();
+    return ov::last_code();
   }
   *destination = addr;
   return 0;

@@ -21,7 +21,7 @@ int32_t receive(const ov_sock* sock, void* buffer, int32_t size, ov_rc* error) {
   *error = OV_EINVAL;
   if (lacks(sock, buffer, size)) return kFailed;
   const int32_t bytes = recv(*sock, static_cast<char*>(buffer), size, 0);
-  if (bytes < 0) *error = ov::socket_error();
+  if (bytes < 0) *error = ov::last_code();
   return bytes;
 }
 

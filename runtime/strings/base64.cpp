@@ -38,15 +38,15 @@ char* base64_encode_by_table(const Base64Alphabet& alphabet, const uint8_t* src,
 
 namespace {
 
-constexpr ov::Base64Alphabet standard('+', '/');
-constexpr char padding = '=';
+constexpr ov::Base64Alphabet kStandard('+', '/');
+constexpr char kPadding = '=';
 
 bool is_skipped(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
 bool in_alphabet(char c) {
-  return standard.value(c) != ov::base64_none;
+  return kStandard.value(c) != ov::kBase64None;
 }
 
 size_t decoder_length(const char* src, size_t len) {
@@ -64,7 +64,7 @@ struct Output {
 
   ov_rc finish(size_t* outLen) const {
     if (cursor < end) *cursor = 0;
-    if (outLen) *outLen = static_cast<size_t>(cursor - begin);
+    if (outLen != nullptr) *outLen = static_cast<size_t>(cursor - begin);
     return 0;
   }
 };
@@ -79,7 +79,7 @@ ov_rc decode_groups(const char* src, const char* end, bool skipping, Output out,
     four[filled++] = *src;
     if (filled < sizeof four) continue;
     filled = 0;
-    if (four[0] == padding) break;
+    if (four[0] == kPadding) break;
     if (const ov_rc error = ov_str_base64_chars_to_buf(four, &out.cursor, out.end)) return error;
   }
   return out.finish(outLen);
@@ -88,21 +88,21 @@ ov_rc decode_groups(const char* src, const char* end, bool skipping, Output out,
 }  // namespace
 
 ov_rc ov_str_buf_to_base64(const void* src, size_t len, char* dst, size_t dstSize) {
-  if (!dst || (!src && len > 0) || (len == 0 && dstSize == 0)) return OV_EINVAL;
+  if (dst == nullptr || (src == nullptr && len > 0) || (len == 0 && dstSize == 0)) return OV_EINVAL;
   if (!ov::base64_fits(len, dstSize)) return OV_EBUFFER;
-  char* end = ov::base64_encode(standard, static_cast<const uint8_t*>(src), len, dst);
-  while ((end - dst) % 4 != 0) *end++ = padding;
+  char* end = ov::base64_encode(kStandard, static_cast<const uint8_t*>(src), len, dst);
+  while ((end - dst) % 4 != 0) *end++ = kPadding;
   *end = 0;
   return 0;
 }
 
 ov_rc ov_str_base64_to_buf(const char* src, size_t len, void* dst, size_t dstSize, size_t* outLen) {
-  if (!src || !dst) return OV_EINVAL;
+  if (src == nullptr || dst == nullptr) return OV_EINVAL;
   const char* end = src + decoder_length(src, len);
   size_t count = 0;
   for (const char* at = src; at != end; ++at) {
     if (is_skipped(*at)) continue;
-    if (!in_alphabet(*at) && *at != padding) {
+    if (!in_alphabet(*at) && *at != kPadding) {
       ov_err("ov_str_base64_to_buf(): illegal input char %c", *at);
       return OV_EINVAL;
     }
@@ -115,13 +115,13 @@ ov_rc ov_str_base64_to_buf(const char* src, size_t len, void* dst, size_t dstSiz
 
 ov_rc ov_str_mime_base64_to_buf(const char* src, size_t len, void* dst, size_t dstSize,
                                 size_t* outLen) {
-  if (!src || !dst) return OV_EINVAL;
+  if (src == nullptr || dst == nullptr) return OV_EINVAL;
   const char* end = src + decoder_length(src, len);
   Output out(dst, dstSize);
   for (;;) {
     char four[4];
     ov_str_base64_next_chars(&src, end, four);
-    if (four[0] == padding) return out.finish(outLen);
+    if (four[0] == kPadding) return out.finish(outLen);
     if (const ov_rc error = ov_str_base64_chars_to_buf(four, &out.cursor, out.end)) return error;
   }
 }
@@ -129,7 +129,7 @@ ov_rc ov_str_mime_base64_to_buf(const char* src, size_t len, void* dst, size_t d
 ov_rc ov_str_base64_to_buf_impl(const char* src, size_t len, void* dst, size_t dstSize,
                                 size_t* outLen, int32_t lenient) {
   if (lenient != 0) return ov_str_mime_base64_to_buf(src, len, dst, dstSize, outLen);
-  if (!src || !dst) return OV_EINVAL;
+  if (src == nullptr || dst == nullptr) return OV_EINVAL;
   const size_t length = decoder_length(src, len);
   if (length % 4 != 0) return OV_EINVAL;
   if (dstSize <= length / 4 * 3) return OV_EBUFFER;
@@ -137,14 +137,15 @@ ov_rc ov_str_base64_to_buf_impl(const char* src, size_t len, void* dst, size_t d
 }
 
 ov_rc ov_str_base64_chars_to_buf(const char four[4], uint8_t** cursor, uint8_t* end) {
-  if (!four || !cursor || !*cursor || !end) return OV_EINVAL;
-  if (four[0] == padding) return 0;
-  const size_t bytes = four[2] == padding ? 1 : four[3] == padding ? 2 : 3;
+  if (four == nullptr || cursor == nullptr || *cursor == nullptr || end == nullptr)
+    return OV_EINVAL;
+  if (four[0] == kPadding) return 0;
+  const size_t bytes = four[2] == kPadding ? 1 : four[3] == kPadding ? 2 : 3;
   uint32_t bits = 0;
   for (size_t i = 0; i < 4; ++i) {
     const bool read = i <= bytes;
     if (read && !in_alphabet(four[i])) return OV_EINVAL;
-    bits = bits << 6 | (read ? standard.value(four[i]) : 0u);
+    bits = bits << 6 | (read ? kStandard.value(four[i]) : 0u);
   }
   if (*cursor > end || static_cast<size_t>(end - *cursor) < bytes) return OV_EBUFFER;
   for (size_t i = 0; i < bytes; ++i) *(*cursor)++ = static_cast<uint8_t>(bits >> (16 - 8 * i));
@@ -152,16 +153,16 @@ ov_rc ov_str_base64_chars_to_buf(const char four[4], uint8_t** cursor, uint8_t* 
 }
 
 char ov_str_base64_next_char(const char** src, const char* end) {
-  if (!src || !*src) return padding;
+  if (src == nullptr || *src == nullptr) return kPadding;
   while (*src < end && **src != 0) {
     const char c = *(*src)++;
     if (in_alphabet(c)) return c;
   }
-  return padding;
+  return kPadding;
 }
 
 void ov_str_base64_next_chars(const char** src, const char* end, char four[4]) {
-  for (size_t i = 0; four && i < 4; ++i) four[i] = ov_str_base64_next_char(src, end);
+  for (size_t i = 0; four != nullptr && i < 4; ++i) four[i] = ov_str_base64_next_char(src, end);
 }
 
 int32_t ov_str_base64_valid_char(char c) {

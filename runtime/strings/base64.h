@@ -7,12 +7,12 @@
 
 namespace ov {
 
-constexpr uint8_t base64_none = 255;
+constexpr uint8_t kBase64None = 255;
 
 struct Base64Alphabet {
   // The two symbols for each 12 bits, so that three bytes cost two look-ups.
   std::array<std::array<char, 2>, 4096> pairs{};
-  // The value of each symbol, base64_none for all other bytes.
+  // The value of each symbol, kBase64None for all other bytes.
   std::array<uint8_t, 256> values{};
   // The two symbols in which the alphabets differ.
   char symbol62;
@@ -28,7 +28,7 @@ struct Base64Alphabet {
     for (size_t i = 0; i < 10; ++i) symbols[52 + i] = static_cast<char>('0' + i);
     symbols[62] = symbol62;
     symbols[63] = symbol63;
-    values.fill(base64_none);
+    values.fill(kBase64None);
     for (size_t i = 0; i < 64; ++i) {
       values[static_cast<uint8_t>(symbols[i])] = static_cast<uint8_t>(i);
       for (size_t n = 0; n < 64; ++n) pairs[i * 64 + n] = {symbols[i], symbols[n]};

@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr size_t block_bytes = 12;
-constexpr size_t block_symbols = 16;
+constexpr size_t kBlockBytes = 12;
+constexpr size_t kBlockSymbols = 16;
 
 __attribute__((target("ssse3"))) __m128i load(const void* from) {
   return _mm_loadu_si128(static_cast<const __m128i*>(from));
@@ -35,7 +35,7 @@ namespace ov {
 
 bool base64_can_shuffle() {
   __builtin_cpu_init();
-  return __builtin_cpu_supports("ssse3") != 0;
+  return static_cast<int>(__builtin_cpu_supports("ssse3")) != 0;
 }
 
 __attribute__((target("ssse3"))) size_t base64_encode_by_shuffle(const Base64Alphabet& alphabet,
@@ -43,14 +43,14 @@ __attribute__((target("ssse3"))) size_t base64_encode_by_shuffle(const Base64Alp
                                                                  char* dst) {
   // What to add to a value for its symbol, by the kind of the value: 0 for 26 to 51, 1 to 10 for
   // the digits, 11 and 12 for the last two symbols, 13 for 0 to 25.
-  constexpr char digit = '0' - 52;
+  constexpr char kDigit = '0' - 52;
   const __m128i distances =
-      _mm_setr_epi8('a' - 26, digit, digit, digit, digit, digit, digit, digit, digit, digit, digit,
-                    static_cast<char>(alphabet.symbol62 - 62),
+      _mm_setr_epi8('a' - 26, kDigit, kDigit, kDigit, kDigit, kDigit, kDigit, kDigit, kDigit,
+                    kDigit, kDigit, static_cast<char>(alphabet.symbol62 - 62),
                     static_cast<char>(alphabet.symbol63 - 63), 'A', 0, 0);
   size_t done = 0;
   // A block is read with the four bytes behind it.
-  for (; len - done >= block_symbols; done += block_bytes, dst += block_symbols) {
+  for (; len - done >= kBlockSymbols; done += kBlockBytes, dst += kBlockSymbols) {
     const __m128i values = split(load(src + done));
     const __m128i above51 = _mm_subs_epu8(values, _mm_set1_epi8(51));
     const __m128i below26 = _mm_cmpgt_epi8(_mm_set1_epi8(26), values);

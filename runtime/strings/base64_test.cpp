@@ -39,7 +39,7 @@ size_t encode_by_table(const ov::Base64Alphabet& alphabet, const uint8_t* src, s
 TEST(Base64EncoderTest, EveryWayOfTheEncoderAgreesWithTheSlowEncoder) {
   std::mt19937 random(23);
   for (size_t length = 0; length < 260; ++length) {
-    for (const std::string& symbols : {standard_alphabet, url_alphabet}) {
+    for (const std::string& symbols : {kStandardAlphabet, kUrlAlphabet}) {
       for (int round = 0; round < 4; ++round) {
         ASSERT_NO_FATAL_FAILURE(compare_encoder(symbols, length, random, &encode_by_table));
         ASSERT_TRUE(ov::base64_can_shuffle()) << "this processor cannot show it";
@@ -53,7 +53,7 @@ TEST(Base64EncoderTest, EveryWayOfTheEncoderAgreesWithTheSlowEncoder) {
 TEST(Base64EncoderTest, ShufflesEncodeEveryPairOfValuesInEveryPlace) {
   ASSERT_TRUE(ov::base64_can_shuffle()) << "this processor cannot show it";
   // Two neighbours of 12 bits each in all 8 places of a block of 12 bytes.
-  for (const std::string& symbols : {standard_alphabet, url_alphabet}) {
+  for (const std::string& symbols : {kStandardAlphabet, kUrlAlphabet}) {
     const ov::Base64Alphabet alphabet(symbols[62], symbols[63]);
     for (uint32_t pair = 0; pair < 4096; ++pair) {
       std::string expected(16, 'A');

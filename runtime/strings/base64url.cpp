@@ -6,19 +6,19 @@
 #include "runtime/strings/base64.h"
 
 namespace {
-constexpr ov::Base64Alphabet for_urls('-', '_');
+constexpr ov::Base64Alphabet kForUrls('-', '_');
 }  // namespace
 
 ov_rc ov_str_buf_to_base64url(const void* src, size_t len, char* dst, size_t dstSize) {
-  if (!dst || (!src && len > 0) || (len == 0 && dstSize == 0)) return OV_EINVAL;
+  if (dst == nullptr || (src == nullptr && len > 0) || (len == 0 && dstSize == 0)) return OV_EINVAL;
   if (!ov::base64_fits(len, dstSize)) return OV_EBUFFER;
-  *ov::base64_encode(for_urls, static_cast<const uint8_t*>(src), len, dst) = 0;
+  *ov::base64_encode(kForUrls, static_cast<const uint8_t*>(src), len, dst) = 0;
   return 0;
 }
 
 ov_rc ov_str_base64url_to_buf(const char* src, size_t len, void* dst, size_t dstSize,
                               size_t* outLen) {
-  if (!src || !dst) return OV_EINVAL;
+  if (src == nullptr || dst == nullptr) return OV_EINVAL;
   if (len == SIZE_MAX) len = std::strlen(src);
   if (len % 4 == 1) return OV_EINVAL;
   if (len > 0 && dstSize <= (len + 2) / 4 * 3) return OV_EBUFFER;
@@ -26,8 +26,8 @@ ov_rc ov_str_base64url_to_buf(const char* src, size_t len, void* dst, size_t dst
   const uint8_t* const begin = out;
   uint32_t bits = 0;
   for (size_t i = 0; i < len; ++i) {
-    const uint8_t value = for_urls.value(src[i]);
-    if (value == ov::base64_none) return OV_EINVAL;
+    const uint8_t value = kForUrls.value(src[i]);
+    if (value == ov::kBase64None) return OV_EINVAL;
     bits = bits << 6 | value;
     // The symbols of a group bring 6, 12, 18 and 24 bits: a byte is complete from the second on.
     const size_t place = i % 4;
@@ -35,6 +35,6 @@ ov_rc ov_str_base64url_to_buf(const char* src, size_t len, void* dst, size_t dst
   }
   const auto written = static_cast<size_t>(out - begin);
   if (written < dstSize) *out = 0;
-  if (outLen) *outLen = written;
+  if (outLen != nullptr) *outLen = written;
   return 0;
 }

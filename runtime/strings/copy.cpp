@@ -5,24 +5,25 @@
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_strings.h"
-#include "runtime/strings/space.h"
+#include "runtime/strings/ascii.h"
 
 namespace {
 
 // How much of a source text a warning shows.
-constexpr size_t shown_length = 256;
+constexpr size_t kShownLength = 256;
 
 uint32_t shown(size_t number) {
   return static_cast<uint32_t>(number);
 }
 
 void refuse_copy(char* dst, const char* src, size_t srcMax, size_t dstSize, size_t start) {
-  const char* text = src ? src : "(null)";
-  const int length = static_cast<int>(std::min(src ? srcMax : shown_length, shown_length));
+  const char* text = src != nullptr ? src : "(null)";
+  const int length =
+      static_cast<int>(std::min(src != nullptr ? srcMax : kShownLength, kShownLength));
   // The precision also keeps a source with no terminator from being read beyond srcMax.
   ov_log("Warning: ov_str_to failure, args %p %p %u %u '%.*s'", static_cast<void*>(dst),
          static_cast<const void*>(src), shown(dstSize), shown(start), length, text);
-  if (dst && dstSize > 0) dst[0] = 0;
+  if (dst != nullptr && dstSize > 0) dst[0] = 0;
 }
 
 // Copies `length` bytes as far as they fit; start < dstSize.
@@ -33,15 +34,15 @@ ov_rc copy_text(char* dst, const char* src, size_t length, size_t dstSize, size_
   std::memmove(dst + start, src, taken);
   dst[end] = 0;
   if (taken < length) ov_utf8_trim_trailing_partial(dst, &end);
-  if (pos) *pos = end;
+  if (pos != nullptr) *pos = end;
   return taken < length ? OV_EBUFFER : 0;
 }
 
 }  // namespace
 
 ov_rc ov_str_nto(char* dst, const char* src, size_t srcMax, size_t dstSize, size_t* pos) {
-  const size_t start = pos ? *pos : 0;
-  if (!dst || !src || start >= dstSize) {
+  const size_t start = pos != nullptr ? *pos : 0;
+  if (dst == nullptr || src == nullptr || start >= dstSize) {
     refuse_copy(dst, src, srcMax, dstSize, start);
     return OV_EINVAL;
   }
@@ -53,11 +54,11 @@ ov_rc ov_str_to(char* dst, const char* src, size_t dstSize, size_t* pos) {
 }
 
 ov_rc ov_trimmed_str_to(char* dst, const char* src, size_t dstSize, size_t* pos) {
-  const size_t start = pos ? *pos : 0;
-  if (!dst || !src || start >= dstSize) {
+  const size_t start = pos != nullptr ? *pos : 0;
+  if (dst == nullptr || src == nullptr || start >= dstSize) {
     ov_log("ov_trimmed_str_to failure, args %p %p %u %u %p", static_cast<void*>(dst),
            static_cast<const void*>(src), shown(dstSize), shown(start), static_cast<void*>(pos));
-    if (dst && dstSize > 0) dst[0] = 0;
+    if (dst != nullptr && dstSize > 0) dst[0] = 0;
     return OV_EINVAL;
   }
   while (ov::is_space(*src)) ++src;
@@ -67,11 +68,11 @@ ov_rc ov_trimmed_str_to(char* dst, const char* src, size_t dstSize, size_t* pos)
 }
 
 ov_rc ov_str_ncpy(char* dst, const char* src, size_t dstSize) {
-  return ov_str_to(dst, src ? src : "", dstSize, nullptr);
+  return ov_str_to(dst, src != nullptr ? src : "", dstSize, nullptr);
 }
 
 ov_rc ov_str_ncat(char* dst, const char* src, size_t dstSize) {
-  if (!dst || !src) return OV_EINVAL;
+  if (dst == nullptr || src == nullptr) return OV_EINVAL;
   if (*src == 0) return 0;
   size_t end = ov_str_nlen(dst, dstSize);
   if (end >= dstSize) return OV_EBUFFER;

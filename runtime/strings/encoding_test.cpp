@@ -74,8 +74,8 @@ TEST(Base64Test, EveryInputOfUpToTwoBytesEncodesAsTheSlowEncoder) {
       std::string bytes;
       if (first >= 0) bytes += static_cast<char>(first);
       if (first >= 0 && second >= 0) bytes += static_cast<char>(second);
-      ASSERT_EQ(slow_encode(bytes, standard_alphabet, true), encode(&ov_str_buf_to_base64, bytes));
-      ASSERT_EQ(slow_encode(bytes, url_alphabet, false), encode(&ov_str_buf_to_base64url, bytes));
+      ASSERT_EQ(slow_encode(bytes, kStandardAlphabet, true), encode(&ov_str_buf_to_base64, bytes));
+      ASSERT_EQ(slow_encode(bytes, kUrlAlphabet, false), encode(&ov_str_buf_to_base64url, bytes));
     }
   }
 }
@@ -86,9 +86,9 @@ TEST(Base64Test, RandomBytesEncodeAsTheSlowEncoderAndComeBack) {
     std::string bytes(length, 0);
     for (char& byte : bytes) byte = static_cast<char>(random());
     const std::string text = encode(&ov_str_buf_to_base64, bytes);
-    ASSERT_EQ(slow_encode(bytes, standard_alphabet, true), text);
+    ASSERT_EQ(slow_encode(bytes, kStandardAlphabet, true), text);
     const std::string url = encode(&ov_str_buf_to_base64url, bytes);
-    ASSERT_EQ(slow_encode(bytes, url_alphabet, false), url);
+    ASSERT_EQ(slow_encode(bytes, kUrlAlphabet, false), url);
     for (const Decoder decoder :
          {&ov_str_base64_to_buf, &ov_str_mime_base64_to_buf, &strict, &lenient}) {
       ASSERT_EQ((Decoded{0, bytes}), decode(decoder, text));
@@ -128,27 +128,27 @@ TEST(Base64Test, EncodersTakeEmptyInputAndRefuseNull) {
 
 TEST(Base64Test, DocumentedInputsDecode) {
   EXPECT_EQ((Decoded{0, "A"}), decode(&ov_str_base64_to_buf, "QQ=="));
-  EXPECT_EQ(refused, decode(&ov_str_base64_to_buf, "QQ="));
+  EXPECT_EQ(kRefused, decode(&ov_str_base64_to_buf, "QQ="));
   EXPECT_EQ((Decoded{0, "A"}), decode(&ov_str_base64_to_buf, "Q Q = ="));
   EXPECT_EQ((Decoded{0, "A"}), decode(&ov_str_base64_to_buf, "QQ=Q"));
   EXPECT_EQ((Decoded{0, "AA"}), decode(&ov_str_base64_to_buf, "QQ==QQ=="));
   EXPECT_EQ((Decoded{0, "A"}), decode(&ov_str_base64_to_buf, "QQ===QQQ"));
-  EXPECT_EQ(refused, decode(&ov_str_base64_to_buf, "Q=QQ"));
+  EXPECT_EQ(kRefused, decode(&ov_str_base64_to_buf, "Q=QQ"));
   EXPECT_EQ((Decoded{0, ""}), decode(&ov_str_base64_to_buf, "===="));
   EXPECT_EQ((Decoded{0, ""}), decode(&ov_str_base64_to_buf, " \r\n\t"));
   EXPECT_EQ((Decoded{0, "A"}), decode(&ov_str_mime_base64_to_buf, "QQ==!"));
   EXPECT_EQ((Decoded{0, "A"}), decode(&ov_str_mime_base64_to_buf, "!Q-Q"));
-  EXPECT_EQ(refused, decode(&ov_str_mime_base64_to_buf, "Q"));
+  EXPECT_EQ(kRefused, decode(&ov_str_mime_base64_to_buf, "Q"));
   EXPECT_EQ((Decoded{0, ""}), decode(&ov_str_mime_base64_to_buf, "=!"));
   EXPECT_EQ((Decoded{0, "A"}), decode(&ov_str_mime_base64_to_buf, std::string("QQ\0QQ", 5)));
-  EXPECT_EQ(refused, decode(&strict, "Q Q="));
-  EXPECT_EQ(refused, decode(&strict, "QQ"));
+  EXPECT_EQ(kRefused, decode(&strict, "Q Q="));
+  EXPECT_EQ(kRefused, decode(&strict, "QQ"));
   EXPECT_EQ((Decoded{0, "A"}), decode(&lenient, "Q Q"));
   EXPECT_EQ((Decoded{0, "A"}), decode(&ov_str_base64url_to_buf, "QQ"));
-  EXPECT_EQ(refused, decode(&ov_str_base64url_to_buf, "QQ=="));
-  EXPECT_EQ(refused, decode(&ov_str_base64url_to_buf, "Q"));
-  EXPECT_EQ(refused, decode(&ov_str_base64url_to_buf, "QQQQQ"));
-  EXPECT_EQ(refused, decode(&ov_str_base64url_to_buf, "Q+"));
+  EXPECT_EQ(kRefused, decode(&ov_str_base64url_to_buf, "QQ=="));
+  EXPECT_EQ(kRefused, decode(&ov_str_base64url_to_buf, "Q"));
+  EXPECT_EQ(kRefused, decode(&ov_str_base64url_to_buf, "QQQQQ"));
+  EXPECT_EQ(kRefused, decode(&ov_str_base64url_to_buf, "Q+"));
   EXPECT_EQ((Decoded{0, ""}), decode(&ov_str_base64url_to_buf, ""));
 }
 
@@ -169,7 +169,7 @@ TEST(Base64Test, RandomLongTextsDecodeAsTheSlowDecoders) {
   std::mt19937 random(5);
   for (int round = 0; round < 20000; ++round) {
     const bool wild = round % 2 == 0;
-    const std::string letters = standard_alphabet + (wild ? "=-_! \n" : "");
+    const std::string letters = kStandardAlphabet + (wild ? "=-_! \n" : "");
     std::string text(random() % 40, 'A');
     for (char& c : text) c = letters[random() % letters.size()];
     ASSERT_EQ(slow_blanks(text), decode(&ov_str_base64_to_buf, text)) << text;
@@ -219,9 +219,9 @@ TEST(Base64Test, DecodersRefuseNull) {
 
 TEST(Base64Test, IllegalCharacterIsLogged) {
   ov::CapturedLog log;
-  EXPECT_EQ(refused, decode(&ov_str_base64_to_buf, "QQ%="));
+  EXPECT_EQ(kRefused, decode(&ov_str_base64_to_buf, "QQ%="));
   EXPECT_EQ(Lines{"ERR ov_str_base64_to_buf(): illegal input char %"}, log.take());
-  EXPECT_EQ(refused, decode(&strict, "QQ%="));
+  EXPECT_EQ(kRefused, decode(&strict, "QQ%="));
   EXPECT_EQ(Lines{}, log.take());
 }
 
@@ -266,7 +266,7 @@ TEST(Base64Test, NextCharacterSkipsAllOutsideTheAlphabet) {
 TEST(Base64Test, ValidCharactersAreTheAlphabetAndTheTerminator) {
   for (int byte = 0; byte < 256; ++byte) {
     const char c = static_cast<char>(byte);
-    const bool expected = c == 0 || standard_alphabet.find(c) != std::string::npos;
+    const bool expected = c == 0 || kStandardAlphabet.find(c) != std::string::npos;
     EXPECT_EQ(expected ? 1 : 0, ov_str_base64_valid_char(c)) << byte;
   }
 }

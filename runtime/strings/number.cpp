@@ -10,19 +10,15 @@
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_strings.h"
-#include "runtime/strings/space.h"
+#include "runtime/strings/ascii.h"
 
 namespace {
 
-constexpr int decimal = 10;
+constexpr int kDecimal = 10;
 
 // Value of a digit of any base up to 16, or 255.
 int digit_value(char c) {
   return _ov_str_base16_lookup[static_cast<uint8_t>(c)];
-}
-
-bool is_decimal_digit(char c) {
-  return c >= '0' && c <= '9';
 }
 
 struct Base {
@@ -32,9 +28,9 @@ struct Base {
 
 Base base_of(const char* text) {
   if (text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) return {16, 2};
-  if (text[0] == '0' && is_decimal_digit(text[1])) return {8, 1};
+  if (text[0] == '0' && ov::is_digit(text[1])) return {8, 1};
   if (text[0] == '%') return {2, 1};
-  return {decimal, 0};
+  return {kDecimal, 0};
 }
 
 ov_rc read_number(const char** text, int64_t* value) {
@@ -64,14 +60,14 @@ ov_rc read_small_number(const char* text, Number* value, const char** end) {
   if (wide < std::numeric_limits<Number>::min() || wide > std::numeric_limits<Number>::max()) {
     return OV_ERANGE;
   }
-  if (value) *value = static_cast<Number>(wide);
+  if (value != nullptr) *value = static_cast<Number>(wide);
   return 0;
 }
 
 // Writes as much as fits.
 OV_PRINTF(3, 4)
 char* write_number(char* buffer, size_t size, const char* format, ...) {
-  if (!buffer || size == 0) return buffer;
+  if (buffer == nullptr || size == 0) return buffer;
   va_list arguments;
   va_start(arguments, format);
   ov_vsnprintf(buffer, size, format, arguments);
@@ -89,11 +85,11 @@ int32_t ov_str_atoi(const char* text) {
 }
 
 int64_t ov_str_atoll(const char* text) {
-  return text ? std::strtoll(text, nullptr, decimal) : 0;
+  return text != nullptr ? std::strtoll(text, nullptr, kDecimal) : 0;
 }
 
 double ov_str_atof(const char* text) {
-  return text ? std::strtod(text, nullptr) : 0;
+  return text != nullptr ? std::strtod(text, nullptr) : 0;
 }
 
 char* ov_str_itoa(int32_t value, char* buffer, size_t size) {
@@ -118,9 +114,9 @@ char* ov_str_ftoa(double value, char* buffer, size_t size) {
 
 ov_rc ov_str_ahtoll_err(const char* text, int64_t* value, const char** end) {
   int64_t number = 0;
-  const ov_rc result = text ? read_number(&text, &number) : OV_EINVAL;
-  if (end) *end = text;
-  if (result == 0 && value) *value = number;
+  const ov_rc result = text != nullptr ? read_number(&text, &number) : OV_EINVAL;
+  if (end != nullptr) *end = text;
+  if (result == 0 && value != nullptr) *value = number;
   return result;
 }
 

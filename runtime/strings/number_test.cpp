@@ -15,7 +15,7 @@ namespace {
 using namespace ov::reference;
 
 Reading read(const std::string& text) {
-  Reading reading{0, untouched, 0};
+  Reading reading{0, kUntouched, 0};
   const char* end = nullptr;
   reading.code = ov_str_ahtoll_err(text.c_str(), &reading.value, &end);
   reading.end = static_cast<size_t>(end - text.c_str());
@@ -41,34 +41,34 @@ TEST(NumbersTest, ALaterByteThatIsNoDigitEndsTheNumber) {
 }
 
 TEST(NumbersTest, NoDigitGives22AndLeavesTheValue) {
-  EXPECT_EQ((Reading{OV_EINVAL, untouched, 1}), read("09"));
-  EXPECT_EQ((Reading{OV_EINVAL, untouched, 0}), read(""));
-  EXPECT_EQ((Reading{OV_EINVAL, untouched, 1}), read("-"));
-  EXPECT_EQ((Reading{OV_EINVAL, untouched, 2}), read("0x"));
-  EXPECT_EQ((Reading{OV_EINVAL, untouched, 1}), read("%"));
-  EXPECT_EQ((Reading{OV_EINVAL, untouched, 1}), read("%2"));
-  EXPECT_EQ((Reading{OV_EINVAL, untouched, 0}), read("+1"));
-  EXPECT_EQ((Reading{OV_EINVAL, untouched, 1}), read("- 1"));
-  EXPECT_EQ((Reading{OV_EINVAL, untouched, 3}), read("   "));
+  EXPECT_EQ((Reading{OV_EINVAL, kUntouched, 1}), read("09"));
+  EXPECT_EQ((Reading{OV_EINVAL, kUntouched, 0}), read(""));
+  EXPECT_EQ((Reading{OV_EINVAL, kUntouched, 1}), read("-"));
+  EXPECT_EQ((Reading{OV_EINVAL, kUntouched, 2}), read("0x"));
+  EXPECT_EQ((Reading{OV_EINVAL, kUntouched, 1}), read("%"));
+  EXPECT_EQ((Reading{OV_EINVAL, kUntouched, 1}), read("%2"));
+  EXPECT_EQ((Reading{OV_EINVAL, kUntouched, 0}), read("+1"));
+  EXPECT_EQ((Reading{OV_EINVAL, kUntouched, 1}), read("- 1"));
+  EXPECT_EQ((Reading{OV_EINVAL, kUntouched, 3}), read("   "));
 }
 
 TEST(NumbersTest, LimitsOf64BitsAreReadAndOneBeyondGives122AtItsDigit) {
   EXPECT_EQ((Reading{0, INT64_MAX, 19}), read("9223372036854775807"));
   EXPECT_EQ((Reading{0, INT64_MIN, 20}), read("-9223372036854775808"));
-  EXPECT_EQ((Reading{OV_ERANGE, untouched, 18}), read("9223372036854775808"));
-  EXPECT_EQ((Reading{OV_ERANGE, untouched, 19}), read("-9223372036854775809"));
+  EXPECT_EQ((Reading{OV_ERANGE, kUntouched, 18}), read("9223372036854775808"));
+  EXPECT_EQ((Reading{OV_ERANGE, kUntouched, 19}), read("-9223372036854775809"));
   EXPECT_EQ((Reading{0, INT64_MAX, 18}), read("0x7fffffffffffffff"));
   EXPECT_EQ((Reading{0, INT64_MIN, 19}), read("-0x8000000000000000"));
-  EXPECT_EQ((Reading{OV_ERANGE, untouched, 17}), read("0x8000000000000000"));
-  EXPECT_EQ((Reading{OV_ERANGE, untouched, 64}), read("%" + std::string(63, '1') + "0"));
+  EXPECT_EQ((Reading{OV_ERANGE, kUntouched, 17}), read("0x8000000000000000"));
+  EXPECT_EQ((Reading{OV_ERANGE, kUntouched, 64}), read("%" + std::string(63, '1') + "0"));
 }
 
 TEST(NumbersTest, NullArgumentsAreTaken) {
-  int64_t value = untouched;
+  int64_t value = kUntouched;
   const char* end = "x";
   EXPECT_EQ(OV_EINVAL, ov_str_ahtoll_err(nullptr, &value, &end));
   EXPECT_EQ(nullptr, end);
-  EXPECT_EQ(untouched, value);
+  EXPECT_EQ(kUntouched, value);
   EXPECT_EQ(0, ov_str_ahtoll_err("5", nullptr, nullptr));
   EXPECT_EQ(0, ov_str_ahtoi_err("5", nullptr, nullptr));
 }
@@ -116,10 +116,10 @@ TEST(NumbersTest, EveryShortTextAgreesWithTheSlowReader) {
 TEST(NumbersTest, RandomLongTextsAgreeWithTheSlowReader) {
   std::mt19937 random(11);
   for (int round = 0; round < 100000; ++round) {
-    static constexpr const char* starts[] = {"", "-", "0x", "-0x", "0", "-0", "%", "-%"};
-    static constexpr const char* letters[] = {"0123456789", "01", "89abcdefF7", "01234567"};
-    std::string text = starts[random() % std::size(starts)];
-    const std::string set = letters[random() % std::size(letters)];
+    static constexpr const char* kStarts[] = {"", "-", "0x", "-0x", "0", "-0", "%", "-%"};
+    static constexpr const char* kLetters[] = {"0123456789", "01", "89abcdefF7", "01234567"};
+    std::string text = kStarts[random() % std::size(kStarts)];
+    const std::string set = kLetters[random() % std::size(kLetters)];
     const size_t length = random() % 70;
     for (size_t i = 0; i < length; ++i) text += set[random() % set.size()];
     ASSERT_EQ(slow_read(text), read(text)) << text;

@@ -2,26 +2,26 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "runtime/errors/platform.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_strings.h"
 
 namespace {
 
-constexpr size_t first_capacity = 1024;
+constexpr size_t kFirstCapacity = 1024;
 
 // Makes room for `needed` bytes by doubling the capacity; on failure nothing changes.
 ov_rc reserve(char** buffer, size_t* capacity, size_t needed) {
-  size_t size = *capacity == 0 ? first_capacity : *capacity;
+  size_t size = *capacity == 0 ? kFirstCapacity : *capacity;
   while (size < needed) {
     if (size > SIZE_MAX / 2) return OV_ENOMEM;
     size *= 2;
   }
-  if (*buffer && size == *capacity) return 0;
+  if (*buffer != nullptr && size == *capacity) return 0;
   char* grown = static_cast<char*>(std::realloc(*buffer, size));
-  if (!grown) return OV_ENOMEM;
-  if (!*buffer) std::memset(grown, 0, size);
+  if (grown == nullptr) return OV_ENOMEM;
+  if (*buffer == nullptr) std::memset(grown, 0, size);
   *buffer = grown;
   *capacity = size;
   return 0;
@@ -31,16 +31,16 @@ ov_rc reserve(char** buffer, size_t* capacity, size_t needed) {
 
 ov_rc ov_str_vprintf_to(char* dst, size_t dstSize, size_t* pos, const char* format,
                         va_list arguments) {
-  const size_t start = pos ? *pos : 0;
-  if (!dst) return OV_EINVAL;
-  if (!format || start >= dstSize) {
+  const size_t start = pos != nullptr ? *pos : 0;
+  if (dst == nullptr) return OV_EINVAL;
+  if (format == nullptr || start >= dstSize) {
     if (dstSize > 0) dst[0] = 0;
     return OV_EINVAL;
   }
   const size_t room = dstSize - start;
   const int32_t length = ov_vsnprintf(dst + start, room, format, arguments);
   if (length < 0) {
-    const ov_rc error = ov::system_error();
+    const ov_rc error = ov::last_code();
     dst[start] = 0;
     return error;
   }
@@ -50,7 +50,7 @@ ov_rc ov_str_vprintf_to(char* dst, size_t dstSize, size_t* pos, const char* form
     end = dstSize - 1;
     ov_utf8_trim_trailing_partial(dst, &end);
   }
-  if (pos) *pos = end;
+  if (pos != nullptr) *pos = end;
   return cut ? OV_EBUFFER : 0;
 }
 
@@ -64,10 +64,10 @@ ov_rc ov_str_printf_to(char* dst, size_t dstSize, size_t* pos, const char* forma
 
 ov_rc ov_str_vprintf_to_resize(char** buffer, size_t* capacity, size_t* pos, const char* format,
                                va_list arguments) {
-  if (!buffer || !capacity) return OV_EINVAL;
+  if (buffer == nullptr || capacity == nullptr) return OV_EINVAL;
   if (const ov_rc error = reserve(buffer, capacity, 1)) return error;
-  const size_t start = pos ? *pos : 0;
-  if (format && start < *capacity) {
+  const size_t start = pos != nullptr ? *pos : 0;
+  if (format != nullptr && start < *capacity) {
     va_list measured;
     va_copy(measured, arguments);
     const int32_t length = ov_vsnprintf(nullptr, 0, format, measured);
@@ -89,10 +89,10 @@ ov_rc ov_str_printf_to_resize(char** buffer, size_t* capacity, size_t* pos, cons
 
 ov_rc ov_str_nto_resize(char** buffer, const char* src, size_t srcMax, size_t* capacity,
                         size_t* pos) {
-  if (!buffer || !capacity) return OV_EINVAL;
+  if (buffer == nullptr || capacity == nullptr) return OV_EINVAL;
   if (const ov_rc error = reserve(buffer, capacity, 1)) return error;
-  const size_t start = pos ? *pos : 0;
-  if (src && start < *capacity) {
+  const size_t start = pos != nullptr ? *pos : 0;
+  if (src != nullptr && start < *capacity) {
     const size_t length = ov_str_nlen(src, srcMax);
     if (length > SIZE_MAX - start - 1) return OV_ENOMEM;
     if (const ov_rc error = reserve(buffer, capacity, start + length + 1)) return error;

@@ -1,5 +1,4 @@
 // Small text functions, and the counting of null arguments.
-#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
@@ -10,20 +9,8 @@
 int32_t g_ov_asserts_active = 1;
 int32_t g_ov_asserts_skipped = 0;
 
-namespace ov {
-
-bool assert_not_null(const void* pointer) {
-  if (pointer) return true;
-  if (std::atomic_ref<int32_t>(g_ov_asserts_active).load(std::memory_order_relaxed) == 0) {
-    std::atomic_ref<int32_t>(g_ov_asserts_skipped).fetch_add(1, std::memory_order_relaxed);
-  }
-  return false;
-}
-
-}  // namespace ov
-
 size_t ov_str_nlen(const char* text, size_t max) {
-  if (!text) return 0;
+  if (text == nullptr) return 0;
   // Not memchr over `max` bytes: the text may end long before the memory that `max` would span.
   return strnlen(text, max);
 }
@@ -35,17 +22,17 @@ char* ov_str_ndup(const char* text, size_t max) {
   }
   const size_t length = ov_str_nlen(text, max);
   char* copy = static_cast<char*>(std::malloc(length + 1));
-  if (!copy) return nullptr;
+  if (copy == nullptr) return nullptr;
   std::memcpy(copy, text, length);
   copy[length] = 0;
   return copy;
 }
 
 size_t ov_str_nspn(const char* text, size_t max, const char* accept) {
-  if (!text || !accept) return 0;
+  if (text == nullptr || accept == nullptr) return 0;
   size_t count = 0;
   do {
-    if (text[count] == 0 || !std::strchr(accept, text[count])) break;
+    if (text[count] == 0 || std::strchr(accept, text[count]) == nullptr) break;
     ++count;
   } while (count < max);
   return count;
@@ -53,20 +40,20 @@ size_t ov_str_nspn(const char* text, size_t max, const char* accept) {
 
 size_t ov_str_cntchr(const char* text, int32_t c) {
   size_t count = 0;
-  for (; text && *text; ++text) {
+  for (; text != nullptr && *text; ++text) {
     if (*text == static_cast<char>(c)) ++count;
   }
   return count;
 }
 
 void ov_str_repchr(char* text, int32_t from, int32_t to) {
-  for (; text && *text; ++text) {
+  for (; text != nullptr && *text; ++text) {
     if (*text == static_cast<char>(from)) *text = static_cast<char>(to);
   }
 }
 
 int32_t ov_str_tail_cmp(const char* text, const char* tail) {
-  if (!text || !tail) return 1;
+  if (text == nullptr || tail == nullptr) return 1;
   const size_t text_length = std::strlen(text);
   const size_t tail_length = std::strlen(tail);
   if (tail_length > text_length) return 1;

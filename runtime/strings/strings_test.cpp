@@ -13,8 +13,8 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-const int32_t first_asserts_active = g_ov_asserts_active;
-const int32_t first_asserts_skipped = g_ov_asserts_skipped;
+const int32_t kFirstAssertsActive = g_ov_asserts_active;
+const int32_t kFirstAssertsSkipped = g_ov_asserts_skipped;
 
 TEST(StringsTest, LengthIsBounded) {
   EXPECT_EQ(3u, ov_str_nlen("abc", 10));
@@ -34,8 +34,8 @@ TEST(StringsTest, CopyOnTheHeapIsBoundedAndTerminated) {
 }
 
 TEST(StringsTest, NullTextIsCountedOnlyWithTheAssertionsOff) {
-  EXPECT_EQ(1, first_asserts_active);
-  EXPECT_EQ(0, first_asserts_skipped);
+  EXPECT_EQ(1, kFirstAssertsActive);
+  EXPECT_EQ(0, kFirstAssertsSkipped);
   ov::CapturedLog log;
   g_ov_asserts_skipped = 0;
   EXPECT_EQ(nullptr, ov_str_ndup(nullptr, 3));

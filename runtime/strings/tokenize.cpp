@@ -13,27 +13,27 @@ struct FreeMemory {
   void operator()(void* memory) const { std::free(memory); }
 };
 
-constexpr int32_t token_limit = 1000;
+constexpr int32_t kTokenLimit = 1000;
 
 // Moves one token from *text to *out, terminated; false for a quote left open.
 bool take_token(const char** text, char** out) {
   const char* from = *text;
   const char quote = *from == '"' || *from == '\'' ? *from++ : ' ';
   const char* end = std::strchr(from, quote);
-  if (!end && quote != ' ') return false;
-  const size_t length = end ? static_cast<size_t>(end - from) : std::strlen(from);
+  if (end == nullptr && quote != ' ') return false;
+  const size_t length = end != nullptr ? static_cast<size_t>(end - from) : std::strlen(from);
   std::memcpy(*out, from, length);
   (*out)[length] = 0;
   *out += length + 1;
-  *text = from + length + (end ? 1 : 0);
+  *text = from + length + (end != nullptr ? 1 : 0);
   return true;
 }
 
 }  // namespace
 
 ov_rc ov_str_tokenize(const char* text, char*** argv, int32_t* argc) {
-  if (argv) *argv = nullptr;
-  if (argc) *argc = 0;
+  if (argv != nullptr) *argv = nullptr;
+  if (argc != nullptr) *argc = 0;
   // Every null argument is counted, so none may be skipped by a short cut.
   int missing = 0;
   for (const void* argument : {static_cast<const void*>(text), static_cast<const void*>(argv),
@@ -44,19 +44,19 @@ ov_rc ov_str_tokenize(const char* text, char*** argv, int32_t* argc) {
   // Each token is shorter by a blank or a quote than its source, but for a last unquoted one.
   std::unique_ptr<char, FreeMemory> block(static_cast<char*>(std::malloc(std::strlen(text) + 1)));
   if (!block) return OV_ENOMEM;
-  char* tokens[token_limit];
+  char* tokens[kTokenLimit];
   int32_t count = 0;
   char* out = block.get();
   for (;;) {
     text += std::strspn(text, " ");
     if (*text == 0) break;
     tokens[count] = out;
-    if (++count == token_limit || !take_token(&text, &out)) return OV_ETOKENIZER;
+    if (++count == kTokenLimit || !take_token(&text, &out)) return OV_ETOKENIZER;
   }
   if (count == 0) return 0;
   const size_t bytes = static_cast<size_t>(count) * sizeof *tokens;
   char** list = static_cast<char**>(std::malloc(bytes));
-  if (!list) return OV_ENOMEM;
+  if (list == nullptr) return OV_ENOMEM;
   std::memcpy(list, tokens, bytes);
   list[0] = block.release();
   *argv = list;
@@ -65,15 +65,15 @@ ov_rc ov_str_tokenize(const char* text, char*** argv, int32_t* argc) {
 }
 
 void ov_str_tokcleanup(char** argv) {
-  if (!argv) return;
+  if (argv == nullptr) return;
   std::free(argv[0]);
   std::free(argv);
 }
 
 char* ov_str_tok(char* text, const char* delimiters, char** context) {
-  if (!delimiters || !context) return nullptr;
-  char* token = text ? text : *context;
-  if (!token) return nullptr;
+  if (delimiters == nullptr || context == nullptr) return nullptr;
+  char* token = text != nullptr ? text : *context;
+  if (token == nullptr) return nullptr;
   token += std::strspn(token, delimiters);
   char* end = token + std::strcspn(token, delimiters);
   const bool more = *end != 0;

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr uint32_t last_code_point = 0x10ffff;
-constexpr uint32_t first_supplementary = 0x10000;
+constexpr uint32_t kLastCodePoint = 0x10ffff;
+constexpr uint32_t kFirstSupplementary = 0x10000;
 
 constexpr bool is_surrogate(uint32_t value) {
   return value >= 0xd800 && value <= 0xdfff;
@@ -37,8 +37,8 @@ struct Writer {
 // Puts the units of UTF-16, or the code point itself where the unit holds it.
 template <typename Unit, typename Output>
 void put_units(uint32_t code_point, Output& output) {
-  if (sizeof(Unit) > 2 || code_point < first_supplementary) return output.put(code_point);
-  output.put(0xd800 + ((code_point - first_supplementary) >> 10));
+  if (sizeof(Unit) > 2 || code_point < kFirstSupplementary) return output.put(code_point);
+  output.put(0xd800 + ((code_point - kFirstSupplementary) >> 10));
   output.put(0xdc00 + (code_point & 0x3ff));
 }
 
@@ -48,7 +48,7 @@ void put_utf8(uint32_t code_point, Output& output) {
   if (code_point < 0x800) {
     output.put(0xc0 | code_point >> 6);
   } else {
-    if (code_point < first_supplementary) {
+    if (code_point < kFirstSupplementary) {
       output.put(0xe0 | code_point >> 12);
     } else {
       output.put(0xf0 | code_point >> 18);
@@ -87,9 +87,9 @@ bool units_to_utf8(const Unit* text, bool lenient, Output& output) {
     uint32_t code_point = value_of(*text);
     if (sizeof(Unit) == 2 && is_high_surrogate(code_point) && is_low_surrogate(value_of(text[1]))) {
       const uint32_t low = value_of(*++text);
-      code_point = first_supplementary + ((code_point & 0x3ff) << 10) + (low & 0x3ff);
+      code_point = kFirstSupplementary + ((code_point & 0x3ff) << 10) + (low & 0x3ff);
     }
-    if (code_point > last_code_point || (is_surrogate(code_point) && !lenient)) return false;
+    if (code_point > kLastCodePoint || (is_surrogate(code_point) && !lenient)) return false;
     put_utf8(code_point, output);
   }
   output.put(0);
@@ -127,7 +127,7 @@ ov_rc to_utf8(const Unit* src, int32_t flags, char* dst, size_t* bytes) {
 
 size_t ov_utf16_len(const uint16_t* text) {
   size_t length = 0;
-  while (text && text[length] != 0) ++length;
+  while (text != nullptr && text[length] != 0) ++length;
   return length;
 }
 

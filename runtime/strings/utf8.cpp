@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr char replacement_character[] = "\xef\xbf\xbd";
+constexpr char kReplacementCharacter[] = "\xef\xbf\xbd";
 
 const uint8_t* as_bytes(const char* text) {
   return reinterpret_cast<const uint8_t*>(text);
@@ -66,20 +66,20 @@ struct Writer {
 }  // namespace
 
 size_t ov_utf8_len(const char* text) {
-  return text ? std::strlen(text) : 0;
+  return text != nullptr ? std::strlen(text) : 0;
 }
 
 int32_t ov_utf8_is_valid(const char* text, size_t max) {
-  return text && well_formed_start(as_bytes(text), max).whole ? 1 : 0;
+  return text != nullptr && well_formed_start(as_bytes(text), max).whole ? 1 : 0;
 }
 
 size_t ov_utf8_well_formed_length(const char* text, size_t max) {
-  return text ? well_formed_start(as_bytes(text), max).length : 0;
+  return text != nullptr ? well_formed_start(as_bytes(text), max).length : 0;
 }
 
 ov_rc ov_utf8_trim_trailing_partial(char* text, size_t* length) {
-  if (!text) return OV_EINVAL;
-  const size_t end = length ? *length : std::strlen(text);
+  if (text == nullptr) return OV_EINVAL;
+  const size_t end = length != nullptr ? *length : std::strlen(text);
   const uint8_t* const bytes = as_bytes(text);
   if (end == 0 || bytes[end - 1] < 0x80) return 0;
   size_t first = end - 1;
@@ -90,12 +90,12 @@ ov_rc ov_utf8_trim_trailing_partial(char* text, size_t* length) {
   // A first byte at the very end is cut whatever length it tells.
   if (first < end - 1 && ov::utf8_sequence_length(bytes[first]) == end - first) return 0;
   text[first] = 0;
-  if (length) *length = first;
+  if (length != nullptr) *length = first;
   return 0;
 }
 
 const char* ov_utf8c_find_invalid_byte(const char* text, size_t len) {
-  if (!text || len == 0) return nullptr;
+  if (text == nullptr || len == 0) return nullptr;
   const size_t good = ov::utf8_good_bytes(as_bytes(text), len, false);
   const bool whole = good > 0 && good == ov::utf8_sequence_length(as_bytes(text)[0]);
   return whole ? nullptr : text + good;
@@ -103,10 +103,10 @@ const char* ov_utf8c_find_invalid_byte(const char* text, size_t len) {
 
 ov_rc ov_utf8_replace_invalid_sequence(char* dst, const char* src, size_t* dstSize,
                                        const char* replacement, size_t replacementLen) {
-  if (!dst || !src || !dstSize || *dstSize == 0) return OV_EINVAL;
-  if (!replacement) {
-    replacement = replacement_character;
-    replacementLen = sizeof replacement_character - 1;
+  if (dst == nullptr || src == nullptr || dstSize == nullptr || *dstSize == 0) return OV_EINVAL;
+  if (replacement == nullptr) {
+    replacement = kReplacementCharacter;
+    replacementLen = sizeof kReplacementCharacter - 1;
   }
   Writer writer{dst, *dstSize};
   ov_rc result = 0;
@@ -114,12 +114,12 @@ ov_rc ov_utf8_replace_invalid_sequence(char* dst, const char* src, size_t* dstSi
   while (src < end) {
     const char* const fault = ov_utf8c_find_invalid_byte(src, static_cast<size_t>(end - src));
     const size_t length = ov::utf8_sequence_length(as_bytes(src)[0]);
-    if (fault ? !writer.put(replacement, replacementLen) : !writer.put(src, length)) {
+    if (fault != nullptr ? !writer.put(replacement, replacementLen) : !writer.put(src, length)) {
       result = OV_EBUFFER;
       break;
     }
-    if (fault) result = OV_EILLUTFSTR;
-    src = !fault ? src + length : fault < end ? fault + 1 : end;
+    if (fault != nullptr) result = OV_EILLUTFSTR;
+    src = fault == nullptr ? src + length : fault < end ? fault + 1 : end;
   }
   dst[writer.used] = 0;
   *dstSize = writer.used;

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr size_t block_size = sizeof(__m128i);
+constexpr size_t kBlockSize = sizeof(__m128i);
 
 bool is_plain(uint8_t byte) {
   return byte != 0 && byte < 0x80;
@@ -32,10 +32,10 @@ OV_READS_WHOLE_BLOCKS uint32_t other_bytes(const uint8_t* block) {
 
 size_t ov::utf8_ascii_run(const uint8_t* text, size_t max) {
   size_t run = 0;
-  for (; run < max && reinterpret_cast<uintptr_t>(text + run) % block_size != 0; ++run) {
+  for (; run < max && reinterpret_cast<uintptr_t>(text + run) % kBlockSize != 0; ++run) {
     if (!is_plain(text[run])) return run;
   }
-  for (; run < max; run += block_size) {
+  for (; run < max; run += kBlockSize) {
     if (const uint32_t others = other_bytes(text + run)) {
       run += static_cast<size_t>(std::countr_zero(others));
       break;

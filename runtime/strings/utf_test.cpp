@@ -197,8 +197,8 @@ std::string random_text(std::mt19937& random) {
   std::string text;
   const size_t count = random() % 8 == 0 ? random() % 60 : random() % 12;
   for (size_t i = 0; i < count; ++i) {
-    static constexpr uint32_t limits[] = {0x7f, 0x7f, 0x7ff, 0xffff, 0x10ffff};
-    text += encode(1 + random() % limits[random() % std::size(limits)]);
+    static constexpr uint32_t kLimits[] = {0x7f, 0x7f, 0x7ff, 0xffff, 0x10ffff};
+    text += encode(1 + random() % kLimits[random() % std::size(kLimits)]);
   }
   for (size_t i = random() % 3; i > 0 && !text.empty(); --i) {
     text[random() % text.size()] = static_cast<char>(1 + random() % 255);
@@ -242,12 +242,12 @@ TEST(UtfTest, RandomUnitsAgreeWithPairingThemByHand) {
   for (int round = 0; round < 50000; ++round) {
     Units units(random() % 8);
     for (uint16_t& unit : units) {
-      static constexpr uint16_t bases[] = {0x20, 0x7f0, 0xd7f0, 0xd800, 0xdbf0, 0xdc00, 0xdff0};
-      unit = static_cast<uint16_t>(bases[random() % std::size(bases)] + random() % 32);
+      static constexpr uint16_t kBases[] = {0x20, 0x7f0, 0xd7f0, 0xd800, 0xdbf0, 0xdc00, 0xdff0};
+      unit = static_cast<uint16_t>(kBases[random() % std::size(kBases)] + random() % 32);
     }
     const FromUnits expected = slow_to_utf8(units);
     ASSERT_EQ(expected.text, to_utf8(units, 1));
-    ASSERT_EQ(expected.lone_surrogate ? std::nullopt : std::optional(expected.text),
+    ASSERT_EQ(expected.loneSurrogate ? std::nullopt : std::optional(expected.text),
               to_utf8(units, 0));
   }
 }
@@ -255,7 +255,7 @@ TEST(UtfTest, RandomUnitsAgreeWithPairingThemByHand) {
 TEST(Utf8FaultTest, PointsAtTheFirstByteThatBreaksTheSequence) {
   const auto fault = [](const std::string& text) -> int64_t {
     const char* at = ov_utf8c_find_invalid_byte(text.data(), text.size());
-    return at ? at - text.data() : -1;
+    return at != nullptr ? at - text.data() : -1;
   };
   EXPECT_EQ(-1, fault("a\xff"));
   EXPECT_EQ(-1, fault("\xc3\xa9\xff"));
@@ -321,7 +321,7 @@ std::ostream& operator<<(std::ostream& out, const Replaced& replaced) {
 Replaced replaced(const std::string& text, size_t size = 64, const char* with = nullptr) {
   std::vector<char> output(size, '#');
   Replaced result{0, ""};
-  const size_t length = with ? std::strlen(with) : 0;
+  const size_t length = with != nullptr ? std::strlen(with) : 0;
   result.code = ov_utf8_replace_invalid_sequence(output.data(), text.c_str(), &size, with, length);
   EXPECT_EQ(0, output[size]);
   result.text.assign(output.data(), size);

@@ -3,7 +3,7 @@
 
 namespace {
 
-constexpr char escape = '\\';
+constexpr char kEscape = '\\';
 
 // Where the match goes on after a mismatch: the pattern behind the last "*", one text byte later.
 struct Retry {
@@ -14,17 +14,17 @@ struct Retry {
 // The number of pattern bytes that match one byte of text, or 0.
 int match_one(const char* pattern, char byte) {
   if (*pattern == '?') return 1;
-  if (*pattern == escape) return pattern[1] != 0 && pattern[1] == byte ? 2 : 0;
+  if (*pattern == kEscape) return pattern[1] != 0 && pattern[1] == byte ? 2 : 0;
   return *pattern == byte ? 1 : 0;
 }
 
 }  // namespace
 
 int32_t ov_str_wildcards_present(const char* pattern) {
-  if (!pattern) return 0;
+  if (pattern == nullptr) return 0;
   for (; *pattern; ++pattern) {
     if (*pattern == '*' || *pattern == '?') return 1;
-    if (*pattern == escape && *++pattern == 0) return 0;
+    if (*pattern == kEscape && *++pattern == 0) return 0;
   }
   return 0;
 }
@@ -33,7 +33,7 @@ int32_t ov_str_wildcards_present(const char* pattern) {
 // the last one reaches too, since it was met at the first place possible. So the time is at most
 // the product of the two lengths.
 int32_t ov_str_wildcard_strcmp(const char* pattern, const char* text) {
-  if (!pattern || !text) return 1;
+  if (pattern == nullptr || text == nullptr) return 1;
   Retry retry;
   for (;;) {
     if (*pattern == '*' && pattern[1] == 0) return 0;
@@ -48,7 +48,7 @@ int32_t ov_str_wildcard_strcmp(const char* pattern, const char* text) {
       continue;
     }
     // A "*" leaves at least one byte of text to the rest of the pattern.
-    if (!retry.pattern || *++retry.text == 0) return 1;
+    if (retry.pattern == nullptr || *++retry.text == 0) return 1;
     pattern = retry.pattern;
     text = retry.text;
   }

@@ -4,7 +4,7 @@
 #include <inttypes.h>
 #include <string.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_paths.h"

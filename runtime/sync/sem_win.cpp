@@ -1,7 +1,7 @@
 // Semaphores.
 #include <windows.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/sync/internal.h"

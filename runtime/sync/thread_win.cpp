@@ -1,10 +1,10 @@
 // Threads.
 #include <windows.h>
 
-#include "runtime/errors/last_code_win.h"
+#include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
-#include "runtime/ov_strings.h"
+#include "runtime/strings/asserts.h"
 #include "runtime/sync/internal.h"
 
 using namespace ov;
@@ -13,10 +13,6 @@ namespace {
 
 bool is_open(const ov_thread* thread) {
   return thread != nullptr && thread->handle != kClosedObject && thread->handle != nullptr;
-}
-
-void count_failed_assertion() {
-  if (g_ov_asserts_active == 0) ++g_ov_asserts_skipped;
 }
 
 ov_rc join_failed(ov_rc error) {
@@ -28,7 +24,7 @@ ov_rc join_failed(ov_rc error) {
 
 ov_rc ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument) {
   if (function == nullptr) {
-    count_failed_assertion();
+    count_failed_assert();
     return OV_EINVAL;
   }
   DWORD id = 0;
@@ -49,7 +45,7 @@ ov_rc ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument) 
 
 ov_rc ov_thread_join(ov_thread* thread) {
   if (thread == nullptr) {
-    count_failed_assertion();
+    count_failed_assert();
     return OV_EINVAL;
   }
   // All ones stands for the process itself in the kernel's eyes; to wait for it would never end.

@@ -15,14 +15,14 @@
 
 namespace {
 
-constexpr int64_t seconds_per_hour = 3600;
-constexpr int64_t seconds_per_minute = 60;
-constexpr int64_t usec_per_sec = 1000000;
-constexpr int32_t usec_per_msec = 1000;
+constexpr int64_t kSecondsPerHour = 3600;
+constexpr int64_t kSecondsPerMinute = 60;
+constexpr int64_t kUsecPerSec = 1000000;
+constexpr int32_t kUsecPerMsec = 1000;
 // From 1601 to 1970, in microseconds.
-constexpr int64_t epoch_distance = 11644473600000000;
+constexpr int64_t kEpochDistance = 11644473600000000;
 // Results up to this size are formatted on the stack.
-constexpr size_t stack_room = 512;
+constexpr size_t kStackRoom = 512;
 
 struct FreeMemory {
   void operator()(char* memory) const { std::free(memory); }
@@ -50,7 +50,7 @@ std::string expand(const char* format, int32_t milliseconds) {
       ov_snprintf(text, sizeof text, "%03u", static_cast<unsigned>(milliseconds));
       expanded.replace(expanded.size() - 1, 1, text);
     } else if (conversion == 'z') {
-      char text[ov::utc_offset_room];
+      char text[ov::kUtcOffsetRoom];
       ov::format_utc_offset(present_utc_offset(), text);
       expanded.replace(expanded.size() - 1, 1, text);
     } else {
@@ -66,9 +66,9 @@ std::string expand(const char* format, int32_t milliseconds) {
 
 // Formats aside first: the standard library leaves an undefined text behind when it does not fit.
 ov_rc format_expanded(char* out, size_t size, const char* format, const std::tm* tm) {
-  char on_stack[stack_room];
+  char on_stack[kStackRoom];
   std::unique_ptr<char, FreeMemory> on_heap;
-  if (size > stack_room) {
+  if (size > kStackRoom) {
     on_heap.reset(static_cast<char*>(std::malloc(size)));
     if (!on_heap) return OV_ENOMEM;
   }
@@ -83,7 +83,7 @@ ov_rc format_expanded(char* out, size_t size, const char* format, const std::tm*
 
 ov_rc format_time(char* out, size_t size, const char* format, const std::tm* tm,
                   int32_t milliseconds) {
-  if (!out || size == 0 || !format || !tm) return OV_EINVAL;
+  if (out == nullptr || size == 0 || format == nullptr || tm == nullptr) return OV_EINVAL;
   try {
     const std::string expanded = expand(format, std::clamp(milliseconds, 0, 999));
     return format_expanded(out, size, expanded.c_str(), tm);
@@ -96,37 +96,37 @@ ov_rc format_time(char* out, size_t size, const char* format, const std::tm* tm,
 
 namespace ov {
 
-void format_utc_offset(int64_t seconds, char (&text)[utc_offset_room]) {
-  const int64_t distance = std::min<int64_t>(std::abs(seconds), 99 * seconds_per_hour);
+void format_utc_offset(int64_t seconds, char (&text)[kUtcOffsetRoom]) {
+  const int64_t distance = std::min<int64_t>(std::abs(seconds), 99 * kSecondsPerHour);
   ov_snprintf(text, sizeof text, "%c%02d%02d", seconds > 0 ? '+' : '-',
-              static_cast<int>(distance / seconds_per_hour),
-              static_cast<int>(distance % seconds_per_hour / seconds_per_minute));
+              static_cast<int>(distance / kSecondsPerHour),
+              static_cast<int>(distance % kSecondsPerHour / kSecondsPerMinute));
 }
 
 }  // namespace ov
 
 ov_rc ov_time_gmtime(const int64_t* time, struct tm* tm) {
-  return time && tm ? ov::break_down_utc(*time, tm) : OV_EINVAL;
+  return time != nullptr && tm != nullptr ? ov::break_down_utc(*time, tm) : OV_EINVAL;
 }
 
 ov_rc ov_time_localtime(const int64_t* time, struct tm* tm) {
-  return time && tm ? ov::break_down_local(*time, tm) : OV_EINVAL;
+  return time != nullptr && tm != nullptr ? ov::break_down_local(*time, tm) : OV_EINVAL;
 }
 
 ov_rc ov_time_timegm(struct tm* tm, int64_t* time) {
-  if (!tm || !time) return OV_EINVAL;
+  if (tm == nullptr || time == nullptr) return OV_EINVAL;
   *time = ov::compose_utc(tm);
   return *time == -1 ? OV_EINVAL : 0;
 }
 
 ov_rc ov_time_mktime(struct tm* tm, int64_t* time) {
-  if (!tm || !time) return OV_EINVAL;
+  if (tm == nullptr || time == nullptr) return OV_EINVAL;
   *time = ov::compose_local(tm);
   return *time == -1 ? OV_EINVAL : 0;
 }
 
 ov_rc ov_time_convert_epoch(int64_t* time, int64_t filetime) {
-  if (time) *time = (filetime / 10 - epoch_distance) / usec_per_sec;
+  if (time != nullptr) *time = (filetime / 10 - kEpochDistance) / kUsecPerSec;
   return 0;
 }
 
@@ -145,9 +145,9 @@ void ov_time_strftime_sec_local(char* out, size_t size, const char* format, cons
 }
 
 void ov_time_strftime_usec(char* out, size_t size, const char* format, const ov_timeval* tv) {
-  if (!tv) return;
+  if (tv == nullptr) return;
   const int64_t time = tv->sec;
   std::tm tm;
   if (ov_time_gmtime(&time, &tm) != 0) return;
-  format_time(out, size, format, &tm, tv->usec / usec_per_msec);
+  format_time(out, size, format, &tm, tv->usec / kUsecPerMsec);
 }

@@ -7,9 +7,9 @@
 namespace ov {
 
 // "+0130" and a terminator.
-constexpr size_t utc_offset_room = 16;
+constexpr size_t kUtcOffsetRoom = 16;
 
 // Writes an offset in seconds: "+" if it is above 0, else "-" (so UTC is "-0000"), hours, minutes.
-void format_utc_offset(int64_t seconds, char (&text)[utc_offset_room]);
+void format_utc_offset(int64_t seconds, char (&text)[kUtcOffsetRoom]);
 
 }  // namespace ov

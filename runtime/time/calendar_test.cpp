@@ -9,19 +9,19 @@
 namespace {
 
 // 2026-03-09 17:02:11 UTC, a Monday.
-constexpr int64_t moment = 1773075731;
+constexpr int64_t kMoment = 1773075731;
 
 std::string format(const char* text, size_t size = 64) {
   std::string out(size, '#');
   std::tm tm;
-  EXPECT_EQ(0, ov_time_gmtime(&moment, &tm));
+  EXPECT_EQ(0, ov_time_gmtime(&kMoment, &tm));
   const ov_rc result = ov_time_strftime(out.data(), size, text, &tm);
   return result == 0 ? out.c_str() : "error " + std::to_string(result);
 }
 
 TEST(CalendarTest, TimesBreakDownAndComeBack) {
   std::tm tm;
-  ASSERT_EQ(0, ov_time_gmtime(&moment, &tm));
+  ASSERT_EQ(0, ov_time_gmtime(&kMoment, &tm));
   EXPECT_EQ(126, tm.tm_year);
   EXPECT_EQ(2, tm.tm_mon);
   EXPECT_EQ(9, tm.tm_mday);
@@ -31,10 +31,10 @@ TEST(CalendarTest, TimesBreakDownAndComeBack) {
   EXPECT_EQ(1, tm.tm_wday);
   int64_t time = 0;
   EXPECT_EQ(0, ov_time_timegm(&tm, &time));
-  EXPECT_EQ(moment, time);
-  ASSERT_EQ(0, ov_time_localtime(&moment, &tm));
+  EXPECT_EQ(kMoment, time);
+  ASSERT_EQ(0, ov_time_localtime(&kMoment, &tm));
   EXPECT_EQ(0, ov_time_mktime(&tm, &time));
-  EXPECT_EQ(moment, time);
+  EXPECT_EQ(kMoment, time);
 }
 
 TEST(CalendarTest, TimesThatDoNotExistGive22) {
@@ -76,8 +76,8 @@ TEST(CalendarTest, FileTimesBecomeSecondsSince1970) {
   int64_t time = 5;
   EXPECT_EQ(0, ov_time_convert_epoch(&time, 116444736000000000));
   EXPECT_EQ(0, time);
-  EXPECT_EQ(0, ov_time_convert_epoch(&time, 116444736000000000 + moment * 10000000 + 9999999));
-  EXPECT_EQ(moment, time);
+  EXPECT_EQ(0, ov_time_convert_epoch(&time, 116444736000000000 + kMoment * 10000000 + 9999999));
+  EXPECT_EQ(kMoment, time);
   EXPECT_EQ(0, ov_time_convert_epoch(&time, 0));
   EXPECT_EQ(-11644473600, time);
   EXPECT_EQ(0, ov_time_convert_epoch(nullptr, 0));
@@ -101,7 +101,7 @@ TEST(CalendarTest, TextThatDoesNotFitOrIsEmptyGives122AndLeavesTheBuffer) {
   EXPECT_EQ("error 122", format(""));
   char out[4] = "###";
   std::tm tm;
-  ASSERT_EQ(0, ov_time_gmtime(&moment, &tm));
+  ASSERT_EQ(0, ov_time_gmtime(&kMoment, &tm));
   EXPECT_EQ(OV_ERANGE, ov_time_strftime(out, sizeof out, "%Y", &tm));
   EXPECT_STREQ("###", out);
 }
@@ -114,13 +114,13 @@ TEST(CalendarTest, LongTextsAreFormattedToo) {
 
 TEST(CalendarTest, FormsOfATimeBreakItDownFirst) {
   char out[64];
-  ov_time_strftime_sec(out, sizeof out, "%H:%M:%S.%L", &moment);
+  ov_time_strftime_sec(out, sizeof out, "%H:%M:%S.%L", &kMoment);
   EXPECT_STREQ("17:02:11.000", out);
   std::tm tm;
-  ASSERT_EQ(0, ov_time_localtime(&moment, &tm));
+  ASSERT_EQ(0, ov_time_localtime(&kMoment, &tm));
   char expected[64];
   ASSERT_NE(0u, strftime(expected, sizeof expected, "%d %H:%M", &tm));
-  ov_time_strftime_sec_local(out, sizeof out, "%d %H:%M", &moment);
+  ov_time_strftime_sec_local(out, sizeof out, "%d %H:%M", &kMoment);
   EXPECT_STREQ(expected, out);
   const ov_timeval tv = {1773075731, 45678};
   ov_time_strftime_usec(out, sizeof out, "%S.%L %L", &tv);
@@ -134,11 +134,11 @@ TEST(CalendarTest, FormsOfATimeLeaveTheBufferOnFailure) {
   char out[4] = "###";
   const int64_t before = -1;
   const ov_timeval negative = {-1, 0};
-  ov_time_strftime_sec(out, sizeof out, "%Y", &moment);
+  ov_time_strftime_sec(out, sizeof out, "%Y", &kMoment);
   ov_time_strftime_sec(out, sizeof out, "%m", &before);
   ov_time_strftime_sec(out, sizeof out, "%m", nullptr);
-  ov_time_strftime_sec(out, 0, "%m", &moment);
-  ov_time_strftime_sec(nullptr, sizeof out, "%m", &moment);
+  ov_time_strftime_sec(out, 0, "%m", &kMoment);
+  ov_time_strftime_sec(nullptr, sizeof out, "%m", &kMoment);
   ov_time_strftime_sec_local(out, sizeof out, "%m", nullptr);
   ov_time_strftime_usec(out, sizeof out, "%m", nullptr);
   ov_time_strftime_usec(out, sizeof out, "%m", &negative);

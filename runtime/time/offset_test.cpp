@@ -10,7 +10,7 @@
 namespace {
 
 std::string offset(int64_t seconds) {
-  char text[ov::utc_offset_room];
+  char text[ov::kUtcOffsetRoom];
   ov::format_utc_offset(seconds, text);
   return text;
 }

@@ -5,14 +5,14 @@
 namespace {
 
 TEST(TicksTest, FrequencyIsShortenedWithTheMultiplier) {
-  EXPECT_EQ(2500000u, ov::tick_scale(10000000).tick_multiplier);
-  EXPECT_EQ(250000u, ov::tick_scale(10000000).usec_multiplier);
-  EXPECT_EQ(4194304u, ov::tick_scale(4194304).tick_multiplier);
-  EXPECT_EQ(1000000u, ov::tick_scale(4194304).usec_multiplier);
-  EXPECT_EQ(1048576u, ov::tick_scale(4194305).tick_multiplier);
-  EXPECT_EQ(250000u, ov::tick_scale(4194305).usec_multiplier);
-  EXPECT_EQ(3000000000u >> 10, ov::tick_scale(3000000000).tick_multiplier);
-  EXPECT_EQ(1000000u >> 10, ov::tick_scale(3000000000).usec_multiplier);
+  EXPECT_EQ(2500000u, ov::tick_scale(10000000).tickMultiplier);
+  EXPECT_EQ(250000u, ov::tick_scale(10000000).usecMultiplier);
+  EXPECT_EQ(4194304u, ov::tick_scale(4194304).tickMultiplier);
+  EXPECT_EQ(1000000u, ov::tick_scale(4194304).usecMultiplier);
+  EXPECT_EQ(1048576u, ov::tick_scale(4194305).tickMultiplier);
+  EXPECT_EQ(250000u, ov::tick_scale(4194305).usecMultiplier);
+  EXPECT_EQ(3000000000u >> 10, ov::tick_scale(3000000000).tickMultiplier);
+  EXPECT_EQ(1000000u >> 10, ov::tick_scale(3000000000).usecMultiplier);
 }
 
 TEST(TicksTest, ConversionIsExactBeyondTheOverflowOfTheProduct) {
@@ -20,8 +20,8 @@ TEST(TicksTest, ConversionIsExactBeyondTheOverflowOfTheProduct) {
     const ov::TickScale scale = ov::tick_scale(frequency);
     for (uint64_t ticks = 0; ticks < UINT64_MAX / 8; ticks = ticks * 3 + 12345) {
       const unsigned __int128 product =
-          static_cast<unsigned __int128>(ticks) * scale.usec_multiplier;
-      ASSERT_EQ(static_cast<uint64_t>(product / scale.tick_multiplier),
+          static_cast<unsigned __int128>(ticks) * scale.usecMultiplier;
+      ASSERT_EQ(static_cast<uint64_t>(product / scale.tickMultiplier),
                 ov::ticks_to_usec(ticks, scale))
           << frequency << " " << ticks;
     }

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int64_t usec_per_sec = 1000000;
+constexpr int64_t kUsecPerSec = 1000000;
 
 // Threads that start the clock at once write the same numbers here, and the first one's
 // `start_ticks`, which is not 0 once all the others are in place.
@@ -33,7 +33,7 @@ ov_rc interval(const char* name, const ov_timeval& earlier, const ov_timeval& no
 }
 
 ov_rc interval_since(const char* name, const ov_timeval* earlier, int64_t* usec) {
-  if (!earlier || !usec) return OV_EINVAL;
+  if (earlier == nullptr || usec == nullptr) return OV_EINVAL;
   *usec = 0;
   ov_timeval now;
   if (const ov_rc error = ov_time_gettimeofday(&now)) return error;
@@ -53,8 +53,8 @@ ov_rc ov_time_init(void) {
   if (const ov_rc error = ov::read_ticks(&ticks)) return error;
   const ov::TickScale scale = ov::tick_scale(frequency);
   tick_frequency.store(frequency);
-  tick_multiplier.store(scale.tick_multiplier);
-  usec_multiplier.store(scale.usec_multiplier);
+  tick_multiplier.store(scale.tickMultiplier);
+  usec_multiplier.store(scale.usecMultiplier);
   uint64_t not_started = 0;
   start_ticks.compare_exchange_strong(not_started, std::max<uint64_t>(ticks, 1));
   return 0;
@@ -68,11 +68,11 @@ void ov_time_print(void) {
 }
 
 void ov_time_sys_tick_frequency(uint64_t* frequency) {
-  if (frequency) *frequency = tick_frequency.load();
+  if (frequency != nullptr) *frequency = tick_frequency.load();
 }
 
 ov_rc ov_time_gettimeofday(ov_timeval* now) {
-  if (!now) return OV_EINVAL;
+  if (now == nullptr) return OV_EINVAL;
   if (start_ticks.load() == 0) {
     if (const ov_rc error = ov_time_init()) return error;
   }
@@ -82,8 +82,8 @@ ov_rc ov_time_gettimeofday(ov_timeval* now) {
   const uint64_t elapsed = ticks - std::min(ticks, start_ticks.load());
   const uint64_t usec =
       ov::ticks_to_usec(elapsed, {tick_multiplier.load(), usec_multiplier.load()});
-  now->sec = static_cast<int32_t>(usec / usec_per_sec);
-  now->usec = static_cast<int32_t>(usec % usec_per_sec);
+  now->sec = static_cast<int32_t>(usec / kUsecPerSec);
+  now->usec = static_cast<int32_t>(usec % kUsecPerSec);
   return 0;
 }
 
@@ -96,7 +96,7 @@ ov_rc ov_time_get_usec_since_small(const ov_timeval* earlier, int64_t* usec) {
 }
 
 ov_rc ov_time_getnstore_usec_since(const ov_timeval* earlier, ov_timeval* now, int64_t* usec) {
-  if (!earlier || !now || !usec) return OV_EINVAL;
+  if (earlier == nullptr || now == nullptr || usec == nullptr) return OV_EINVAL;
   // A copy, since a chain of intervals may keep one record for both.
   const ov_timeval from = *earlier;
   *usec = 0;
@@ -105,24 +105,24 @@ ov_rc ov_time_getnstore_usec_since(const ov_timeval* earlier, ov_timeval* now, i
 }
 
 int64_t ov_time_get_usec_diff(const ov_timeval* a, const ov_timeval* b) {
-  if (!a || !b) return 0;
-  return (int64_t{a->sec} - b->sec) * usec_per_sec - b->usec + a->usec;
+  if (a == nullptr || b == nullptr) return 0;
+  return (int64_t{a->sec} - b->sec) * kUsecPerSec - b->usec + a->usec;
 }
 
 void ov_time_tv_incr(ov_timeval* tv, int64_t usec) {
-  if (!tv) return;
-  tv->sec = static_cast<int32_t>(tv->sec + usec / usec_per_sec);
-  tv->usec = static_cast<int32_t>(tv->usec + usec % usec_per_sec);
-  if (tv->usec < usec_per_sec) return;
-  tv->usec -= static_cast<int32_t>(usec_per_sec);
+  if (tv == nullptr) return;
+  tv->sec = static_cast<int32_t>(tv->sec + usec / kUsecPerSec);
+  tv->usec = static_cast<int32_t>(tv->usec + usec % kUsecPerSec);
+  if (tv->usec < kUsecPerSec) return;
+  tv->usec -= static_cast<int32_t>(kUsecPerSec);
   tv->sec = static_cast<int32_t>(int64_t{tv->sec} + 1);
 }
 
 void ov_time_tv_dec(ov_timeval* tv, int64_t usec) {
-  if (!tv) return;
-  int64_t left = tv->usec - std::min(usec, usec_per_sec);
+  if (tv == nullptr) return;
+  int64_t left = tv->usec - std::min(usec, kUsecPerSec);
   if (left < 0) {
-    left += usec_per_sec;
+    left += kUsecPerSec;
     tv->sec = static_cast<int32_t>(int64_t{tv->sec} - 1);
   }
   tv->usec = static_cast<int32_t>(left);

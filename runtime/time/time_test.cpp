@@ -71,12 +71,12 @@ struct SinceForm {
   const char* name;
   Since since;
 };
-const SinceForm forms[] = {{"get_usec_since", &ov_time_get_usec_since},
-                           {"get_usec_since_small", &ov_time_get_usec_since_small},
-                           {"getnstore_usec_since", &getnstore}};
+const SinceForm kForms[] = {{"get_usec_since", &ov_time_get_usec_since},
+                            {"get_usec_since_small", &ov_time_get_usec_since_small},
+                            {"getnstore_usec_since", &getnstore}};
 
 TEST(TimeTest, IntervalSinceAnEarlierReading) {
-  for (const SinceForm& form : forms) {
+  for (const SinceForm& form : kForms) {
     ov_timeval earlier;
     ASSERT_EQ(0, ov_time_gettimeofday(&earlier));
     earlier.sec -= 100;
@@ -91,7 +91,7 @@ TEST(TimeTest, IntervalSinceAnEarlierReading) {
 
 TEST(TimeTest, EarlierInTheFutureGives22AZeroAndOneLine) {
   ov::CapturedLog log;
-  for (const SinceForm& form : forms) {
+  for (const SinceForm& form : kForms) {
     ov_timeval earlier;
     ASSERT_EQ(0, ov_time_gettimeofday(&earlier));
     ov_time_tv_incr(&earlier, 1000000000);
@@ -121,7 +121,7 @@ TEST(TimeTest, ChainOfIntervalsMayKeepOneRecord) {
 TEST(TimeTest, MissingArgumentsGive22) {
   ov_timeval tv = {0, 0};
   int64_t usec = 5;
-  for (const SinceForm& form : forms) {
+  for (const SinceForm& form : kForms) {
     EXPECT_EQ(OV_EINVAL, form.since(nullptr, &usec));
     EXPECT_EQ(OV_EINVAL, form.since(&tv, nullptr));
   }

@@ -2,22 +2,22 @@
 
 #include <windows.h>
 
-#include <time.h>
+#include <ctime>
 
-#include "runtime/errors/platform.h"
+#include "runtime/errors/last_code.h"
 
 namespace ov {
 
 ov_rc read_tick_frequency(uint64_t* frequency) {
   LARGE_INTEGER value;
-  if (!QueryPerformanceFrequency(&value)) return system_error();
+  if (!QueryPerformanceFrequency(&value)) return last_code();
   *frequency = static_cast<uint64_t>(value.QuadPart);
   return 0;
 }
 
 ov_rc read_ticks(uint64_t* ticks) {
   LARGE_INTEGER value;
-  if (!QueryPerformanceCounter(&value)) return system_error();
+  if (!QueryPerformanceCounter(&value)) return last_code();
   *ticks = static_cast<uint64_t>(value.QuadPart);
   return 0;
 }

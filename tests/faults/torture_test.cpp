@@ -58,13 +58,13 @@ class TortureTest : public testing::Test {
       const char* const call = ov::torture::with_failing_call(n, [&] { result = work(); });
       around.finish();
       // No trace of the test framework: its thread would count, and outlive the work.
-      const std::string where = std::to_string(n) + ": " + (call ? call : "none");
+      const std::string where = std::to_string(n) + ": " + (call != nullptr ? call : "none");
       EXPECT_EQ(0, ov::torture::bad_closes) << where;
       EXPECT_EQ(handles, handleCount()) << where;
       EXPECT_EQ(0, once()) << where;
       EXPECT_EQ(0, ov::torture::bad_closes) << where;
       EXPECT_EQ(handles, handleCount()) << where;
-      if (call) {
+      if (call != nullptr) {
         ++failures;
         continue;
       }

@@ -74,7 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   decode(&lenient, slow_mime(text), exact, small);
   decode(&ov_str_base64url_to_buf, slow_url(text), exact, small);
   encode(&ov_str_buf_to_base16, slow_base16(text), exact, small);
-  encode(&ov_str_buf_to_base64, slow_encode(text, standard_alphabet, true), exact, small);
-  encode(&ov_str_buf_to_base64url, slow_encode(text, url_alphabet, false), exact, small);
+  encode(&ov_str_buf_to_base64, slow_encode(text, kStandardAlphabet, true), exact, small);
+  encode(&ov_str_buf_to_base64url, slow_encode(text, kUrlAlphabet, false), exact, small);
   return 0;
 }

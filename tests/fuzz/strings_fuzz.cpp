@@ -66,7 +66,7 @@ void convert_units(const std::string& bytes) {
   for (const int32_t flags : {0, 1}) {
     size_t size = 0;
     const ov_rc measured = ov_utf16_to_utf8(units.data(), flags, nullptr, &size);
-    const bool refused = expected.lone_surrogate && flags == 0;
+    const bool refused = expected.loneSurrogate && flags == 0;
     check(measured == (refused ? OV_EINVAL : OV_ERANGE));
     if (refused) continue;
     std::vector<char> out(size);
@@ -111,7 +111,7 @@ void cut(const std::string& text, size_t room) {
 }
 
 void read_number(const std::string& text) {
-  Reading reading{0, untouched, 0};
+  Reading reading{0, kUntouched, 0};
   const char* end = nullptr;
   reading.code = ov_str_ahtoll_err(text.c_str(), &reading.value, &end);
   reading.end = static_cast<size_t>(end - text.c_str());
@@ -131,7 +131,7 @@ void read_number(const std::string& text) {
 void tokenize(const std::string& text) {
   char** argv = nullptr;
   int32_t argc = 0;
-  if (ov_str_tokenize(text.c_str(), &argv, &argc) != 0) return check(!argv && argc == 0);
+  if (ov_str_tokenize(text.c_str(), &argv, &argc) != 0) return check(argv == nullptr && argc == 0);
   for (int32_t i = 0; i < argc; ++i) check(text.find(argv[i]) != std::string::npos);
   ov_str_tokcleanup(argv);
 }

@@ -13,13 +13,13 @@ struct Message {
   int32_t code;
   const char* text;
 };
-constexpr Message messages[] = {{2, "File not found.\r\n"},
-                                {3, "line feed only\n"},
-                                {4, "none"},
-                                {5, "a\n"},
-                                {6, "\r\n"},
-                                {9, "ab\n"}};
-constexpr ov_rc no_message = 317;
+constexpr Message kMessages[] = {{2, "File not found.\r\n"},
+                                 {3, "line feed only\n"},
+                                 {4, "none"},
+                                 {5, "a\n"},
+                                 {6, "\r\n"},
+                                 {9, "ab\n"}};
+constexpr ov_rc kNoMessage = 317;
 }  // namespace
 
 uint32_t last_error() {
@@ -31,12 +31,12 @@ void set_last_error(uint32_t error) {
 }
 
 ov_rc system_message(int32_t code, char* buffer, size_t size) {
-  for (const Message& message : messages) {
+  for (const Message& message : kMessages) {
     if (message.code != code) continue;
     const int length = std::snprintf(buffer, size, "%s", message.text);
     return static_cast<size_t>(length) < size ? 0 : OV_ERANGE;
   }
-  return no_message;
+  return kNoMessage;
 }
 
 }  // namespace ov

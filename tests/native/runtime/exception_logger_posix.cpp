@@ -9,10 +9,10 @@
 namespace ov {
 
 void capture_backtrace(Backtrace* backtrace, int usual) {
-  void* frames[called_frames + skipped_frames];
-  const int count = ::backtrace(frames, usual + skipped_frames) - skipped_frames;
+  void* frames[kCalledFrames + kSkippedFrames];
+  const int count = ::backtrace(frames, usual + kSkippedFrames) - kSkippedFrames;
   backtrace->count = count < 0 ? 0 : count;
-  for (int i = 0; i < backtrace->count; ++i) backtrace->frames[i] = frames[i + skipped_frames];
+  for (int i = 0; i < backtrace->count; ++i) backtrace->frames[i] = frames[i + kSkippedFrames];
 }
 
 bool find_symbol(void*, uint32_t, Symbol*) {

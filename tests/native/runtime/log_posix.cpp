@@ -1,6 +1,6 @@
 #include "runtime/log/platform.h"
 
-#include <time.h>
+#include <ctime>
 #include <unistd.h>
 
 #include <mutex>

@@ -6,11 +6,11 @@
 #include "runtime/ov_process.h"
 #include "runtime/ov_strings.h"
 #include "runtime/paths/internal.h"
+#include "runtime/strings/asserts.h"
 #include "tests/native/runtime/code_posix.h"
 
 ov_rc ov_process_getenv(const char* name, char* buffer, size_t size) {
-  if (name == nullptr && g_ov_asserts_active == 0) ++g_ov_asserts_skipped;
-  if (name == nullptr || buffer == nullptr || size == 0) return OV_EINVAL;
+  if (!ov::assert_not_null(name) || buffer == nullptr || size == 0) return OV_EINVAL;
   const char* const value = getenv(name);
   if (value == nullptr || value[0] == '\0') return OV_EINVAL;
   return ov_str_ncpy(buffer, value, size);

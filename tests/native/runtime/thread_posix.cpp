@@ -9,7 +9,7 @@
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
-#include "runtime/ov_strings.h"
+#include "runtime/strings/asserts.h"
 #include "runtime/sync/internal.h"
 
 using namespace ov;
@@ -53,7 +53,7 @@ std::shared_ptr<State>* state_of(const ov_thread* thread) {
 }
 
 ov_rc refused() {
-  if (g_ov_asserts_active == 0) ++g_ov_asserts_skipped;
+  count_failed_assert();
   return OV_EINVAL;
 }
 

@@ -30,19 +30,19 @@ class CapturedLog {
 
   // What was logged since the last call, one message each, the level's name in front.
   std::vector<std::string> take() {
-    const std::lock_guard<std::mutex> lock(guard);
-    return std::exchange(messages, {});
+    const std::lock_guard<std::mutex> lock(guard_);
+    return std::exchange(messages_, {});
   }
 
  private:
   static void keep(const char* text) {
-    const std::lock_guard<std::mutex> lock(guard);
-    messages.emplace_back(text);
+    const std::lock_guard<std::mutex> lock(guard_);
+    messages_.emplace_back(text);
   }
 
   // Guards `messages`.
-  static inline std::mutex guard;
-  static inline std::vector<std::string> messages;
+  static inline std::mutex guard_;
+  static inline std::vector<std::string> messages_;
 };
 
 }  // namespace ov

@@ -9,9 +9,9 @@
 
 namespace ov::reference {
 
-inline const std::string standard_alphabet =
+inline const std::string kStandardAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-inline const std::string url_alphabet =
+inline const std::string kUrlAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
 
 inline std::string slow_bits(const std::string& bytes) {
@@ -44,7 +44,7 @@ inline std::ostream& operator<<(std::ostream& out, const Decoded& decoded) {
   return out << "{" << decoded.code << ", '" << decoded.bytes << "'}";
 }
 
-inline const Decoded refused = {OV_EINVAL, ""};
+inline const Decoded kRefused = {OV_EINVAL, ""};
 
 // Groups of four: "=" at the start of one ends the text, as its second symbol is an error, as its
 // third or fourth leaves one or two bytes.
@@ -56,12 +56,12 @@ inline Decoded slow_groups(const std::string& text, const std::string& alphabet)
     for (size_t n = 3; n >= 1; --n) {
       if (text[i + n] == '=') take = n;
     }
-    if (take == 1) return refused;
+    if (take == 1) return kRefused;
     // Behind a third "=" the fourth symbol is not looked at.
     uint32_t bits = 0;
     for (size_t n = 0; n < 4; ++n) {
       const size_t value = n < take ? alphabet.find(text[i + n]) : 0;
-      if (value == std::string::npos) return refused;
+      if (value == std::string::npos) return kRefused;
       bits = bits << 6 | static_cast<uint32_t>(value);
     }
     for (size_t n = 0; n + 1 < take; ++n) bytes += static_cast<char>(bits >> (16 - 8 * n) & 255);
@@ -70,15 +70,15 @@ inline Decoded slow_groups(const std::string& text, const std::string& alphabet)
 }
 
 inline Decoded slow_strict(const std::string& text) {
-  if (text.size() % 4 != 0) return refused;
-  return slow_groups(text, standard_alphabet);
+  if (text.size() % 4 != 0) return kRefused;
+  return slow_groups(text, kStandardAlphabet);
 }
 
 inline Decoded slow_blanks(const std::string& text) {
   std::string kept;
   for (const char c : text) {
     if (std::string(" \t\r\n").find(c) != std::string::npos) continue;
-    if (standard_alphabet.find(c) == std::string::npos && c != '=') return refused;
+    if (kStandardAlphabet.find(c) == std::string::npos && c != '=') return kRefused;
     kept += c;
   }
   return slow_strict(kept);
@@ -88,17 +88,17 @@ inline Decoded slow_mime(const std::string& text) {
   std::string kept;
   for (const char c : text) {
     if (c == 0) break;
-    if (standard_alphabet.find(c) != std::string::npos) kept += c;
+    if (kStandardAlphabet.find(c) != std::string::npos) kept += c;
   }
   while (kept.size() % 4 != 0) kept += '=';
-  return slow_groups(kept, standard_alphabet);
+  return slow_groups(kept, kStandardAlphabet);
 }
 
 inline Decoded slow_url(const std::string& text) {
-  if (text.size() % 4 == 1 || text.find('=') != std::string::npos) return refused;
+  if (text.size() % 4 == 1 || text.find('=') != std::string::npos) return kRefused;
   std::string kept = text;
   while (kept.size() % 4 != 0) kept += '=';
-  return slow_groups(kept, url_alphabet);
+  return slow_groups(kept, kUrlAlphabet);
 }
 
 inline std::string slow_base16(const std::string& bytes) {
@@ -112,14 +112,14 @@ inline std::string slow_base16(const std::string& bytes) {
 }
 
 inline Decoded slow_base16_decode(const std::string& text) {
-  if (text.size() % 2 != 0) return refused;
+  if (text.size() % 2 != 0) return kRefused;
   const std::string digits = "0123456789ABCDEFabcdef";
   std::string bytes;
   for (size_t i = 0; i < text.size(); i += 2) {
     size_t value = 0;
     for (const char c : text.substr(i, 2)) {
       const size_t digit = digits.find(c);
-      if (digit == std::string::npos) return refused;
+      if (digit == std::string::npos) return kRefused;
       value = value * 16 + (digit < 16 ? digit : digit - 6);
     }
     bytes += static_cast<char>(value);

@@ -11,7 +11,7 @@
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
 #include "runtime/platform/identity_platform.h"
-#include "runtime/strings/ascii_case.h"
+#include "runtime/strings/ascii.h"
 
 namespace ov {
 

@@ -12,7 +12,7 @@
 namespace ov::reference {
 
 // What stands in a value that is not written.
-constexpr int64_t untouched = -77;
+constexpr int64_t kUntouched = -77;
 
 // What ov_str_ahtoll_err gives: code, value and the offset of its end.
 struct Reading {
@@ -29,7 +29,7 @@ inline std::ostream& operator<<(std::ostream& out, const Reading& reading) {
 // The number of a text in 128 bits, read by the rules step by step.
 inline Reading slow_read(const std::string& text) {
   size_t at = 0;
-  while (at < text.size() && std::strchr(" \t\n\v\f\r", text[at])) ++at;
+  while (at < text.size() && std::strchr(" \t\n\v\f\r", text[at]) != nullptr) ++at;
   const bool negative = at < text.size() && text[at] == '-';
   if (negative) ++at;
   std::string digits = "0123456789";
@@ -51,12 +51,12 @@ inline Reading slow_read(const std::string& text) {
     if (found == std::string::npos) return std::nullopt;
     return static_cast<int>(found);
   };
-  if (!digit(at)) return {OV_EINVAL, untouched, at};
+  if (!digit(at)) return {OV_EINVAL, kUntouched, at};
   __int128 value = 0;
   for (; digit(at); ++at) {
     const __int128 next = value * static_cast<__int128>(digits.size()) + *digit(at);
     if ((negative ? -next : next) < INT64_MIN || (negative ? -next : next) > INT64_MAX) {
-      return {OV_ERANGE, untouched, at};
+      return {OV_ERANGE, kUntouched, at};
     }
     value = next;
   }

@@ -35,7 +35,7 @@ struct Row {
   uint8_t range[4][2];
   size_t length;
 };
-inline const Row rows[] = {
+inline const Row kRows[] = {
     {{{0x00, 0x7f}}, 1},
     {{{0xc2, 0xdf}, {0x80, 0xbf}}, 2},
     {{{0xe0, 0xe0}, {0xa0, 0xbf}, {0x80, 0xbf}}, 3},
@@ -49,7 +49,7 @@ inline const Row rows[] = {
 
 // Length of the well-formed sequence at `at`, or 0.
 inline size_t slow_sequence(const std::string& text, size_t at) {
-  for (const Row& row : rows) {
+  for (const Row& row : kRows) {
     bool match = text.size() - at >= row.length;
     for (size_t i = 0; match && i < row.length; ++i) {
       const uint8_t byte = static_cast<uint8_t>(text[at + i]);
@@ -76,8 +76,8 @@ inline std::optional<Units> slow_to_utf16(const std::string& text) {
   for (size_t at = 0; at < text.size();) {
     const size_t length = slow_sequence(text, at);
     if (length == 0) return std::nullopt;
-    constexpr uint32_t first_bits[] = {0, 0x7f, 0x1f, 0x0f, 0x07};
-    uint32_t c = static_cast<uint8_t>(text[at]) & first_bits[length];
+    constexpr uint32_t kFirstBits[] = {0, 0x7f, 0x1f, 0x0f, 0x07};
+    uint32_t c = static_cast<uint8_t>(text[at]) & kFirstBits[length];
     for (size_t i = 1; i < length; ++i) c = c * 64 + (static_cast<uint8_t>(text[at + i]) & 0x3f);
     if (c >= 0x10000) {
       units.push_back(static_cast<uint16_t>(0xd800 + (c - 0x10000) / 1024));
@@ -93,7 +93,7 @@ inline std::optional<Units> slow_to_utf16(const std::string& text) {
 // The text of units, with three bytes for a lone surrogate.
 struct FromUnits {
   std::string text;
-  bool lone_surrogate = false;
+  bool loneSurrogate = false;
 };
 
 inline FromUnits slow_to_utf8(const Units& units) {
@@ -107,7 +107,7 @@ inline FromUnits slow_to_utf8(const Units& units) {
       ++i;
       continue;
     }
-    if (is_surrogate(units[i])) result.lone_surrogate = true;
+    if (is_surrogate(units[i])) result.loneSurrogate = true;
     result.text += encode(units[i]);
   }
   return result;
@@ -117,7 +117,7 @@ inline FromUnits slow_to_utf8(const Units& units) {
 // a row of the table.
 inline size_t slow_fault(const std::string& text, size_t at) {
   size_t most = 0;
-  for (const Row& row : rows) {
+  for (const Row& row : kRows) {
     size_t good = 0;
     while (good < row.length && at + good < text.size() &&
            static_cast<uint8_t>(text[at + good]) >= row.range[good][0] &&
