@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "runtime/errors/exception_codes.h"
+#include "runtime/faults/exception_codes.h"
 #include "runtime/ov_errors.h"
 #include "tests/support/runtime/captured_log.h"
 

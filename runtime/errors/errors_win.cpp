@@ -2,46 +2,14 @@
 
 #include <windows.h>
 
-#include <initializer_list>
-#include <iterator>
 #include <memory>
 
-#include "runtime/errors/exception_codes.h"
 #include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
 
 namespace ov {
 namespace {
-
-constexpr bool codes_are(std::initializer_list<DWORD> published) {
-  const ExceptionCode* entry = kExceptionCodes;
-  for (const DWORD code : published) {
-    if ((entry++)->code != code) return false;
-  }
-  return entry == std::end(kExceptionCodes);
-}
-
-static_assert(codes_are({EXCEPTION_ACCESS_VIOLATION,
-                         EXCEPTION_ARRAY_BOUNDS_EXCEEDED,
-                         EXCEPTION_BREAKPOINT,
-                         EXCEPTION_DATATYPE_MISALIGNMENT,
-                         EXCEPTION_FLT_DENORMAL_OPERAND,
-                         EXCEPTION_FLT_DIVIDE_BY_ZERO,
-                         EXCEPTION_FLT_INEXACT_RESULT,
-                         EXCEPTION_FLT_INVALID_OPERATION,
-                         EXCEPTION_FLT_OVERFLOW,
-                         EXCEPTION_FLT_STACK_CHECK,
-                         EXCEPTION_FLT_UNDERFLOW,
-                         EXCEPTION_ILLEGAL_INSTRUCTION,
-                         EXCEPTION_IN_PAGE_ERROR,
-                         EXCEPTION_INT_DIVIDE_BY_ZERO,
-                         EXCEPTION_INT_OVERFLOW,
-                         EXCEPTION_INVALID_DISPOSITION,
-                         EXCEPTION_NONCONTINUABLE_EXCEPTION,
-                         EXCEPTION_PRIV_INSTRUCTION,
-                         EXCEPTION_SINGLE_STEP,
-                         EXCEPTION_STACK_OVERFLOW}));
 
 struct FreeLocal {
   void operator()(wchar_t* text) const { LocalFree(text); }

@@ -4,10 +4,13 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <initializer_list>
+#include <iterator>
 #include <utility>
 
 #include "runtime/errors/saved_error.h"
 #include "runtime/faults/backtrace.h"
+#include "runtime/faults/exception_codes.h"
 #include "runtime/faults/fault_report.h"
 #include "runtime/faults/symbols_win.h"
 #include "runtime/ov_errors.h"
@@ -16,6 +19,35 @@
 
 namespace ov {
 namespace {
+
+constexpr bool codes_are(std::initializer_list<DWORD> published) {
+  const ExceptionCode* entry = kExceptionCodes;
+  for (const DWORD code : published) {
+    if ((entry++)->code != code) return false;
+  }
+  return entry == std::end(kExceptionCodes);
+}
+
+static_assert(codes_are({EXCEPTION_ACCESS_VIOLATION,
+                         EXCEPTION_ARRAY_BOUNDS_EXCEEDED,
+                         EXCEPTION_BREAKPOINT,
+                         EXCEPTION_DATATYPE_MISALIGNMENT,
+                         EXCEPTION_FLT_DENORMAL_OPERAND,
+                         EXCEPTION_FLT_DIVIDE_BY_ZERO,
+                         EXCEPTION_FLT_INEXACT_RESULT,
+                         EXCEPTION_FLT_INVALID_OPERATION,
+                         EXCEPTION_FLT_OVERFLOW,
+                         EXCEPTION_FLT_STACK_CHECK,
+                         EXCEPTION_FLT_UNDERFLOW,
+                         EXCEPTION_ILLEGAL_INSTRUCTION,
+                         EXCEPTION_IN_PAGE_ERROR,
+                         EXCEPTION_INT_DIVIDE_BY_ZERO,
+                         EXCEPTION_INT_OVERFLOW,
+                         EXCEPTION_INVALID_DISPOSITION,
+                         EXCEPTION_NONCONTINUABLE_EXCEPTION,
+                         EXCEPTION_PRIV_INSTRUCTION,
+                         EXCEPTION_SINGLE_STEP,
+                         EXCEPTION_STACK_OVERFLOW}));
 
 // How long an installation and a removal wait for each other.
 constexpr uint32_t kPatience = 5000;

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "runtime/errors/exception_codes.h"
+#include "runtime/faults/exception_codes.h"
 #include "runtime/faults/exception_logger.h"
 #include "runtime/log/lock.h"
 #include "runtime/ov_errors.h"

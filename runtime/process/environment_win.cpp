@@ -8,7 +8,7 @@
 #include "runtime/ov_errors.h"
 #include "runtime/ov_process.h"
 #include "runtime/ov_strings.h"
-#include "runtime/strings/asserts.h"
+#include "runtime/errors/asserts.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_sockets.h"
-#include "runtime/strings/asserts.h"
+#include "runtime/errors/asserts.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "runtime/ov_log.h"
 #include "runtime/ov_strings.h"
-#include "runtime/strings/asserts.h"
+#include "runtime/errors/asserts.h"
 
 int32_t g_ov_asserts_active = 1;
 int32_t g_ov_asserts_skipped = 0;

@@ -4,7 +4,7 @@
 #include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
-#include "runtime/strings/asserts.h"
+#include "runtime/errors/asserts.h"
 #include "runtime/sync/internal.h"
 
 using namespace ov;

@@ -6,7 +6,7 @@
 #include "runtime/ov_process.h"
 #include "runtime/ov_strings.h"
 #include "runtime/paths/internal.h"
-#include "runtime/strings/asserts.h"
+#include "runtime/errors/asserts.h"
 #include "tests/native/runtime/code_posix.h"
 
 ov_rc ov_process_getenv(const char* name, char* buffer, size_t size) {

@@ -1,7 +1,7 @@
 // Names of signals and of hardware exceptions.
 #include <string_view>
 
-#include "runtime/errors/exception_codes.h"
+#include "runtime/faults/exception_codes.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/strings/ascii.h"
