@@ -85,6 +85,11 @@ ov_rc ov_file_read(ov_file* file, void* buffer, uint32_t length, uint32_t* count
   return 0;
 }
 
+ov_rc ov_file_seek(ov_file* file, int64_t offset, int32_t whence) {
+  if (file == nullptr) return OV_EINVAL;
+  return lseek(descriptor(file), offset, whence) < 0 ? code_of_errno() : 0;
+}
+
 ov_rc ov_file_write(ov_file* file, const void* buffer, uint32_t length, uint32_t* count) {
   if (file == nullptr || buffer == nullptr || count == nullptr) return OV_EINVAL;
   *count = 0;

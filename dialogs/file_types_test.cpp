@@ -1,0 +1,69 @@
+#include "dialogs/file_types.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "text/error_texts.h"
+
+namespace Vantrel::Web {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(FileTypesTest, AnEmptyTextAndAnEmptyArrayAreNoFilters) {
+  EXPECT_TRUE(parseFileTypes("").empty());
+  EXPECT_TRUE(parseFileTypes("[]").empty());
+}
+
+TEST(FileTypesTest, NamesAndExtensionsKeepOrderAndSpelling) {
+  const auto filters = parseFileTypes(
+      R"([{"filter_name":"Bilder äöü","extensions":["JPG","png"]},
+          {"extensions":["tar.gz",""],"filter_name":"","more":[1]}])");
+  ASSERT_EQ(filters.size(), 2u);
+  EXPECT_EQ(filters[0].name, "Bilder äöü");
+  EXPECT_THAT(filters[0].extensions, ElementsAre("JPG", "png"));
+  EXPECT_EQ(filters[1].name, "");
+  EXPECT_THAT(filters[1].extensions, ElementsAre("tar.gz", ""));
+}
+
+class BadFileTypesTest : public testing::TestWithParam<const char*> {};
+
+TEST_P(BadFileTypesTest, IsRefusedWithTheOneText) {
+  try {
+    parseFileTypes(GetParam());
+    ADD_FAILURE() << "accepted";
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), kErrorParsingFileTypes);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(, BadFileTypesTest,
+                         testing::Values("x", "[", " ", "{}", "\"\"", "null", "[1]", "[[]]", "[{}]",
+                                         R"([{"filter_name":1,"extensions":["a"]}])",
+                                         R"([{"extensions":["a"]}])", R"([{"filter_name":"n"}])",
+                                         R"([{"filter_name":"n","extensions":"a"}])",
+                                         R"([{"filter_name":"n","extensions":[]}])",
+                                         R"([{"filter_name":"n","extensions":["a",1]}])",
+                                         R"([{"filter_name":"n","extensions":["a"]},null])"));
+
+TEST(FileTypesTest, ASpecificationNamesEveryExtension) {
+  EXPECT_EQ(filterSpec({"Images", {"jpg", "png"}}), "*.jpg;*.png");
+  EXPECT_EQ(filterSpec({"One", {"txt"}}), "*.txt");
+  EXPECT_EQ(filterSpec({"Empty", {""}}), "*.");
+  EXPECT_EQ(filterSpec({"None", {}}), "");
+}
+
+TEST(FileTypesTest, AFilterIsFoundByTheWholeExtensionToTheByte) {
+  const std::vector<FileTypeFilter> filters = {{"a", {"jpg", "png"}}, {"b", {"txt", "png"}}};
+  EXPECT_EQ(findFilterIndex(filters, "png"), 0);
+  EXPECT_EQ(findFilterIndex(filters, "txt"), 1);
+  EXPECT_EQ(findFilterIndex(filters, "TXT"), -1);
+  EXPECT_EQ(findFilterIndex(filters, "tx"), -1);
+  EXPECT_EQ(findFilterIndex(filters, ""), -1);
+  EXPECT_EQ(findFilterIndex({}, "png"), -1);
+}
+
+}  // namespace
+}  // namespace Vantrel::Web
