@@ -11,13 +11,13 @@ namespace {
 
 std::string_view statusName(TransferStatus status) {
   switch (status) {
-    case TransferStatus::queued:
+    case TransferStatus::kQueued:
       return "queued";
-    case TransferStatus::running:
+    case TransferStatus::kRunning:
       return "running";
-    case TransferStatus::completed:
+    case TransferStatus::kCompleted:
       return "completed";
-    case TransferStatus::failed:
+    case TransferStatus::kFailed:
       return "failed";
   }
   return {};
@@ -25,7 +25,7 @@ std::string_view statusName(TransferStatus status) {
 
 // Whole percent, 100 only when all is done.
 std::int64_t percentage(const TransferRecord& record) {
-  if (record.status == TransferStatus::completed) return 100;
+  if (record.status == TransferStatus::kCompleted) return 100;
   if (record.bytesExpected <= 0) return 0;
   return std::min<std::int64_t>(record.bytesWritten * 100 / record.bytesExpected, 99);
 }
@@ -50,7 +50,7 @@ std::string transferDocument(const TransferRecord& record) {
   out.add("uuid", record.uuid);
   out.add("request_id", record.requestId);
   out.add("app_id", record.appId);
-  out.add("direction", record.direction == Direction::send ? "send" : "receive");
+  out.add("direction", record.direction == Direction::kSend ? "send" : "receive");
   out.add("title", record.title);
   out.add("destination", record.destination);
   out.add("status", statusName(record.status));

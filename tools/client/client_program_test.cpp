@@ -221,7 +221,8 @@ TEST(ClientProgramTest, ManyConnectionsAtOnceAreAllAnswered) {
   uint16_t port = client.port();
   for (int i = 0; i < 8; ++i)
     threads.emplace_back([&] {
-      for (int j = 0; j < 25; ++j) good += replyTo(port, pingText()).ends_with("\"ready\"}");
+      for (int j = 0; j < 25; ++j)
+        if (replyTo(port, pingText()).ends_with("\"ready\"}")) ++good;
     });
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(good, 200);

@@ -76,7 +76,7 @@ void Copier::carryOut(const std::string& uuid, const TransferOrder& order) {
     failure = std::string("The transfer failed: ") + fault.what();
   }
   book_.change(uuid, [&](TransferRecord& record) {
-    record.status = failure.empty() ? TransferStatus::completed : TransferStatus::failed;
+    record.status = failure.empty() ? TransferStatus::kCompleted : TransferStatus::kFailed;
     record.statusText = failure.empty() ? "Completed" : failure;
     record.currentFile.clear();
   });
@@ -89,7 +89,7 @@ void Copier::copyAll(const std::string& uuid, const TransferOrder& order) {
   for (const Piece& piece : plan.files) bytes += piece.bytes;
   bytesOfTransfer_ = 0;
   book_.change(uuid, [&](TransferRecord& record) {
-    record.status = TransferStatus::running;
+    record.status = TransferStatus::kRunning;
     record.statusText = "Copying";
     record.bytesExpected = bytes;
     record.filesExpected = static_cast<std::int64_t>(plan.files.size());

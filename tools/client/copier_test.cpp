@@ -57,7 +57,7 @@ class CopierTest : public testing::Test {
 TEST_F(CopierTest, AFileArrivesByteForByte) {
   std::string bytes = someBytes(123456);
   TransferRecord record = finished(order({scratch_.write("far/a.bin", bytes)}));
-  EXPECT_EQ(record.status, TransferStatus::completed) << record.statusText;
+  EXPECT_EQ(record.status, TransferStatus::kCompleted) << record.statusText;
   EXPECT_EQ(record.statusText, "Completed");
   EXPECT_EQ(record.bytesExpected, 123456);
   EXPECT_EQ(record.bytesWritten, 123456);
@@ -70,7 +70,7 @@ TEST_F(CopierTest, AFileArrivesByteForByte) {
 
 TEST_F(CopierTest, AnEmptyFileArrivesToo) {
   TransferRecord record = finished(order({scratch_.write("far/a.bin", "")}));
-  EXPECT_EQ(record.status, TransferStatus::completed) << record.statusText;
+  EXPECT_EQ(record.status, TransferStatus::kCompleted) << record.statusText;
   EXPECT_TRUE(fs::exists(in_ / "a.bin"));
 }
 
@@ -85,7 +85,7 @@ TEST_F(CopierTest, AFolderArrivesWithAllThatIsInIt) {
   scratch_.write("far/d/sub/two.bin", "22");
   fs::create_directories(scratch_.path() / "far/d/empty");
   TransferRecord record = finished(order({scratch_.path() / "far/d/"}));
-  EXPECT_EQ(record.status, TransferStatus::completed) << record.statusText;
+  EXPECT_EQ(record.status, TransferStatus::kCompleted) << record.statusText;
   EXPECT_EQ(record.filesExpected, 2);
   EXPECT_EQ(record.bytesWritten, 3);
   EXPECT_EQ(bytesOf(in_ / "d/one.bin"), "1");
@@ -96,20 +96,20 @@ TEST_F(CopierTest, AFolderArrivesWithAllThatIsInIt) {
 TEST_F(CopierTest, AFolderMayBeCopiedIntoItself) {
   scratch_.write("in/one.bin", "1");
   TransferRecord record = finished(order({in_}));
-  EXPECT_EQ(record.status, TransferStatus::completed) << record.statusText;
+  EXPECT_EQ(record.status, TransferStatus::kCompleted) << record.statusText;
   EXPECT_EQ(bytesOf(in_ / "in/one.bin"), "1");
 }
 
 TEST_F(CopierTest, NonAsciiNamesArriveUnderTheirNames) {
   TransferRecord record = finished(order({scratch_.write("far/\xC3\xA9\xE2\x82\xAC.bin", "x")}));
-  EXPECT_EQ(record.status, TransferStatus::completed) << record.statusText;
+  EXPECT_EQ(record.status, TransferStatus::kCompleted) << record.statusText;
   EXPECT_EQ(bytesOf(in_ / pathOf("\xC3\xA9\xE2\x82\xAC.bin")), "x");
 }
 
 TEST_F(CopierTest, AMissingSourceFailsWithItsName) {
   fs::path missing = scratch_.path() / "far/none.bin";
   TransferRecord record = finished(order({scratch_.write("far/a.bin", "x"), missing}));
-  EXPECT_EQ(record.status, TransferStatus::failed);
+  EXPECT_EQ(record.status, TransferStatus::kFailed);
   EXPECT_EQ(record.statusText, "No such file or folder: " + textOf(missing));
   EXPECT_FALSE(fs::exists(in_ / "a.bin"));
 }
@@ -117,7 +117,7 @@ TEST_F(CopierTest, AMissingSourceFailsWithItsName) {
 TEST_F(CopierTest, ADestinationThatIsAFileFails) {
   scratch_.write("in", "a file");
   TransferRecord record = finished(order({scratch_.write("far/a.bin", "x")}));
-  EXPECT_EQ(record.status, TransferStatus::failed);
+  EXPECT_EQ(record.status, TransferStatus::kFailed);
   EXPECT_EQ(record.statusText, "The file cannot be written: " + textOf(in_ / "a.bin"));
 }
 
@@ -125,14 +125,14 @@ TEST_F(CopierTest, AnOrderWithAProblemFailsWithIt) {
   TransferOrder bad = order({});
   bad.problem = "no way";
   TransferRecord record = finished(bad);
-  EXPECT_EQ(record.status, TransferStatus::failed);
+  EXPECT_EQ(record.status, TransferStatus::kFailed);
   EXPECT_EQ(record.statusText, "no way");
 }
 
 TEST_F(CopierTest, AFailureOnTheWayLeavesNoHalfFile) {
   knobs_.transferFailAt = 2500;
   TransferRecord record = finished(order({scratch_.write("far/a.bin", someBytes(9000))}));
-  EXPECT_EQ(record.status, TransferStatus::failed);
+  EXPECT_EQ(record.status, TransferStatus::kFailed);
   EXPECT_EQ(record.statusText, "The connection to the remote side was lost");
   EXPECT_EQ(record.bytesWritten, 3000);
   EXPECT_TRUE(fs::is_empty(in_));
@@ -149,7 +149,7 @@ TEST_F(CopierTest, TheEndOfTheCopierEndsALongPause) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     EXPECT_TRUE(copier.busy());
   }
-  EXPECT_EQ(record(uuid).status, TransferStatus::running);
+  EXPECT_EQ(record(uuid).status, TransferStatus::kRunning);
   EXPECT_EQ(record(uuid).bytesWritten, 1000);
   EXPECT_TRUE(fs::is_empty(in_));
 }
@@ -166,7 +166,7 @@ TEST_F(CopierTest, TransfersAreDoneInTheirOrder) {
   auto records = book_.changedSince(0, "").transfers;
   ASSERT_EQ(records.size(), 5U);
   for (size_t i = 0; i < records.size(); ++i) {
-    EXPECT_EQ(records[i].status, TransferStatus::completed);
+    EXPECT_EQ(records[i].status, TransferStatus::kCompleted);
     EXPECT_TRUE(i == 0 || records[i].changed > records[i - 1].changed);
   }
 }

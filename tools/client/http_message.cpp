@@ -27,7 +27,7 @@ const std::string* ServiceRequest::header(std::string_view name) const {
 }
 
 RequestReader::State RequestReader::add(std::string_view bytes) {
-  if (state_ != State::reading) return state_;
+  if (state_ != State::kReading) return state_;
   text_ += bytes;
   if (bodyStart_ > 0) return takeBody();
   size_t end = text_.find(kHeadEnd, searched_);
@@ -40,7 +40,7 @@ RequestReader::State RequestReader::add(std::string_view bytes) {
 
 RequestReader::State RequestReader::fail(std::string problem) {
   problem_ = std::move(problem);
-  state_ = State::malformed;
+  state_ = State::kMalformed;
   return state_;
 }
 
@@ -83,7 +83,7 @@ RequestReader::State RequestReader::takeBody() {
   if (text_.size() - bodyStart_ < bodyBytes_) return state_;
   request_.body = text_.substr(bodyStart_, bodyBytes_);
   text_.clear();
-  state_ = State::complete;
+  state_ = State::kComplete;
   return state_;
 }
 

@@ -23,7 +23,7 @@ struct ServiceRequest {
 // belongs to the value it stands in, because the key may end in one. Used by one thread.
 class RequestReader {
  public:
-  enum class State { reading, complete, malformed };
+  enum class State { kReading, kComplete, kMalformed };
 
   static constexpr size_t kMostHeadBytes = 65536;
   static constexpr size_t kMostBodyBytes = size_t{64} << 20;
@@ -47,7 +47,7 @@ class RequestReader {
   size_t searched_ = 0;
   size_t bodyStart_ = 0;
   size_t bodyBytes_ = 0;
-  State state_ = State::reading;
+  State state_ = State::kReading;
   ServiceRequest request_;
   std::string problem_;
 };

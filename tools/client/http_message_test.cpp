@@ -16,7 +16,7 @@ constexpr const char* kPost =
     "hello";
 
 State readAll(RequestReader& reader, const std::string& bytes, size_t pieceBytes) {
-  State state = State::reading;
+  State state = State::kReading;
   for (size_t at = 0; at < bytes.size(); at += pieceBytes)
     state = reader.add(std::string_view(bytes).substr(at, pieceBytes));
   return state;
@@ -24,7 +24,7 @@ State readAll(RequestReader& reader, const std::string& bytes, size_t pieceBytes
 
 std::string problemOf(const std::string& bytes) {
   RequestReader reader;
-  EXPECT_EQ(reader.add(bytes), State::malformed);
+  EXPECT_EQ(reader.add(bytes), State::kMalformed);
   return reader.problem();
 }
 
@@ -32,7 +32,7 @@ TEST(RequestReaderTest, PiecesOfAnySizeGiveTheSameRequest) {
   std::string bytes = kPost;
   for (size_t size = 1; size <= bytes.size(); ++size) {
     RequestReader reader;
-    ASSERT_EQ(readAll(reader, bytes, size), State::complete) << size;
+    ASSERT_EQ(readAll(reader, bytes, size), State::kComplete) << size;
     EXPECT_EQ(reader.request().method, "POST");
     EXPECT_EQ(reader.request().path, "/v5/vantrel/transfers/activity");
     EXPECT_EQ(reader.request().body, "hello");
@@ -42,14 +42,14 @@ TEST(RequestReaderTest, PiecesOfAnySizeGiveTheSameRequest) {
 
 TEST(RequestReaderTest, ALineFeedAtTheEndOfTheKeyBelongsToIt) {
   RequestReader reader;
-  ASSERT_EQ(reader.add(kPost), State::complete);
+  ASSERT_EQ(reader.add(kPost), State::kComplete);
   ASSERT_NE(reader.request().header("authorization-KEY"), nullptr);
   EXPECT_EQ(*reader.request().header("Authorization-key"), "abc\n");
 }
 
 TEST(RequestReaderTest, ARequestWithoutALengthHasNoBody) {
   RequestReader reader;
-  EXPECT_EQ(reader.add("GET /x HTTP/1.1\r\n\r\n"), State::complete);
+  EXPECT_EQ(reader.add("GET /x HTTP/1.1\r\n\r\n"), State::kComplete);
   EXPECT_EQ(reader.request().body, "");
   EXPECT_TRUE(reader.request().headers.empty());
   EXPECT_EQ(reader.request().header("Content-Length"), nullptr);
@@ -57,20 +57,20 @@ TEST(RequestReaderTest, ARequestWithoutALengthHasNoBody) {
 
 TEST(RequestReaderTest, BytesBehindTheBodyAreDropped) {
   RequestReader reader;
-  EXPECT_EQ(reader.add(std::string(kPost) + "more"), State::complete);
+  EXPECT_EQ(reader.add(std::string(kPost) + "more"), State::kComplete);
   EXPECT_EQ(reader.request().body, "hello");
-  EXPECT_EQ(reader.add("more"), State::complete);
+  EXPECT_EQ(reader.add("more"), State::kComplete);
 }
 
 TEST(RequestReaderTest, APathMayHoldBlanks) {
   RequestReader reader;
-  EXPECT_EQ(reader.add("GET /a b HTTP/1.1\r\n\r\n"), State::complete);
+  EXPECT_EQ(reader.add("GET /a b HTTP/1.1\r\n\r\n"), State::kComplete);
   EXPECT_EQ(reader.request().path, "/a b");
 }
 
 TEST(RequestReaderTest, AValueWithoutABlankBeforeItIsTaken) {
   RequestReader reader;
-  EXPECT_EQ(reader.add("GET / HTTP/1.1\r\nA:b\r\nC:\r\n\r\n"), State::complete);
+  EXPECT_EQ(reader.add("GET / HTTP/1.1\r\nA:b\r\nC:\r\n\r\n"), State::kComplete);
   EXPECT_EQ(*reader.request().header("A"), "b");
   EXPECT_EQ(*reader.request().header("C"), "");
 }
@@ -88,8 +88,8 @@ TEST(RequestReaderTest, MalformedRequestsTellWhy) {
 
 TEST(RequestReaderTest, AHeaderWithoutAnEndIsRefused) {
   RequestReader reader;
-  EXPECT_EQ(reader.add(std::string(RequestReader::kMostHeadBytes, 'x')), State::reading);
-  EXPECT_EQ(reader.add("x"), State::malformed);
+  EXPECT_EQ(reader.add(std::string(RequestReader::kMostHeadBytes, 'x')), State::kReading);
+  EXPECT_EQ(reader.add("x"), State::kMalformed);
   EXPECT_EQ(reader.problem(), "the header is too long");
 }
 

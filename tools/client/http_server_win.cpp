@@ -109,8 +109,8 @@ void HttpServer::serve(Connection& connection) {
 // False when the peer went away before its request was whole.
 bool HttpServer::readRequest(Connection& connection, RequestReader& reader) {
   std::array<char, kReceiveBytes> buffer{};
-  auto state = RequestReader::State::reading;
-  while (state == RequestReader::State::reading) {
+  auto state = RequestReader::State::kReading;
+  while (state == RequestReader::State::kReading) {
     int received = receive(connection, buffer);
     if (received <= 0) return false;
     std::string_view bytes(buffer.data(), static_cast<size_t>(received));

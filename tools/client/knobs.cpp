@@ -76,22 +76,22 @@ bool setValue(Knobs& knobs, const KnobEntry& entry, std::string_view value,
               std::string_view folder) {
   std::int64_t number = 0;
   switch (entry.form) {
-    case KnobForm::flag:
+    case KnobForm::kFlag:
       knobs.*std::get<bool Knobs::*>(entry.field) = value == "1";
       return value == "0" || value == "1";
-    case KnobForm::number:
+    case KnobForm::kNumber:
       if (!readNumber(value, number) || number < entry.low || number > entry.high) return false;
       knobs.*std::get<std::int64_t Knobs::*>(entry.field) = number;
       return true;
-    case KnobForm::positions:
+    case KnobForm::kPositions:
       return readPositions(value, knobs.*std::get<Positions Knobs::*>(entry.field));
-    case KnobForm::text:
+    case KnobForm::kText:
       setText(knobs, entry, withoutEscapes(value));
       return true;
-    case KnobForm::path:
+    case KnobForm::kPath:
       setText(knobs, entry, pathBelowFolder(folder, value));
       return true;
-    case KnobForm::choice:
+    case KnobForm::kChoice:
       if (!isChoice(entry.choices, value)) return false;
       setText(knobs, entry, std::string(value));
       return true;
@@ -104,49 +104,49 @@ bool setValue(Knobs& knobs, const KnobEntry& entry, std::string_view value,
 const std::vector<KnobEntry>& knobTable() {
   using enum KnobForm;
   static const std::vector<KnobEntry> table = {
-      {"data_dir", path, &Knobs::dataDir},
-      {"remote_root", path, &Knobs::remoteRoot},
-      {"download_root", path, &Knobs::downloadRoot},
-      {"record", path, &Knobs::record},
-      {"port", number, &Knobs::port, 0, 65535},
-      {"uri_file", choice, &Knobs::uriFile, 0, 0, "key|key_lf|url_only|none"},
-      {"keep_files", flag, &Knobs::keepFiles},
+      {"data_dir", kPath, &Knobs::dataDir},
+      {"remote_root", kPath, &Knobs::remoteRoot},
+      {"download_root", kPath, &Knobs::downloadRoot},
+      {"record", kPath, &Knobs::record},
+      {"port", kNumber, &Knobs::port, 0, 65535},
+      {"uri_file", kChoice, &Knobs::uriFile, 0, 0, "key|key_lf|url_only|none"},
+      {"keep_files", kFlag, &Knobs::keepFiles},
 
-      {"chunk_bytes", number, &Knobs::chunkBytes, 1, std::int64_t{1} << 26},
-      {"chunk_pause_ms", number, &Knobs::chunkPauseMs, 0, kMostMs},
-      {"transfer_fail_at", number, &Knobs::transferFailAt, 0, kMostBytes},
-      {"activity_token", choice, &Knobs::activityToken, 0, 0, "string|number|none"},
+      {"chunk_bytes", kNumber, &Knobs::chunkBytes, 1, std::int64_t{1} << 26},
+      {"chunk_pause_ms", kNumber, &Knobs::chunkPauseMs, 0, kMostMs},
+      {"transfer_fail_at", kNumber, &Knobs::transferFailAt, 0, kMostBytes},
+      {"activity_token", kChoice, &Knobs::activityToken, 0, 0, "string|number|none"},
 
-      {"idle_seconds", number, &Knobs::idleSeconds, 0, kMostMs / 1000},
-      {"exit_after_ms", number, &Knobs::exitAfterMs, 0, kMostMs},
-      {"exit_after_requests", number, &Knobs::exitAfterRequests, 0, kMostRequests},
-      {"exit_code", number, &Knobs::exitCode, 0, 255},
+      {"idle_seconds", kNumber, &Knobs::idleSeconds, 0, kMostMs / 1000},
+      {"exit_after_ms", kNumber, &Knobs::exitAfterMs, 0, kMostMs},
+      {"exit_after_requests", kNumber, &Knobs::exitAfterRequests, 0, kMostRequests},
+      {"exit_code", kNumber, &Knobs::exitCode, 0, 255},
 
-      {"slow_start_ms", number, &Knobs::slowStartMs, 0, kMostMs},
-      {"exit_at_start", number, &Knobs::exitAtStart, 0, 255},
+      {"slow_start_ms", kNumber, &Knobs::slowStartMs, 0, kMostMs},
+      {"exit_at_start", kNumber, &Knobs::exitAtStart, 0, 255},
 
-      {"misbehave_path", text, &Knobs::misbehavePath},
-      {"misbehave_skip", number, &Knobs::misbehaveSkip, 0, kMostRequests},
-      {"misbehave_count", number, &Knobs::misbehaveCount, 0, kMostRequests},
+      {"misbehave_path", kText, &Knobs::misbehavePath},
+      {"misbehave_skip", kNumber, &Knobs::misbehaveSkip, 0, kMostRequests},
+      {"misbehave_count", kNumber, &Knobs::misbehaveCount, 0, kMostRequests},
 
-      {"restart_after", number, &Knobs::restartAfter, 0, kMostRequests},
-      {"silent", flag, &Knobs::silent},
-      {"close_without_reply", flag, &Knobs::closeWithoutReply},
-      {"delay_ms", number, &Knobs::delayMs, 0, kMostMs},
-      {"split_at", positions, &Knobs::splitAt},
-      {"split_every", number, &Knobs::splitEvery, 0, kMostBytes},
-      {"split_pause_ms", number, &Knobs::splitPauseMs, 0, kMostMs},
-      {"no_length", flag, &Knobs::noLength},
-      {"length_delta", number, &Knobs::lengthDelta, -kMostBytes, kMostBytes},
-      {"length_text", text, &Knobs::lengthText},
-      {"length_label", text, &Knobs::lengthLabel},
-      {"status_line", text, &Knobs::statusLine},
-      {"header_line", text, &Knobs::headerLine},
-      {"status", number, &Knobs::status, 0, 999},
-      {"huge_body", number, &Knobs::hugeBody, 0, kMostBytes},
-      {"nul_at", number, &Knobs::nulAt, 0, kMostBytes},
-      {"body", text, &Knobs::body},
-      {"error_reply", text, &Knobs::errorReply},
+      {"restart_after", kNumber, &Knobs::restartAfter, 0, kMostRequests},
+      {"silent", kFlag, &Knobs::silent},
+      {"close_without_reply", kFlag, &Knobs::closeWithoutReply},
+      {"delay_ms", kNumber, &Knobs::delayMs, 0, kMostMs},
+      {"split_at", kPositions, &Knobs::splitAt},
+      {"split_every", kNumber, &Knobs::splitEvery, 0, kMostBytes},
+      {"split_pause_ms", kNumber, &Knobs::splitPauseMs, 0, kMostMs},
+      {"no_length", kFlag, &Knobs::noLength},
+      {"length_delta", kNumber, &Knobs::lengthDelta, -kMostBytes, kMostBytes},
+      {"length_text", kText, &Knobs::lengthText},
+      {"length_label", kText, &Knobs::lengthLabel},
+      {"status_line", kText, &Knobs::statusLine},
+      {"header_line", kText, &Knobs::headerLine},
+      {"status", kNumber, &Knobs::status, 0, 999},
+      {"huge_body", kNumber, &Knobs::hugeBody, 0, kMostBytes},
+      {"nul_at", kNumber, &Knobs::nulAt, 0, kMostBytes},
+      {"body", kText, &Knobs::body},
+      {"error_reply", kText, &Knobs::errorReply},
   };
   return table;
 }

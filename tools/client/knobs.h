@@ -69,12 +69,12 @@ struct Knobs {
 
 // What a knob's value looks like.
 enum class KnobForm {
-  flag,       // 0 or 1
-  number,     // a decimal number between `low` and `high`
-  positions,  // decimal numbers with commas between them
-  text,       // the rest of the line; \n \r \t \0 and \\ are understood
-  path,       // a path; a relative one counts from the folder of its file
-  choice,     // one of `choices`
+  kFlag,       // 0 or 1
+  kNumber,     // a decimal number between `low` and `high`
+  kPositions,  // decimal numbers with commas between them
+  kText,       // the rest of the line; \n \r \t \0 and \\ are understood
+  kPath,       // a path; a relative one counts from the folder of its file
+  kChoice,     // one of `choices`
 };
 
 struct KnobEntry {

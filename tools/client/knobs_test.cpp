@@ -89,13 +89,13 @@ TEST(KnobsTest, ArgumentsSetTheirKnobs) {
 // A value that suits the knob and differs from its default.
 std::string otherValue(const KnobEntry& entry) {
   switch (entry.form) {
-    case KnobForm::flag:
+    case KnobForm::kFlag:
       return "1";
-    case KnobForm::number:
+    case KnobForm::kNumber:
       return std::to_string(entry.low + 1);
-    case KnobForm::positions:
+    case KnobForm::kPositions:
       return "7";
-    case KnobForm::choice:
+    case KnobForm::kChoice:
       return "none";
     default:
       return "other";

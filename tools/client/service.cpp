@@ -32,7 +32,7 @@ void Service::setKey(const std::string& key) {
 }
 
 const Service::Route* Service::find(std::string_view path) {
-  static constexpr std::array<Route, 9> routes = {{
+  static constexpr std::array<Route, 9> kRoutes = {{
       {"GET", "/v5/vantrel/info/ping", false, &Service::ping},
       {"GET", "/v4/vantrel/version", true, &Service::version},
       {"GET", "/windows/transfer-manager/", true, &Service::window},
@@ -44,7 +44,7 @@ const Service::Route* Service::find(std::string_view path) {
       {"POST", "/v5/vantrel/shutdown", true, &Service::shutDown},
   }};
   path = path.substr(0, path.find('?'));
-  for (const Route& route : routes)
+  for (const Route& route : kRoutes)
     if (route.path == path) return &route;
   return nullptr;
 }

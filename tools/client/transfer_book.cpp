@@ -49,7 +49,7 @@ TransferBook::Changes TransferBook::changedSince(std::uint64_t number,
   changes.latest = latest_;
   if (number > latest_) number = 0;
   for (const TransferRecord& record : transfers_) {
-    bool visible = appId.empty() || record.appId.empty() || record.appId == appId;
+    bool visible = record.appId.empty() || record.appId == appId;
     if (visible && record.changed > number) changes.transfers.push_back(record);
   }
   return changes;

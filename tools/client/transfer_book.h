@@ -15,16 +15,16 @@
 
 namespace Vantrel::StandIn {
 
-enum class TransferStatus { queued, running, completed, failed };
+enum class TransferStatus { kQueued, kRunning, kCompleted, kFailed };
 
 struct TransferRecord {
   std::string uuid;
   std::string requestId;
   std::string appId;
-  Direction direction = Direction::receive;
+  Direction direction = Direction::kReceive;
   std::string title;
   std::string destination;
-  TransferStatus status = TransferStatus::queued;
+  TransferStatus status = TransferStatus::kQueued;
   std::string statusText;
   std::string currentFile;
   std::int64_t bytesExpected = 0;
@@ -34,7 +34,7 @@ struct TransferRecord {
   std::uint64_t changed = 0;  // the number of its latest change among all changes
 
   bool finished() const {
-    return status == TransferStatus::completed || status == TransferStatus::failed;
+    return status == TransferStatus::kCompleted || status == TransferStatus::kFailed;
   }
 };
 
@@ -55,8 +55,8 @@ class TransferBook {
   };
 
   // What changed after the change of that number, as far as it is for `appId`: a transfer with an
-  // app id is for that id only, one without for everybody; an empty `appId` sees all. A number
-  // that has not been reached yet counts as 0.
+  // app id is for that id only, one without for everybody; an empty `appId` sees only the latter.
+  // A number that has not been reached yet counts as 0.
   Changes changedSince(std::uint64_t number, const std::string& appId) const;
 
  private:

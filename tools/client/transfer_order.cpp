@@ -24,7 +24,7 @@ void fail(TransferOrder& order, const std::string& words) {
 
 void addSource(TransferOrder& order, const TransferFolders& folders, const std::string& source) {
   if (order.title.empty()) order.title = source;
-  if (order.direction == Direction::send) {
+  if (order.direction == Direction::kSend) {
     order.sources.push_back(pathOf(source));
     return;
   }
@@ -60,8 +60,8 @@ std::string joined(const std::string& root, const std::string& source) {
 }
 
 Direction directionOf(const std::string& text) {
-  if (text == "receive") return Direction::receive;
-  if (text == "send") return Direction::send;
+  if (text == "receive") return Direction::kReceive;
+  if (text == "send") return Direction::kSend;
   throw BadBody("Invalid argument: direction");
 }
 
@@ -80,7 +80,7 @@ TransferOrder orderOfSpec(yajl_val element, const std::string& appId,
   if (order.title.empty()) throw BadBody("Invalid argument: paths");
   std::string destination = jsonTextAt(spec, {"destination_root"});
   bool absolute = YAJL_IS_TRUE(jsonAt(element, {kSettings, "use_absolute_destination_path"}));
-  if (order.direction == Direction::send)
+  if (order.direction == Direction::kSend)
     setRemoteDestination(order, folders, destination);
   else
     setLocalDestination(order, folders, destination, absolute);
@@ -113,7 +113,7 @@ TransferOrder orderOfXferRequest(const XferRequest& request, const TransferFolde
   TransferOrder order;
   const std::string& destination = request.destination;
   bool remote = destination.find("://") != std::string::npos && !destination.starts_with("file://");
-  order.direction = remote ? Direction::send : Direction::receive;
+  order.direction = remote ? Direction::kSend : Direction::kReceive;
   for (const std::string& source : request.sources)
     addSource(order, folders, remote ? pathOfFileUrl(source) : pathOfRemoteUrl(source));
   if (request.sources.empty()) fail(order, "Nothing to transfer");

@@ -10,11 +10,11 @@
 
 namespace Vantrel::StandIn {
 
-enum class Direction { receive, send };
+enum class Direction { kReceive, kSend };
 
 struct TransferOrder {
   std::string appId;  // empty for a direct start, which names none
-  Direction direction = Direction::receive;
+  Direction direction = Direction::kReceive;
   std::string title;  // the first source as it was named
   std::vector<std::filesystem::path> sources;
   std::filesystem::path destination;  // the folder that receives the sources

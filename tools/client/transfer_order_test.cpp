@@ -34,7 +34,7 @@ TEST_F(TransferOrderTest, AReceiveWithAnAbsoluteDestinationGoesThere) {
                           R"(/in","paths":[{"source":"/a/b.bin"},{"source":"c.bin"}]})");
   ASSERT_EQ(found.size(), 1U) << problem_;
   EXPECT_EQ(found[0].appId, "^some.host");
-  EXPECT_EQ(found[0].direction, Direction::receive);
+  EXPECT_EQ(found[0].direction, Direction::kReceive);
   EXPECT_EQ(found[0].title, "/a/b.bin");
   EXPECT_THAT(found[0].sources,
               ElementsAre(folders_.remoteRoot / "a/b.bin", folders_.remoteRoot / "c.bin"));
@@ -80,7 +80,7 @@ TEST_F(TransferOrderTest, ASendTakesLocalFilesBelowTheSourceRoot) {
   auto found = orders("{}", R"({"direction":"send","source_root":")" + scratchText() +
                                 R"(","destination_root":"/inbox","paths":[{"source":"a.bin"}]})");
   ASSERT_EQ(found.size(), 1U) << problem_;
-  EXPECT_EQ(found[0].direction, Direction::send);
+  EXPECT_EQ(found[0].direction, Direction::kSend);
   EXPECT_THAT(found[0].sources, ElementsAre(scratch_.path() / "a.bin"));
   EXPECT_EQ(found[0].destination, folders_.remoteRoot / "inbox");
 }
@@ -113,7 +113,7 @@ TEST_F(TransferOrderTest, BodiesThatAskForNothingTellWhy) {
 TEST_F(TransferOrderTest, ADirectDownloadTakesThePathsOfItsUrls) {
   TransferOrder order = orderOfXferRequest(
       {{"http://host/a%20b.bin?x=1", "/c.bin"}, "file://" + scratchText() + "/in"}, folders_);
-  EXPECT_EQ(order.direction, Direction::receive);
+  EXPECT_EQ(order.direction, Direction::kReceive);
   EXPECT_THAT(order.sources,
               ElementsAre(folders_.remoteRoot / "a b.bin", folders_.remoteRoot / "c.bin"));
   EXPECT_EQ(order.destination, scratch_.path() / "in");
@@ -123,14 +123,14 @@ TEST_F(TransferOrderTest, ADirectDownloadTakesThePathsOfItsUrls) {
 
 TEST_F(TransferOrderTest, ADirectDownloadWithoutADestinationGoesToTheDownloadFolder) {
   TransferOrder order = orderOfXferRequest({{"http://host/a.bin"}, ""}, folders_);
-  EXPECT_EQ(order.direction, Direction::receive);
+  EXPECT_EQ(order.direction, Direction::kReceive);
   EXPECT_EQ(order.destination.lexically_normal(), (folders_.downloadRoot / "").lexically_normal());
 }
 
 TEST_F(TransferOrderTest, ADirectUploadGoesToThePathOfItsUrl) {
   TransferOrder order =
       orderOfXferRequest({{"file://" + scratchText() + "/a.bin"}, "https://host/inbox"}, folders_);
-  EXPECT_EQ(order.direction, Direction::send);
+  EXPECT_EQ(order.direction, Direction::kSend);
   EXPECT_THAT(order.sources, ElementsAre(scratch_.path() / "a.bin"));
   EXPECT_EQ(order.destination, folders_.remoteRoot / "inbox");
 }
