@@ -1,4 +1,5 @@
-// The file reader over a base runtime that fails as told; the linker sends its calls here.
+// The file reader over a base runtime whose calls a case lets fail; the linker sends its calls
+// here.
 #include "service/file.h"
 
 #include <gtest/gtest.h>

@@ -206,7 +206,7 @@ TEST_F(HttpRequestTest, ResetBehindAUsableReplyKeepsIt) {
 }
 
 // Under Wine a send that waits now and then sleeps through the reset of its connection; there the
-// failing send is seen over a platform that fails as told.
+// failing send is seen over a platform whose send a case lets fail.
 #if !defined(_WIN32)
 TEST_F(HttpRequestTest, ResetWhileSendingIsReportedAndNull) {
   server_.nextConnection(Script().reset());

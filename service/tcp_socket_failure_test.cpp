@@ -1,4 +1,4 @@
-// The socket classes and the exchange above them over a platform that fails as told.
+// The socket classes and the exchange above them over a platform whose calls a case lets fail.
 #include "service/tcp_socket.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// A worker over a platform that fails as told: COM is replaced here, the linker sends the thread
-// calls here.
+// A worker over a platform that fails where a case wants it: COM is replaced here, the linker sends
+// the thread calls here.
 #include "threads/worker.h"
 
 #include <gtest/gtest.h>

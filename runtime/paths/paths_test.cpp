@@ -20,8 +20,8 @@ namespace {
 
 using ov::reference::forEachText;
 
-// The canonical form, or "<failed>". The buffer on the heap is exactly as large as told, so that a
-// sanitizer sees every byte beyond it.
+// The canonical form, or "<failed>". The buffer on the heap is exactly as large as the size given,
+// so that a sanitizer sees every byte beyond it.
 std::string canonical(const std::string& path, size_t size = OV_PATH_SIZE) {
   const auto out = std::make_unique<char[]>(size);
   return ov_path_canonical_path(path.c_str(), out.get(), size) == 0 ? out.get() : "<failed>";

@@ -1,4 +1,4 @@
-// What the system tells of itself, with calls replaced by ours that fail or succeed as told.
+// What the system tells of itself, with calls replaced by ours, whose results each case sets.
 #include <windows.h>
 #include <dsgetdc.h>
 #include <lm.h>

@@ -1,4 +1,4 @@
-// The registry when calls of the system fail as told.
+// The registry when calls of the system fail with the codes that a case sets.
 #include <windows.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Processes and pid files when calls of the system fail as told.
+// Processes and pid files when calls of the system fail with the codes that a case sets.
 #include <windows.h>
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 // Processes as another user, with the calls that the system has for that replaced by ours, which
-// note their order, fail as told, and otherwise do the real thing with this process's own token.
+// note their order, fail where a case wants it, and otherwise do the real thing with this process's
+// own token.
 #include <windows.h>
 #include <userenv.h>
 
