@@ -24,7 +24,7 @@ TransfersPoller::TransfersPoller() {
 }
 
 TransfersPoller::~TransfersPoller() {
-  OV_DEBUG("%p ~TransfersPoller() - started?=%u", static_cast<void*>(this), unsigned{started});
+  OV_DEBUG("%p ~TransfersPoller() - started?=%u", static_cast<void*>(this), unsigned{started_});
 }
 
 void TransfersPoller::setAppId(const std::string& text) {

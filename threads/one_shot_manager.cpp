@@ -8,7 +8,7 @@
 
 namespace Vantrel::Web {
 
-OneShotManager::OneShotManager() : _messageWindow(new (std::nothrow) WinMessageWindow) {
+OneShotManager::OneShotManager() : messageWindow_(new (std::nothrow) WinMessageWindow) {
   OV_DEBUG("%p OneShotManager()", static_cast<void*>(this));
 }
 
@@ -17,14 +17,14 @@ OneShotManager::~OneShotManager() {
 }
 
 void OneShotManager::scheduleAsyncCallback(AsyncFunction function, void* argument) {
-  if (!_messageWindow) {
+  if (!messageWindow_) {
     ov_log("%p OneShotManager::scheduleAsyncCallback() - Warning: NULL _messageWindow",
            static_cast<void*>(this));
     return;
   }
   OV_DEBUG("%p OneShotManager::scheduleAsyncCallback() - hwnd=%p", static_cast<void*>(this),
-           _messageWindow->handle());
-  if (const uint32_t code = _messageWindow->post(function, argument)) {
+           messageWindow_->handle());
+  if (const uint32_t code = messageWindow_->post(function, argument)) {
     throw std::runtime_error("PostMessage failed (" + std::to_string(code) + ")");
   }
 }

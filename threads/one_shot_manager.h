@@ -21,7 +21,7 @@ class OneShotManager {
   void scheduleAsyncCallback(AsyncFunction function, void* argument);
 
  private:
-  std::unique_ptr<WinMessageWindow> _messageWindow;  // null when memory ran out
+  std::unique_ptr<WinMessageWindow> messageWindow_;  // null when memory ran out
 };
 
 }  // namespace Vantrel::Web

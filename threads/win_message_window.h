@@ -23,10 +23,10 @@ class WinMessageWindow {
   // Posts the call; any thread. Returns 0 or the system's error code, and then nothing was posted.
   uint32_t post(AsyncFunction function, void* argument);
 
-  void* handle() const { return m_hWnd; }
+  void* handle() const { return hWnd_; }
 
  private:
-  void* m_hWnd = nullptr;
+  void* hWnd_ = nullptr;
 };
 
 }  // namespace Vantrel::Web

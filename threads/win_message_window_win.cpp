@@ -54,22 +54,22 @@ WinMessageWindow::WinMessageWindow() {
   const std::wstring className = L"OWEventWindow" + number;
   auto* const module = static_cast<HINSTANCE>(moduleHandle());
   registerWindowClass(module, className.c_str());
-  m_hWnd = CreateWindowExW(0, className.c_str(), title.c_str(), WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE,
-                           nullptr, module, nullptr);
-  if (!m_hWnd) throw std::runtime_error("Could not create Message Window");
-  OV_DEBUG("WinMessageWindow() - done, m_hWnd=%p", m_hWnd);
+  hWnd_ = CreateWindowExW(0, className.c_str(), title.c_str(), WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE,
+                          nullptr, module, nullptr);
+  if (hWnd_ == nullptr) throw std::runtime_error("Could not create Message Window");
+  OV_DEBUG("WinMessageWindow() - done, m_hWnd=%p", hWnd_);
 }
 
 WinMessageWindow::~WinMessageWindow() {
-  OV_DEBUG("~WinMessageWindow() - m_hWnd=%p", m_hWnd);
+  OV_DEBUG("~WinMessageWindow() - m_hWnd=%p", hWnd_);
   // Messages in the queue die with the window and their pairs stay: to fetch them here would let
   // other windows of this thread run in the middle of a teardown.
-  DestroyWindow(toWindow(m_hWnd));
+  DestroyWindow(toWindow(hWnd_));
 }
 
 uint32_t WinMessageWindow::post(AsyncFunction function, void* argument) {
   auto pair = std::make_unique<CallbackPair>(CallbackPair{function, argument});
-  if (!PostMessageW(toWindow(m_hWnd), kCallbackMessage, 0, reinterpret_cast<LPARAM>(pair.get()))) {
+  if (!PostMessageW(toWindow(hWnd_), kCallbackMessage, 0, reinterpret_cast<LPARAM>(pair.get()))) {
     return GetLastError();
   }
   static_cast<void>(pair.release());  // the message's, until _WinProc takes it

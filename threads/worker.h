@@ -33,10 +33,10 @@ class Worker {
   // worker whose join has thrown while hasThread() is true must not be deleted: its thread may run.
   void join();
   // Whether a thread was started and not yet waited for.
-  bool hasThread() const { return threadExists; }
+  bool hasThread() const { return threadExists_; }
 
  protected:
-  bool started = false;
+  bool started_ = false;
 
  private:
 #if defined(_WIN32)
@@ -44,11 +44,11 @@ class Worker {
 #else
   using ThreadResult = uint32_t;
 #endif
-  static ThreadResult start_helper(void* argument);
+  static ThreadResult startHelper(void* argument);
   void waitForFinishedThread();
 
-  std::unique_ptr<ov_thread> thread;
-  bool threadExists = false;
+  std::unique_ptr<ov_thread> thread_;
+  bool threadExists_ = false;
 };
 
 }  // namespace Vantrel::Web

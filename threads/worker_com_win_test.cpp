@@ -13,19 +13,19 @@ namespace {
 
 class ComWorker : public Worker {
  public:
-  bool done() override { return finished; }
+  bool done() override { return finished_; }
   void run() override {
     // A second initialisation of the same kind tells that the first one stands.
     result = CoInitialize(nullptr);
     CoUninitialize();
-    finished = true;
+    finished_ = true;
   }
   void stop() override {}
 
   HRESULT result = E_FAIL;
 
  private:
-  std::atomic<bool> finished{false};
+  std::atomic<bool> finished_{false};
 };
 
 TEST(WorkerComTest, ThreadIsInASingleThreadedApartment) {

@@ -64,90 +64,90 @@ class BriefWorker : public Worker {
 
 class WorkerFailureTest : public testing::Test {
  protected:
-  WorkerFailureTest() { platform = &fake; }
+  WorkerFailureTest() { platform = &fake_; }
 
-  Platform fake;
-  TestSupport::LogRecorder log;
-  BriefWorker worker;
+  Platform fake_;
+  TestSupport::LogRecorder log_;
+  BriefWorker worker_;
 };
 
 TEST_F(WorkerFailureTest, FailingComIsReportedAndTheWorkRunsAllTheSame) {
-  fake.comResult = static_cast<int32_t>(0x80010106U);
-  worker.start();
-  worker.reportsDone = false;
-  worker.join();
-  EXPECT_TRUE(worker.finished);
-  EXPECT_EQ(fake.comEnds, 1);
-  EXPECT_EQ(log.lines("ERR"),
+  fake_.comResult = static_cast<int32_t>(0x80010106U);
+  worker_.start();
+  worker_.reportsDone = false;
+  worker_.join();
+  EXPECT_TRUE(worker_.finished);
+  EXPECT_EQ(fake_.comEnds, 1);
+  EXPECT_EQ(log_.lines("ERR"),
             std::vector<std::string>{"Worker start_helper() - CoInitialize failed: 80010106"});
 }
 
 TEST_F(WorkerFailureTest, ComThatWasUpAlreadyIsNoFailure) {
-  fake.comResult = 1;
-  worker.start();
-  worker.join();
-  EXPECT_EQ(fake.comEnds, 1);
-  EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
+  fake_.comResult = 1;
+  worker_.start();
+  worker_.join();
+  EXPECT_EQ(fake_.comEnds, 1);
+  EXPECT_TRUE(log_.lines("ERR").empty()) << log_.text();
 }
 
 TEST_F(WorkerFailureTest, FailedStartThrowsAndLogsNothing) {
-  fake.spawnCode = 8;
+  fake_.spawnCode = 8;
   const std::string expected = describeSystemError("Failed to spawn thread: ", 8);
   try {
-    worker.start();
+    worker_.start();
     FAIL();
   } catch (const SystemException& error) {
     EXPECT_EQ(error.what(), expected);
   }
-  EXPECT_EQ(log.text(), "");
-  EXPECT_FALSE(worker.hasThread());
+  EXPECT_EQ(log_.text(), "");
+  EXPECT_FALSE(worker_.hasThread());
 }
 
 TEST_F(WorkerFailureTest, JoinAfterAFailedStartReportsAndThrows) {
-  fake.spawnCode = 8;
-  EXPECT_THROW(worker.start(), SystemException);
+  fake_.spawnCode = 8;
+  EXPECT_THROW(worker_.start(), SystemException);
   const std::string expected = describeSystemError("Failed to join thread: ", 6) + "0";
   try {
-    worker.join();
+    worker_.join();
     FAIL();
   } catch (const SystemException& error) {
     EXPECT_EQ(error.what(), expected);
   }
-  EXPECT_EQ(log.lines("ERR").back(), expected);
-  EXPECT_FALSE(worker.hasThread());
-  EXPECT_EQ(log.countContaining("DBG Worker::join() - started?=1 done?=0"), 1U);
+  EXPECT_EQ(log_.lines("ERR").back(), expected);
+  EXPECT_FALSE(worker_.hasThread());
+  EXPECT_EQ(log_.countContaining("DBG Worker::join() - started?=1 done?=0"), 1U);
 }
 
 TEST_F(WorkerFailureTest, FailedJoinReportsTheThreadsIdAndKeepsTheThread) {
-  worker.reportsDone = false;
-  worker.start();
-  fake.joinCode = 6;
+  worker_.reportsDone = false;
+  worker_.start();
+  fake_.joinCode = 6;
   try {
-    worker.join();
+    worker_.join();
     FAIL();
   } catch (const SystemException& error) {
     const std::string text = error.what();
     const std::string start = describeSystemError("Failed to join thread: ", 6);
     EXPECT_EQ(text.rfind(start, 0), 0U) << text;
     EXPECT_GT(std::stoul(text.substr(start.size())), 0U);
-    EXPECT_EQ(log.lines("ERR"), std::vector<std::string>{text});
+    EXPECT_EQ(log_.lines("ERR"), std::vector<std::string>{text});
   }
-  EXPECT_TRUE(worker.hasThread());
-  fake.joinCode = 0;
-  worker.join();
-  EXPECT_FALSE(worker.hasThread());
+  EXPECT_TRUE(worker_.hasThread());
+  fake_.joinCode = 0;
+  worker_.join();
+  EXPECT_FALSE(worker_.hasThread());
 }
 
 TEST_F(WorkerFailureTest, FailedWaitForAFinishedWorkerIsSilent) {
-  worker.start();
-  while (!worker.done()) ov_thread_sleep(1);
-  fake.joinCode = 6;
-  worker.join();
-  EXPECT_TRUE(worker.hasThread());
-  EXPECT_TRUE(log.lines("ERR").empty()) << log.text();
-  fake.joinCode = 0;
-  worker.join();
-  EXPECT_FALSE(worker.hasThread());
+  worker_.start();
+  while (!worker_.done()) ov_thread_sleep(1);
+  fake_.joinCode = 6;
+  worker_.join();
+  EXPECT_TRUE(worker_.hasThread());
+  EXPECT_TRUE(log_.lines("ERR").empty()) << log_.text();
+  fake_.joinCode = 0;
+  worker_.join();
+  EXPECT_FALSE(worker_.hasThread());
 }
 
 }  // namespace

@@ -24,16 +24,16 @@ class WaitingWorker : public Worker {
   void run() override {
     threadId = ov_thread_self();
     {
-      const std::lock_guard lock(mutex);
-      while (!stopRequested) condition.wait();
+      const std::lock_guard lock(mutex_);
+      while (!stopRequested_) condition_.wait();
     }
     done_ = true;
   }
   void stop() override {
     if (done_) return;
-    const std::lock_guard lock(mutex);
-    stopRequested = true;
-    condition.signal();
+    const std::lock_guard lock(mutex_);
+    stopRequested_ = true;
+    condition_.signal();
   }
   void waitUntilDone() {
     while (!done_) ov_thread_sleep(1);
@@ -43,9 +43,9 @@ class WaitingWorker : public Worker {
 
  private:
   std::atomic<bool> done_{false};
-  Mutex mutex;
-  Condition condition{mutex};
-  bool stopRequested = false;
+  Mutex mutex_;
+  Condition condition_{mutex_};
+  bool stopRequested_ = false;
 };
 
 constexpr char kJoinDone[] = "DBG Worker::join() - done";

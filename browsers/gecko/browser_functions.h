@@ -24,29 +24,31 @@ class RetainedObject {
  public:
   RetainedObject() = default;
   // Takes a reference of its own.
-  explicit RetainedObject(NPObject* retained) : object(retained) {
-    if (object) browserFuncs.retainobject(object);
+  explicit RetainedObject(NPObject* retained) : object_(retained) {
+    if (object_ != nullptr) browserFuncs.retainobject(object_);
   }
   ~RetainedObject() { reset(); }
-  RetainedObject(RetainedObject&& other) noexcept : object(std::exchange(other.object, nullptr)) {}
+  RetainedObject(RetainedObject&& other) noexcept
+      : object_(std::exchange(other.object_, nullptr)) {}
   RetainedObject& operator=(RetainedObject&& other) noexcept {
     if (this != &other) {
       reset();
-      object = std::exchange(other.object, nullptr);
+      object_ = std::exchange(other.object_, nullptr);
     }
     return *this;
   }
 
   void reset() {
-    if (NPObject* const former = std::exchange(object, nullptr)) browserFuncs.releaseobject(former);
+    NPObject* const former = std::exchange(object_, nullptr);
+    if (former != nullptr) browserFuncs.releaseobject(former);
   }
   // Gives the reference up without releasing it.
-  NPObject* forget() { return std::exchange(object, nullptr); }
-  NPObject* get() const { return object; }
-  explicit operator bool() const { return object != nullptr; }
+  NPObject* forget() { return std::exchange(object_, nullptr); }
+  NPObject* get() const { return object_; }
+  explicit operator bool() const { return object_ != nullptr; }
 
  private:
-  NPObject* object = nullptr;
+  NPObject* object_ = nullptr;
 };
 
 }  // namespace Vantrel::Web::Gecko

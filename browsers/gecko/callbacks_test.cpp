@@ -24,8 +24,8 @@ class CallbacksTest : public testing::Test {
  protected:
   ~CallbacksTest() override { freeUndeliveredCalls(); }
 
-  TestSupport::LogRecorder log;
-  FakeBrowser browser;
+  TestSupport::LogRecorder log_;
+  FakeBrowser browser_;
 };
 
 TEST_F(CallbacksTest, EventsHaveFixedNames) {
@@ -37,137 +37,137 @@ TEST_F(CallbacksTest, EventsHaveFixedNames) {
 }
 
 TEST_F(CallbacksTest, AnEventCallsItsTargetWithNameAndPayload) {
-  NPObject* const target = browser.newObject();
-  sendEvent(&browser.instance, target, PageEvent::kTransfer, "{\"a\":1}");
-  sendEvent(&browser.instance, target, PageEvent::kDragOver, "");
-  sendEvent(&browser.instance, nullptr, PageEvent::kDrop, "[]");
-  EXPECT_EQ(browser.invocations, (Calls{{"transfer", "{\"a\":1}"}, {"dragover", ""}}));
+  NPObject* const target = browser_.newObject();
+  sendEvent(&browser_.instance, target, PageEvent::kTransfer, "{\"a\":1}");
+  sendEvent(&browser_.instance, target, PageEvent::kDragOver, "");
+  sendEvent(&browser_.instance, nullptr, PageEvent::kDrop, "[]");
+  EXPECT_EQ(browser_.invocations, (Calls{{"transfer", "{\"a\":1}"}, {"dragover", ""}}));
 }
 
 TEST_F(CallbacksTest, OnlyAResultThatIsNoStringIsReleased) {
-  NPObject* const target = browser.newObject();
-  browser.onInvokeDefault = [this](NPObject*, const std::vector<std::string>&) {
-    return browser.text("kept");
+  NPObject* const target = browser_.newObject();
+  browser_.onInvokeDefault = [this](NPObject*, const std::vector<std::string>&) {
+    return browser_.text("kept");
   };
-  callPage(&browser.instance, target, "x");
-  EXPECT_EQ(browser.releasedVariants, 0);
-  browser.onInvokeDefault = [](NPObject*, const std::vector<std::string>&) {
+  callPage(&browser_.instance, target, "x");
+  EXPECT_EQ(browser_.releasedVariants, 0);
+  browser_.onInvokeDefault = [](NPObject*, const std::vector<std::string>&) {
     return FakeBrowser::number(1);
   };
-  callPage(&browser.instance, target, "x");
-  EXPECT_EQ(browser.releasedVariants, 1);
-  browser.invokeResult = false;
-  callPage(&browser.instance, target, "x");
-  EXPECT_EQ(browser.releasedVariants, 1);
+  callPage(&browser_.instance, target, "x");
+  EXPECT_EQ(browser_.releasedVariants, 1);
+  browser_.invokeResult = false;
+  callPage(&browser_.instance, target, "x");
+  EXPECT_EQ(browser_.releasedVariants, 1);
 }
 
 TEST_F(CallbacksTest, AnAnswerReachesThePageFunctionOnce) {
-  NPObject* const function = browser.newObject();
+  NPObject* const function = browser_.newObject();
   {
-    RequestCallback callback(&browser.instance, function);
+    RequestCallback callback(&browser_.instance, function);
     EXPECT_EQ(function->referenceCount, 1u);
     HttpResponse response("{\"ok\":\"%s\"}");
     callback.handleCallback(&response);
     callback.returnMessage("a second answer is none");
   }
-  EXPECT_TRUE(browser.invocations.empty());
-  EXPECT_EQ(browser.runAsyncCalls(), 1);
-  EXPECT_EQ(browser.invocations, Calls{{"{\"ok\":\"%s\"}"}});
+  EXPECT_TRUE(browser_.invocations.empty());
+  EXPECT_EQ(browser_.runAsyncCalls(), 1);
+  EXPECT_EQ(browser_.invocations, Calls{{"{\"ok\":\"%s\"}"}});
   EXPECT_EQ(function->referenceCount, 0u);
-  EXPECT_TRUE(log.has("DBG RequestCallback::returnMessage() - response={\"ok\":\"%s\"}"));
-  EXPECT_TRUE(log.has("DBG callbackBrowser - msg={\"ok\":\"%s\"}")) << log.text();
+  EXPECT_TRUE(log_.has("DBG RequestCallback::returnMessage() - response={\"ok\":\"%s\"}"));
+  EXPECT_TRUE(log_.has("DBG callbackBrowser - msg={\"ok\":\"%s\"}")) << log_.text();
 }
 
 TEST_F(CallbacksTest, NoResponseIsTheContactError) {
-  RequestCallback callback(&browser.instance, browser.newObject());
+  RequestCallback callback(&browser_.instance, browser_.newObject());
   callback.handleCallback(nullptr);
-  browser.runAsyncCalls();
-  EXPECT_EQ(browser.invocations, Calls{{jsonErrorReply(kErrorContacting)}});
+  browser_.runAsyncCalls();
+  EXPECT_EQ(browser_.invocations, Calls{{jsonErrorReply(kErrorContacting)}});
 }
 
 TEST_F(CallbacksTest, AnAnswerFromAWorkerTouchesNoReferenceThere) {
-  NPObject* const function = browser.newObject();
-  auto callback = std::make_unique<RequestCallback>(&browser.instance, function);
+  NPObject* const function = browser_.newObject();
+  auto callback = std::make_unique<RequestCallback>(&browser_.instance, function);
   std::thread([&callback] {
     callback->handleCallback(nullptr);
     callback.reset();
   }).join();
   EXPECT_EQ(function->referenceCount, 1u);
-  EXPECT_EQ(browser.runAsyncCalls(), 1);
+  EXPECT_EQ(browser_.runAsyncCalls(), 1);
   EXPECT_EQ(function->referenceCount, 0u);
 }
 
 TEST_F(CallbacksTest, ARequestDroppedWithoutAnAnswerKeepsItsReference) {
-  NPObject* const function = browser.newObject();
-  RequestCallback(&browser.instance, function);
+  NPObject* const function = browser_.newObject();
+  RequestCallback(&browser_.instance, function);
   EXPECT_EQ(function->referenceCount, 1u);
-  browser.expectReferencesLeft(1);
+  browser_.expectReferencesLeft(1);
 }
 
 TEST_F(CallbacksTest, WhatTheBrowserNeverRunsIsFreedAtTheEndOfTheModule) {
-  RequestCallback callback(&browser.instance, browser.newObject());
+  RequestCallback callback(&browser_.instance, browser_.newObject());
   callback.handleCallback(nullptr);
-  browser.dropAsyncCalls();
+  browser_.dropAsyncCalls();
   freeUndeliveredCalls();
-  browser.expectReferencesLeft(1);
+  browser_.expectReferencesLeft(1);
 }
 
 TEST_F(CallbacksTest, ACallThatTheBrowserRunsTooLateDoesNothing) {
-  RequestCallback callback(&browser.instance, browser.newObject());
+  RequestCallback callback(&browser_.instance, browser_.newObject());
   callback.handleCallback(nullptr);
   freeUndeliveredCalls();
-  EXPECT_EQ(browser.runAsyncCalls(), 1);
-  EXPECT_TRUE(browser.invocations.empty());
-  browser.expectReferencesLeft(1);
+  EXPECT_EQ(browser_.runAsyncCalls(), 1);
+  EXPECT_TRUE(browser_.invocations.empty());
+  browser_.expectReferencesLeft(1);
 }
 
 TEST_F(CallbacksTest, TransferEventsWithoutATargetAreDropped) {
-  TransferEventHandler handler(&browser.instance, nullptr);
+  TransferEventHandler handler(&browser_.instance, nullptr);
   handler.transferEventOccurred("{}");
-  EXPECT_EQ(browser.waitingCalls(), 0u);
-  EXPECT_EQ(log.countContaining("DBG TransferEventHandler() ["), 1u) << log.text();
+  EXPECT_EQ(browser_.waitingCalls(), 0u);
+  EXPECT_EQ(log_.countContaining("DBG TransferEventHandler() ["), 1u) << log_.text();
 }
 
 TEST_F(CallbacksTest, ATransferEventGoesToTheTargetOfItsDelivery) {
-  NPObject* const first = browser.newObject();
-  NPObject* const second = browser.newObject();
+  NPObject* const first = browser_.newObject();
+  NPObject* const second = browser_.newObject();
   const RetainedObject held(second);
   std::vector<NPObject*> called;
-  browser.onInvokeDefault = [&called](NPObject* function, const std::vector<std::string>&) {
+  browser_.onInvokeDefault = [&called](NPObject* function, const std::vector<std::string>&) {
     called.push_back(function);
     return NPVariant{NPVariantType_Void, {}};
   };
-  TransferEventHandler handler(&browser.instance, nullptr);
+  TransferEventHandler handler(&browser_.instance, nullptr);
   handler.setTarget(first);
   handler.transferEventOccurred("{\"n\":1}");
   handler.setTarget(second);
-  EXPECT_EQ(browser.runAsyncCalls(), 1);
+  EXPECT_EQ(browser_.runAsyncCalls(), 1);
   EXPECT_EQ(called, std::vector<NPObject*>{second});
-  EXPECT_EQ(browser.invocations, (Calls{{"transfer", "{\"n\":1}"}}));
+  EXPECT_EQ(browser_.invocations, (Calls{{"transfer", "{\"n\":1}"}}));
 }
 
 TEST_F(CallbacksTest, AnEventDeliveredAfterItsHandlerIsGoneReachesNobody) {
-  NPObject* const target = browser.newObject();
-  auto handler = std::make_unique<TransferEventHandler>(&browser.instance, target);
+  NPObject* const target = browser_.newObject();
+  auto handler = std::make_unique<TransferEventHandler>(&browser_.instance, target);
   handler->transferEventOccurred("{}");
   handler.reset();
-  EXPECT_EQ(browser.runAsyncCalls(), 1);
-  EXPECT_TRUE(browser.invocations.empty());
-  EXPECT_EQ(log.countContaining("DBG ~TransferEventHandler() ["), 1u) << log.text();
+  EXPECT_EQ(browser_.runAsyncCalls(), 1);
+  EXPECT_TRUE(browser_.invocations.empty());
+  EXPECT_EQ(log_.countContaining("DBG ~TransferEventHandler() ["), 1u) << log_.text();
 }
 
 TEST_F(CallbacksTest, AKeptTargetLivesUntilAnotherOrTheEnd) {
-  NPObject* const target = browser.newObject();
-  NPObject* const other = browser.newObject();
-  TransferEventHandler handler(&browser.instance, target);
+  NPObject* const target = browser_.newObject();
+  NPObject* const other = browser_.newObject();
+  TransferEventHandler handler(&browser_.instance, target);
   handler.keepTarget(other);  // not the target
   EXPECT_EQ(other->referenceCount, 0u);
   handler.keepTarget(target);
   handler.keepTarget(target);
   EXPECT_EQ(target->referenceCount, 1u);
   handler.transferEventOccurred("{}");
-  EXPECT_EQ(browser.runAsyncCalls(), 1);
-  EXPECT_EQ(browser.invocations.size(), 1u);
+  EXPECT_EQ(browser_.runAsyncCalls(), 1);
+  EXPECT_EQ(browser_.invocations.size(), 1u);
   handler.setTarget(other);
   EXPECT_EQ(target->referenceCount, 0u);
   handler.keepTarget(other);
@@ -175,15 +175,15 @@ TEST_F(CallbacksTest, AKeptTargetLivesUntilAnotherOrTheEnd) {
 }
 
 TEST_F(CallbacksTest, ThePageMayEndTheHandlerInsideItsEvent) {
-  auto handler = std::make_unique<TransferEventHandler>(&browser.instance, nullptr);
-  NPObject* const target = browser.newObject();
+  auto handler = std::make_unique<TransferEventHandler>(&browser_.instance, nullptr);
+  NPObject* const target = browser_.newObject();
   handler->setTarget(target);
-  browser.onInvokeDefault = [&handler](NPObject*, const std::vector<std::string>&) {
+  browser_.onInvokeDefault = [&handler](NPObject*, const std::vector<std::string>&) {
     handler.reset();
     return NPVariant{NPVariantType_Void, {}};
   };
   handler->transferEventOccurred("{}");
-  EXPECT_EQ(browser.runAsyncCalls(), 1);
+  EXPECT_EQ(browser_.runAsyncCalls(), 1);
   EXPECT_FALSE(handler);
 }
 
@@ -191,18 +191,18 @@ TEST_F(CallbacksTest, ThePageMayEndTheHandlerInsideItsEvent) {
 class FinishedDialog : public FileDialog {
  public:
   FinishedDialog(int32_t code, std::string reply, std::vector<std::string> paths)
-      : outcome(code), text(std::move(reply)), chosen(std::move(paths)) {}
+      : outcome_(code), text_(std::move(reply)), chosen_(std::move(paths)) {}
   bool stopped() const override { return false; }
-  int32_t result() const override { return outcome; }
-  std::string resultText() const override { return text; }
+  int32_t result() const override { return outcome_; }
+  std::string resultText() const override { return text_; }
   void run() override {}
   void stop() override {}
-  const std::vector<std::string>& chosenPaths() const override { return chosen; }
+  const std::vector<std::string>& chosenPaths() const override { return chosen_; }
 
  private:
-  int32_t outcome;
-  std::string text;
-  std::vector<std::string> chosen;
+  int32_t outcome_;
+  std::string text_;
+  std::vector<std::string> chosen_;
 };
 
 class DialogCallbackTest : public CallbacksTest {
@@ -210,43 +210,43 @@ class DialogCallbackTest : public CallbacksTest {
   void finish(DialogKind kind, NPObject* function, int32_t result,
               const std::vector<std::string>& chosen) {
     FinishedDialog dialog(result, "[reply %s]", chosen);
-    DialogCallback callback(&browser.instance, function, kind);
+    DialogCallback callback(&browser_.instance, function, kind);
     callback.handleCallback(static_cast<Runnable*>(&dialog));
   }
 };
 
 TEST_F(DialogCallbackTest, ChosenFilesAreApprovedAndTheReplyReachesThePageAtOnce) {
-  finish(DialogKind::kOpenFile, browser.newObject(), 4, {"C:\\dialog\\file"});
+  finish(DialogKind::kOpenFile, browser_.newObject(), 4, {"C:\\dialog\\file"});
   EXPECT_TRUE(isFileAllowed("C:/dialog/file"));
-  EXPECT_EQ(browser.invocations, Calls{{"[reply %s]"}});
-  EXPECT_TRUE(log.has("DBG DialogCallback::handleCallback() - result=4 resultStr=[reply %s]"))
-      << log.text();
+  EXPECT_EQ(browser_.invocations, Calls{{"[reply %s]"}});
+  EXPECT_TRUE(log_.has("DBG DialogCallback::handleCallback() - result=4 resultStr=[reply %s]"))
+      << log_.text();
 }
 
 TEST_F(DialogCallbackTest, ACancelledDialogStillCallsThePage) {
-  finish(DialogKind::kSaveFile, browser.newObject(), 4, {});
-  EXPECT_EQ(browser.invocations, Calls{{"[reply %s]"}});
+  finish(DialogKind::kSaveFile, browser_.newObject(), 4, {});
+  EXPECT_EQ(browser_.invocations, Calls{{"[reply %s]"}});
 }
 
 TEST_F(DialogCallbackTest, AResultOfZeroIsTheEndOfIt) {
-  finish(DialogKind::kOpenFile, browser.newObject(), 0, {"C:/dialog/zero"});
+  finish(DialogKind::kOpenFile, browser_.newObject(), 0, {"C:/dialog/zero"});
   EXPECT_FALSE(isFileAllowed("C:/dialog/zero"));
-  EXPECT_TRUE(browser.invocations.empty());
+  EXPECT_TRUE(browser_.invocations.empty());
 }
 
 TEST_F(DialogCallbackTest, WithoutAPageObjectTheChoiceIsRecordedAndNothingCalled) {
   finish(DialogKind::kOpenFile, nullptr, 4, {"C:/dialog/no page"});
   EXPECT_TRUE(isFileAllowed("C:/dialog/no page"));
-  EXPECT_TRUE(browser.invocations.empty());
+  EXPECT_TRUE(browser_.invocations.empty());
 }
 
 TEST_F(DialogCallbackTest, ASavePathIsNotApprovedAsAFile) {
-  finish(DialogKind::kSaveFile, browser.newObject(), 4, {"C:/dialog/saved"});
+  finish(DialogKind::kSaveFile, browser_.newObject(), 4, {"C:/dialog/saved"});
   EXPECT_FALSE(isFileAllowed("C:/dialog/saved"));
 }
 
 TEST_F(DialogCallbackTest, AFolderIsApprovedThoughItsInstanceIsGone) {
-  finish(DialogKind::kOpenFolder, browser.newObject(), 4, {"C:/dialog/folder"});
+  finish(DialogKind::kOpenFolder, browser_.newObject(), 4, {"C:/dialog/folder"});
   EXPECT_TRUE(isFileAllowed("C:/dialog/folder"));
 }
 

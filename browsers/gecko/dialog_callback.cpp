@@ -9,7 +9,7 @@
 namespace Vantrel::Web::Gecko {
 
 DialogCallback::DialogCallback(NPP instance, NPObject* function, DialogKind kind)
-    : callbackObject(function), npp(instance), dialogKind(kind) {}
+    : callbackObject_(function), npp_(instance), dialogKind_(kind) {}
 
 void DialogCallback::handleCallback(void* argument) {
   const auto* const dialog = static_cast<FileDialog*>(static_cast<Runnable*>(argument));
@@ -23,17 +23,17 @@ void DialogCallback::handleCallback(void* argument) {
 
 void DialogCallback::recordChoice(const std::vector<std::string>& chosen) const {
   if (chosen.empty()) return;
-  if (dialogKind != DialogKind::kSaveFile) addToApprovedFileList(chosen);
-  if (dialogKind == DialogKind::kOpenFile) return;
+  if (dialogKind_ != DialogKind::kSaveFile) addToApprovedFileList(chosen);
+  if (dialogKind_ == DialogKind::kOpenFile) return;
   // The dialog's message loop may have ended the instance.
-  const auto* const plugin = static_cast<ovOrvaneWebPlugin*>(npp->pdata);
-  if (plugin) plugin->core->setLastSelectedPath(chosen.front());
+  const auto* const plugin = static_cast<ovOrvaneWebPlugin*>(npp_->pdata);
+  if (plugin != nullptr) plugin->core->setLastSelectedPath(chosen.front());
 }
 
 void DialogCallback::returnMessage(const std::string& text) {
-  if (!callbackObject) return;
+  if (!callbackObject_) return;
   OV_DEBUG("RequestCallback::returnMessage() - response=%s", text.c_str());
-  StringCallbackMessage message(npp, callbackObject.get());
+  StringCallbackMessage message(npp_, callbackObject_.get());
   message.text = text;
   message.deliver();
 }

@@ -22,9 +22,9 @@ class DialogCallback : public Callback {
  private:
   void recordChoice(const std::vector<std::string>& chosen) const;
 
-  RetainedObject callbackObject;
-  NPP npp;
-  DialogKind dialogKind;
+  RetainedObject callbackObject_;
+  NPP npp_;
+  DialogKind dialogKind_;
 };
 
 }  // namespace Vantrel::Web::Gecko

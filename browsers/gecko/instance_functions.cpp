@@ -16,7 +16,7 @@ namespace {
 constexpr int32_t kWriteReady = 0x0FFFFFFF;
 
 ovOrvaneWebPlugin* pluginOf(NPP instance) {
-  return instance ? static_cast<ovOrvaneWebPlugin*>(instance->pdata) : nullptr;
+  return instance != nullptr ? static_cast<ovOrvaneWebPlugin*>(instance->pdata) : nullptr;
 }
 
 // Runs `function` on the instance's plug-in, or gives `otherwise`; what it throws is logged.
@@ -24,7 +24,7 @@ template <class Result, class Function>
 Result withPlugin(NPP instance, Result otherwise, Function function) {
   try {
     ovOrvaneWebPlugin* const plugin = pluginOf(instance);
-    return plugin ? function(*plugin) : otherwise;
+    return plugin != nullptr ? function(*plugin) : otherwise;
   } catch (const std::exception& exception) {
     ov_err("%s", exception.what());
   }
@@ -34,12 +34,12 @@ Result withPlugin(NPP instance, Result otherwise, Function function) {
 NPError NP_ABI NPP_New(NPMIMEType, NPP instance, uint16_t, int16_t argc, char* argn[], char* argv[],
                        NPSavedData*) {
   OV_DEBUG("NPP_New() [%p]", static_cast<void*>(instance));
-  if (!instance) return NPERR_INVALID_INSTANCE_ERROR;
+  if (instance == nullptr) return NPERR_INVALID_INSTANCE_ERROR;
   try {
     OV_DEBUG("Plugin parameters:");
     ovOrvaneWebPlugin::Parameters pluginParameters;
     for (int16_t i = 0; i < argc; ++i) {
-      if (!argn[i] || !argv[i]) continue;
+      if (argn[i] == nullptr || argv[i] == nullptr) continue;
       OV_DEBUG("  %s = %s", argn[i], argv[i]);
       pluginParameters[argn[i]] = argv[i];
     }
@@ -54,7 +54,7 @@ NPError NP_ABI NPP_New(NPMIMEType, NPP instance, uint16_t, int16_t argc, char* a
 
 NPError NP_ABI NPP_Destroy(NPP instance, NPSavedData**) {
   OV_DEBUG("NPP_Destroy() [%p]", static_cast<void*>(instance));
-  if (!instance) {
+  if (instance == nullptr) {
     ov_err("NPP_Destroy() - Null instance");
     return NPERR_INVALID_INSTANCE_ERROR;
   }
@@ -92,7 +92,7 @@ NPError NP_ABI NPP_DestroyStream(NPP instance, NPStream* stream, NPReason reason
 
 void NP_ABI NPP_StreamAsFile(NPP instance, NPStream*, const char* fileName) {
   OV_DEBUG("NPP_StreamAsFile()");
-  if (instance && fileName) ov_log("%s", fileName);
+  if (instance != nullptr && fileName != nullptr) ov_log("%s", fileName);
 }
 
 int32_t NP_ABI NPP_WriteReady(NPP, NPStream*) {
@@ -114,8 +114,8 @@ void NP_ABI NPP_Print(NPP, void*) {
 
 int16_t NP_ABI NPP_HandleEvent(NPP instance, void* event) {
   OV_DEBUG("NPP_HandleEvent()");
-  if (!instance) return NPERR_INVALID_INSTANCE_ERROR;
-  if (!event) return 0;
+  if (instance == nullptr) return NPERR_INVALID_INSTANCE_ERROR;
+  if (event == nullptr) return 0;
   return withPlugin(instance, int16_t{NPERR_INVALID_INSTANCE_ERROR},
                     [=](ovOrvaneWebPlugin& plugin) { return plugin.handleEvent(event); });
 }
@@ -127,7 +127,7 @@ void NP_ABI NPP_URLNotify(NPP, const char*, NPReason, void*) {
 NPError NP_ABI NPP_GetValue(NPP instance, NPPVariable variable, void* value) {
   OV_DEBUG("NPP_GetValue()");
   return withPlugin(instance, NPERR_INVALID_INSTANCE_ERROR, [=](ovOrvaneWebPlugin& plugin) {
-    if (variable == NPPVpluginScriptableNPObject && value) {
+    if (variable == NPPVpluginScriptableNPObject && value != nullptr) {
       *static_cast<NPObject**>(value) = plugin.getScriptableObject();
     }
     return NPERR_NO_ERROR;
@@ -143,7 +143,7 @@ NPError NP_ABI NPP_SetValue(NPP, NPNVariable, void*) {
 
 NPError OW_PopulatePluginFunctionTable(NPPluginFuncs* funcs) {
   OV_DEBUG("OW_PopulatePluginFunctionTable()");
-  if (!funcs) {
+  if (funcs == nullptr) {
     ov_err("OW_PopulatePluginFunctionTable() - Null argument");
     return NPERR_INVALID_FUNCTABLE_ERROR;
   }

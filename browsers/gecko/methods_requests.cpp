@@ -26,7 +26,7 @@ bool ovOrvaneWebPlugin::vantrelHttpRequestAsync(const NPVariant* args, uint32_t 
   }
   const std::string error = core->vantrelHttpRequestAsync(
       textOf(args[0]), textOf(args[1]), textOf(args[2]),
-      std::make_unique<RequestCallback>(npp, args[3].value.objectValue));
+      std::make_unique<RequestCallback>(npp_, args[3].value.objectValue));
   if (error.empty()) {
     setNull(result);
   } else {
@@ -43,7 +43,7 @@ bool ovOrvaneWebPlugin::httpRequestImplementation(const NPVariant* args, uint32_
   }
   core->httpRequestImplementation(
       textOf(args[0]), textOf(args[1]), textOf(args[2]),
-      std::make_unique<RequestCallback>(npp, args[3].value.objectValue));
+      std::make_unique<RequestCallback>(npp_, args[3].value.objectValue));
   setNull(result);
   return true;
 }

@@ -38,7 +38,7 @@ bool ovOrvaneWebPlugin::initSession(const NPVariant* args, uint32_t argCount, NP
   std::string reply;
   try {
     reply = core->initSession(textOf(args[0]), textOf(args[1]));
-    if (view) view->markSession(true);
+    if (view_) view_->markSession(true);
   } catch (const std::exception& exception) {
     reply = exceptionJsonErrorReply(exception, kErrorInitializingSession);
   }
@@ -82,9 +82,9 @@ bool ovOrvaneWebPlugin::displayTransferManager(const NPVariant*, uint32_t argCou
 }
 
 bool ovOrvaneWebPlugin::handleDrop(const NPVariant* args, uint32_t argCount, NPVariant* result) {
-  if (!view || argCount > 1) return false;
+  if (!view_ || argCount > 1) return false;
   if (argCount == 1 && !argumentsAre({Argument::kObject}, args, argCount)) return false;
-  if (argCount == 1) view->handleDrop(args);
+  if (argCount == 1) view_->handleDrop(args);
   setVoid(result);
   return true;
 }

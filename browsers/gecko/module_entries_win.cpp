@@ -85,7 +85,8 @@ extern "C" {
 
 NPError NP_ABI NP_Initialize(NPNetscapeFuncs* funcs) {
   try {
-    return funcs ? Vantrel::Web::Gecko::initialize(funcs) : Vantrel::Web::Gecko::refuseNullTable();
+    return funcs != nullptr ? Vantrel::Web::Gecko::initialize(funcs)
+                            : Vantrel::Web::Gecko::refuseNullTable();
   } catch (const std::exception& exception) {
     ov_err("%s", exception.what());
     return NPERR_GENERIC_ERROR;

@@ -38,12 +38,12 @@ DropMode dropModeOf(const std::string& text) {
 
 std::string userAgent(NPP npp) {
   const char* const text = browserFuncs.uagent(npp);
-  return text ? text : "";
+  return text != nullptr ? text : "";
 }
 
 }  // namespace
 
-ovOrvaneWebPlugin::ovOrvaneWebPlugin(NPP instance, Parameters& pluginParameters) : npp(instance) {
+ovOrvaneWebPlugin::ovOrvaneWebPlugin(NPP instance, Parameters& pluginParameters) : npp_(instance) {
   OV_DEBUG("ovOrvaneWebPlugin() [%p]", static_cast<void*>(this));
   try {
     initialize(pluginParameters);
@@ -56,27 +56,27 @@ ovOrvaneWebPlugin::ovOrvaneWebPlugin(NPP instance, Parameters& pluginParameters)
 
 void ovOrvaneWebPlugin::initialize(const Parameters& parameters) {
   const int32_t wait = launchWait(parameter(parameters, "vantrel-launch-wait-timeout-ms"));
-  transparent = parameter(parameters, "transparent") == "yes";
+  transparent_ = parameter(parameters, "transparent") == "yes";
   core = std::make_unique<Plugin>();
-  core->setUserAgent(userAgent(npp));
-  core->hostname = pageHostname(npp);
+  core->setUserAgent(userAgent(npp_));
+  core->hostname = pageHostname(npp_);
   core->init(wait);
   core->setParameters(parameters);
-  oneShotManager = std::make_unique<OneShotManager>();
-  imageUrl = parameter(parameters, "image");
-  dropMode = dropModeOf(parameter(parameters, "drop-mode"));
-  dropAllowDirectories = parameter(parameters, "drop-allow-directories") == "true";
-  dropAllowMultiple = parameter(parameters, "drop-allow-multiple") == "true";
+  oneShotManager_ = std::make_unique<OneShotManager>();
+  imageUrl_ = parameter(parameters, "image");
+  dropMode_ = dropModeOf(parameter(parameters, "drop-mode"));
+  dropAllowDirectories_ = parameter(parameters, "drop-allow-directories") == "true";
+  dropAllowMultiple_ = parameter(parameters, "drop-allow-multiple") == "true";
   createScriptObject();
-  transferEventHandler = std::make_unique<TransferEventHandler>(npp, nullptr);
-  core->getTransfersPoller()->addListener(transferEventHandler.get());
+  transferEventHandler_ = std::make_unique<TransferEventHandler>(npp_, nullptr);
+  core->getTransfersPoller()->addListener(transferEventHandler_.get());
 }
 
 void ovOrvaneWebPlugin::createScriptObject() {
-  scriptObject =
-      reinterpret_cast<ovOrvaneWebScriptObject*>(browserFuncs.createobject(npp, scriptClass()));
-  if (!scriptObject) throw std::runtime_error("Failed to create the script object");
-  scriptObject->plugin = this;
+  scriptObject_ =
+      reinterpret_cast<ovOrvaneWebScriptObject*>(browserFuncs.createobject(npp_, scriptClass()));
+  if (scriptObject_ == nullptr) throw std::runtime_error("Failed to create the script object");
+  scriptObject_->plugin = this;
 }
 
 ovOrvaneWebPlugin::~ovOrvaneWebPlugin() {
@@ -88,28 +88,28 @@ ovOrvaneWebPlugin::~ovOrvaneWebPlugin() {
 void ovOrvaneWebPlugin::teardown() noexcept {
   try {
     // The page may keep the script object; from now on it answers false.
-    if (scriptObject) scriptObject->plugin = nullptr;
+    if (scriptObject_ != nullptr) scriptObject_->plugin = nullptr;
     // No transfer event starts once the listener has left.
-    if (transferEventHandler && core) {
-      core->getTransfersPoller()->removeListener(transferEventHandler.get());
+    if (transferEventHandler_ && core) {
+      core->getTransfersPoller()->removeListener(transferEventHandler_.get());
     }
-    transferEventHandler.reset();
-    imageData.clear();
-    view.reset();
+    transferEventHandler_.reset();
+    imageData_.clear();
+    view_.reset();
     core.reset();
-    if (oneShotManager) RunnableScheduler::stopRunnables(oneShotManager.get());
-    oneShotManager.reset();
+    if (oneShotManager_) RunnableScheduler::stopRunnables(oneShotManager_.get());
+    oneShotManager_.reset();
   } catch (const std::exception& exception) {
     ov_err("Plugin cleanup error: %s", exception.what());
   }
 }
 
 NPObject* ovOrvaneWebPlugin::getScriptableObject() {
-  return browserFuncs.retainobject(scriptObject);
+  return browserFuncs.retainobject(scriptObject_);
 }
 
 int16_t ovOrvaneWebPlugin::handleEvent(void* event) {
-  return view && eventsEnabled ? view->handleEvent(event) : int16_t{0};
+  return view_ && eventsEnabled_ ? view_->handleEvent(event) : int16_t{0};
 }
 
 namespace {
@@ -123,29 +123,29 @@ NPObject* objectOf(const NPVariant& value) {
 void ovOrvaneWebPlugin::setDropObserver(const NPVariant& value) {
   // Retained first: the old and the new one may be the same object.
   NPObject* const observer = objectOf(value);
-  if (observer) browserFuncs.retainobject(observer);
-  if (NPObject* const former = std::exchange(dropObserver, nullptr)) {
+  if (observer != nullptr) browserFuncs.retainobject(observer);
+  if (NPObject* const former = std::exchange(dropObserver_, nullptr); former != nullptr) {
     browserFuncs.releaseobject(former);
     ov_log("Drop observer removed");
   }
-  if (observer) {
-    dropObserver = observer;
+  if (observer != nullptr) {
+    dropObserver_ = observer;
     ov_log("Drop observer set");
   }
 }
 
 void ovOrvaneWebPlugin::setEventHandler(const NPVariant& value) {
   NPObject* const handler = objectOf(value);
-  if (handler) browserFuncs.retainobject(handler);
-  if (NPObject* const former = std::exchange(eventHandler, nullptr)) {
+  if (handler != nullptr) browserFuncs.retainobject(handler);
+  if (NPObject* const former = std::exchange(eventHandler_, nullptr); former != nullptr) {
     // Events go on to the former function until there is another.
-    transferEventHandler->keepTarget(former);
+    transferEventHandler_->keepTarget(former);
     browserFuncs.releaseobject(former);
     ov_log("Event handler removed");
   }
-  if (handler) {
-    eventHandler = handler;
-    transferEventHandler->setTarget(handler);
+  if (handler != nullptr) {
+    eventHandler_ = handler;
+    transferEventHandler_->setTarget(handler);
     ov_log("Event handler set");
   }
 }

@@ -55,8 +55,8 @@ class ovOrvaneWebPlugin : public ovIOrvaneWebViewDelegate {
   // The page's properties that hold an object. Setting a value that is no object clears them.
   void setDropObserver(const NPVariant& value);
   void setEventHandler(const NPVariant& value);
-  NPObject* getDropObserver() const { return dropObserver; }
-  NPObject* getEventHandler() const { return eventHandler; }
+  NPObject* getDropObserver() const { return dropObserver_; }
+  NPObject* getEventHandler() const { return eventHandler_; }
 
   // The page's methods. False means that the arguments are wrong; then nothing was done.
   bool addToDownloadList(const NPVariant* args, uint32_t argCount, NPVariant* result);
@@ -100,23 +100,23 @@ class ovOrvaneWebPlugin : public ovIOrvaneWebViewDelegate {
   // Ends everything that initialize() made, as far as it came.
   void teardown() noexcept;
 
-  NPP npp;
+  NPP npp_;
   // Expires with the instance, for code that calls a page function and then goes on.
-  std::shared_ptr<bool> lifeToken = std::make_shared<bool>(true);
-  std::unique_ptr<OneShotManager> oneShotManager;
-  std::unique_ptr<TransferEventHandler> transferEventHandler;
-  std::string imageUrl;
-  DropMode dropMode = DropMode::kNone;
-  bool dropAllowDirectories = false;
-  bool dropAllowMultiple = false;
-  std::unique_ptr<ovOrvaneWebView> view;
-  std::vector<unsigned char> imageData;  // what the browser's stream has brought so far
+  std::shared_ptr<bool> lifeToken_ = std::make_shared<bool>(true);
+  std::unique_ptr<OneShotManager> oneShotManager_;
+  std::unique_ptr<TransferEventHandler> transferEventHandler_;
+  std::string imageUrl_;
+  DropMode dropMode_ = DropMode::kNone;
+  bool dropAllowDirectories_ = false;
+  bool dropAllowMultiple_ = false;
+  std::unique_ptr<ovOrvaneWebView> view_;
+  std::vector<unsigned char> imageData_;  // what the browser's stream has brought so far
   // These three keep their references when the instance ends.
-  ovOrvaneWebScriptObject* scriptObject = nullptr;
-  NPObject* dropObserver = nullptr;
-  NPObject* eventHandler = nullptr;
-  bool eventsEnabled = false;
-  bool transparent = false;
+  ovOrvaneWebScriptObject* scriptObject_ = nullptr;
+  NPObject* dropObserver_ = nullptr;
+  NPObject* eventHandler_ = nullptr;
+  bool eventsEnabled_ = false;
+  bool transparent_ = false;
 };
 
 }  // namespace Vantrel::Web::Gecko

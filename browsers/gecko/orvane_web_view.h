@@ -45,7 +45,7 @@ class ovOrvaneWebView {
   void setTransparent(bool flag);
 
  private:
-  std::unique_ptr<ovIOrvaneWebViewImpl> impl;
+  std::unique_ptr<ovIOrvaneWebViewImpl> impl_;
 };
 
 }  // namespace Vantrel::Web::Gecko

@@ -13,19 +13,19 @@ namespace {
 // A string argument whose characters go back to the browser's allocator.
 class StringArgument {
  public:
-  explicit StringArgument(const std::string& text) { stringToVariant(text, &variant); }
+  explicit StringArgument(const std::string& text) { stringToVariant(text, &variant_); }
   ~StringArgument() {
-    if (variant.value.stringValue.UTF8Characters) {
-      browserFuncs.memfree(const_cast<char*>(variant.value.stringValue.UTF8Characters));
+    if (variant_.value.stringValue.UTF8Characters != nullptr) {
+      browserFuncs.memfree(const_cast<char*>(variant_.value.stringValue.UTF8Characters));
     }
   }
   StringArgument(const StringArgument&) = delete;
   StringArgument& operator=(const StringArgument&) = delete;
 
-  const NPVariant& get() const { return variant; }
+  const NPVariant& get() const { return variant_; }
 
  private:
-  NPVariant variant;
+  NPVariant variant_;
 };
 
 // A returned string is left to the browser as it is; any other value is released.
@@ -54,7 +54,7 @@ void callPage(NPP npp, NPObject* function, const std::string& text) {
 }
 
 void callMethod(NPP npp, NPObject* object, const char* method, const std::string& text) {
-  if (!object) return;
+  if (object == nullptr) return;
   const NPIdentifier name = browserFuncs.getstringidentifier(method);
   if (!browserFuncs.hasmethod(npp, object, name)) return;
   const RetainedObject running(object);
@@ -64,7 +64,7 @@ void callMethod(NPP npp, NPObject* object, const char* method, const std::string
 }
 
 void sendEvent(NPP npp, NPObject* target, PageEvent event, const std::string& payload) {
-  if (!target) return;
+  if (target == nullptr) return;
   const StringArgument name(pageEventName(event));
   const StringArgument text(payload);
   const NPVariant args[] = {name.get(), text.get()};

@@ -19,11 +19,12 @@ NPVariant property(NPP npp, NPObject* object, const char* name) {
 
 std::string locationHostname(NPP npp) {
   NPObject* window = nullptr;
-  if (browserFuncs.getvalue(npp, NPNVWindowNPObject, &window) != NPERR_NO_ERROR || !window) {
+  if (browserFuncs.getvalue(npp, NPNVWindowNPObject, &window) != NPERR_NO_ERROR ||
+      window == nullptr) {
     return {};
   }
   const NPVariant location = property(npp, window, "location");
-  if (location.type != NPVariantType_Object || !location.value.objectValue) return {};
+  if (location.type != NPVariantType_Object || location.value.objectValue == nullptr) return {};
   return countedTextOf(property(npp, location.value.objectValue, "hostname"));
 }
 

@@ -14,13 +14,13 @@ namespace Vantrel::Web::Gecko {
 void ovOrvaneWebPlugin::doDrop(std::vector<std::string>& files) {
   OV_DEBUG("ovOrvaneWebPlugin::doDrop()");
   addToApprovedFileList(files);
-  if (dropMode == DropMode::kUpload) core->uploadDropped(files);
-  if (dropMode == DropMode::kCallback) {
-    const std::weak_ptr<bool> alive = lifeToken;
-    callMethod(npp, dropObserver, "onDrop", escapedPathList(files));
+  if (dropMode_ == DropMode::kUpload) core->uploadDropped(files);
+  if (dropMode_ == DropMode::kCallback) {
+    const std::weak_ptr<bool> alive = lifeToken_;
+    callMethod(npp_, dropObserver_, "onDrop", escapedPathList(files));
     // The observer's script may have ended the instance, and its view and files with it.
     if (alive.expired()) return;
-    sendEvent(npp, eventHandler, PageEvent::kDrop, jsonPathArray(files));
+    sendEvent(npp_, eventHandler_, PageEvent::kDrop, jsonPathArray(files));
     if (alive.expired()) return;
   }
   files.clear();
@@ -45,7 +45,7 @@ void ovOrvaneWebPlugin::doDragLeave() {
 }
 
 void ovOrvaneWebPlugin::tellPage(PageEvent event, const std::string& payload) {
-  if (dropMode == DropMode::kCallback) sendEvent(npp, eventHandler, event, payload);
+  if (dropMode_ == DropMode::kCallback) sendEvent(npp_, eventHandler_, event, payload);
 }
 
 }  // namespace Vantrel::Web::Gecko

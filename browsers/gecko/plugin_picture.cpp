@@ -9,18 +9,19 @@
 namespace Vantrel::Web::Gecko {
 
 bool ovOrvaneWebPlugin::setWindow(NPWindow* window, NPP instance) {
-  if (!window) return true;
-  if (view) {
-    view->updateWindow(window);
+  if (window == nullptr) return true;
+  if (view_) {
+    view_->updateWindow(window);
     return true;
   }
-  view = std::make_unique<ovOrvaneWebView>(nullptr);
-  view->init(window, instance, dropMode != DropMode::kNone, dropAllowDirectories,
-             dropAllowMultiple);
-  view->setBrowserHost(core->getBrowserHost());
-  view->setTransparent(transparent);
-  if (!imageUrl.empty() && browserFuncs.geturlnotify(npp, imageUrl.c_str(), nullptr, nullptr)) {
-    ov_log("WARNING: Unable to load image from URL: %s", imageUrl.c_str());
+  view_ = std::make_unique<ovOrvaneWebView>(nullptr);
+  view_->init(window, instance, dropMode_ != DropMode::kNone, dropAllowDirectories_,
+              dropAllowMultiple_);
+  view_->setBrowserHost(core->getBrowserHost());
+  view_->setTransparent(transparent_);
+  if (!imageUrl_.empty() &&
+      browserFuncs.geturlnotify(npp_, imageUrl_.c_str(), nullptr, nullptr) != NPERR_NO_ERROR) {
+    ov_log("WARNING: Unable to load image from URL: %s", imageUrl_.c_str());
   }
   return true;
 }
@@ -32,25 +33,25 @@ bool ovOrvaneWebPlugin::createStream(NPMIMEType, NPStream* stream, NPBool, uint1
 }
 
 int32_t ovOrvaneWebPlugin::write(NPStream* stream, int32_t offset, int32_t length, void* buffer) {
-  if (imageUrl != stream->url || offset < 0 || length < 0) return -1;
+  if (imageUrl_ != stream->url || offset < 0 || length < 0) return -1;
   // Two 31-bit numbers; the browser sends what it has downloaded, so the data grows no faster than
   // that.
   const auto begin = static_cast<size_t>(offset);
   const auto bytes = static_cast<size_t>(length);
   try {
-    imageData.resize(begin + bytes);
+    imageData_.resize(begin + bytes);
   } catch (const std::bad_alloc&) {
     return -1;
   }
-  if (bytes != 0) std::memcpy(imageData.data() + begin, buffer, bytes);
+  if (bytes != 0) std::memcpy(imageData_.data() + begin, buffer, bytes);
   return length;
 }
 
 bool ovOrvaneWebPlugin::destroyStream(NPStream* stream, NPReason) {
   OV_DEBUG("ovOrvaneWebPlugin::destroyStream()");
-  if (imageUrl != stream->url) return false;
-  if (view) view->setImage(imageData.data(), static_cast<uint32_t>(imageData.size()));
-  imageData = {};
+  if (imageUrl_ != stream->url) return false;
+  if (view_) view_->setImage(imageData_.data(), static_cast<uint32_t>(imageData_.size()));
+  imageData_ = {};
   return true;
 }
 

@@ -10,23 +10,23 @@
 namespace Vantrel::Web::Gecko {
 
 RequestCallback::RequestCallback(NPP instance, NPObject* function)
-    : message(std::make_unique<StringCallbackMessage>(instance, function)), npp(instance) {}
+    : message_(std::make_unique<StringCallbackMessage>(instance, function)), npp_(instance) {}
 
 void RequestCallback::handleCallback(void* argument) {
   try {
     const auto* const response = static_cast<const HttpResponse*>(argument);
-    returnMessage(response ? response->body() : jsonErrorReply(kErrorContacting));
+    returnMessage(response != nullptr ? response->body() : jsonErrorReply(kErrorContacting));
   } catch (const std::exception& exception) {
     ov_err("%s", exception.what());
-    message.reset();
+    message_.reset();
   }
 }
 
 void RequestCallback::returnMessage(const std::string& text) {
   OV_DEBUG("RequestCallback::returnMessage() - response=%s", text.c_str());
-  if (!message) return;
-  message->text = text;
-  postToBrowser(npp, std::move(message));
+  if (!message_) return;
+  message_->text = text;
+  postToBrowser(npp_, std::move(message_));
 }
 
 }  // namespace Vantrel::Web::Gecko

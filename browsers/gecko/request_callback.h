@@ -22,8 +22,8 @@ class RequestCallback : public Callback {
   void returnMessage(const std::string& text) override;
 
  private:
-  std::unique_ptr<StringCallbackMessage> message;  // until it is handed over
-  NPP npp;
+  std::unique_ptr<StringCallbackMessage> message_;  // until it is handed over
+  NPP npp_;
 };
 
 }  // namespace Vantrel::Web::Gecko

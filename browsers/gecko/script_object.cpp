@@ -28,7 +28,7 @@ std::optional<std::string> nameOf(NPIdentifier identifier) {
 }
 
 ovOrvaneWebPlugin* pluginOf(NPObject* object) {
-  return object ? static_cast<ovOrvaneWebScriptObject*>(object)->plugin : nullptr;
+  return object != nullptr ? static_cast<ovOrvaneWebScriptObject*>(object)->plugin : nullptr;
 }
 
 // What the browser gets when even an answer cannot be made.
@@ -55,7 +55,7 @@ bool callMethod(ovOrvaneWebPlugin& plugin, const NamedScriptMethod& method, cons
 }
 
 void objectToVariant(NPObject* object, NPVariant* result) {
-  if (!object) return setNull(result);
+  if (object == nullptr) return setNull(result);
   // The browser releases what it is handed.
   *result = {NPVariantType_Object, {}};
   result->value.objectValue = browserFuncs.retainobject(object);
@@ -132,7 +132,7 @@ void NP_ABI ignore(NPObject*) {}
 bool NP_ABI hasMethod(NPObject*, NPIdentifier identifier) {
   return guarded([identifier] {
     const std::optional<std::string> name = nameOf(identifier);
-    return name && findScriptMethod(*name);
+    return name && findScriptMethod(*name) != nullptr;
   });
 }
 
@@ -140,10 +140,10 @@ bool NP_ABI invoke(NPObject* object, NPIdentifier identifier, const NPVariant* a
                    uint32_t argCount, NPVariant* result) {
   return guarded([=] {
     ovOrvaneWebPlugin* const plugin = pluginOf(object);
-    if (!plugin) return false;
+    if (plugin == nullptr) return false;
     const std::optional<std::string> name = nameOf(identifier);
     const NamedScriptMethod* const method = name ? findScriptMethod(*name) : nullptr;
-    return method && callMethod(*plugin, *method, args, argCount, result);
+    return method != nullptr && callMethod(*plugin, *method, args, argCount, result);
   });
 }
 
@@ -162,16 +162,16 @@ bool NP_ABI hasProperty(NPObject*, NPIdentifier identifier) {
 bool NP_ABI getProperty(NPObject* object, NPIdentifier identifier, NPVariant* result) {
   return guarded([=] {
     ovOrvaneWebPlugin* const plugin = pluginOf(object);
-    const ScriptProperty* const property = plugin ? findProperty(identifier) : nullptr;
-    return property && property->read(*plugin, result);
+    const ScriptProperty* const property = plugin != nullptr ? findProperty(identifier) : nullptr;
+    return property != nullptr && property->read(*plugin, result);
   });
 }
 
 bool NP_ABI setProperty(NPObject* object, NPIdentifier identifier, const NPVariant* value) {
   return guarded([=] {
     ovOrvaneWebPlugin* const plugin = pluginOf(object);
-    const ScriptProperty* const property = plugin ? findProperty(identifier) : nullptr;
-    return property && property->write(*plugin, *value);
+    const ScriptProperty* const property = plugin != nullptr ? findProperty(identifier) : nullptr;
+    return property != nullptr && property->write(*plugin, *value);
   });
 }
 

@@ -15,28 +15,28 @@ namespace {
 class TransferEvent : public AsyncCall {
  public:
   TransferEvent(std::weak_ptr<TransferEventHandler*> receiver, std::string payload)
-      : handler(std::move(receiver)), text(std::move(payload)) {}
+      : handler_(std::move(receiver)), text_(std::move(payload)) {}
 
   void deliver() override {
     NPP npp = nullptr;
     NPObject* target = nullptr;
     // Only for this moment: the page function may end the instance.
-    if (const std::shared_ptr<TransferEventHandler*> receiver = handler.lock()) {
+    if (const std::shared_ptr<TransferEventHandler*> receiver = handler_.lock()) {
       npp = (*receiver)->npp;
       target = (*receiver)->target;
     }
-    sendEvent(npp, target, PageEvent::kTransfer, text);
+    sendEvent(npp, target, PageEvent::kTransfer, text_);
   }
 
  private:
-  std::weak_ptr<TransferEventHandler*> handler;
-  std::string text;
+  std::weak_ptr<TransferEventHandler*> handler_;
+  std::string text_;
 };
 
 }  // namespace
 
 TransferEventHandler::TransferEventHandler(NPP instance, NPObject* function)
-    : EventHandler(instance, function), self(std::make_shared<TransferEventHandler*>(this)) {
+    : EventHandler(instance, function), self_(std::make_shared<TransferEventHandler*>(this)) {
   OV_DEBUG("TransferEventHandler() [%p]", static_cast<void*>(this));
 }
 
@@ -46,16 +46,16 @@ TransferEventHandler::~TransferEventHandler() {
 
 void TransferEventHandler::setTarget(NPObject* function) {
   target = function;
-  keptTarget.reset();
+  keptTarget_.reset();
 }
 
 void TransferEventHandler::keepTarget(NPObject* function) {
-  if (target == function && !keptTarget) keptTarget = RetainedObject(function);
+  if (target == function && !keptTarget_) keptTarget_ = RetainedObject(function);
 }
 
 void TransferEventHandler::transferEventOccurred(const std::string& text) {
   try {
-    if (target) postToBrowser(npp, std::make_unique<TransferEvent>(self, text));
+    if (target != nullptr) postToBrowser(npp, std::make_unique<TransferEvent>(self_, text));
   } catch (const std::exception& exception) {
     ov_err("%s", exception.what());
   }

@@ -42,9 +42,9 @@ class TransferEventHandler : public EventHandler, public TransferEventListener {
   void transferEventOccurred(const std::string& text) override;
 
  private:
-  RetainedObject keptTarget;
+  RetainedObject keptTarget_;
   // What an event on its way holds of us: expired means that we are gone.
-  std::shared_ptr<TransferEventHandler*> self;
+  std::shared_ptr<TransferEventHandler*> self_;
 };
 
 }  // namespace Vantrel::Web::Gecko

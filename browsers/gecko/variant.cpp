@@ -13,7 +13,7 @@ namespace {
 std::string_view countedView(const NPVariant& variant) {
   if (variant.type != NPVariantType_String) return {};
   const NPString& string = variant.value.stringValue;
-  if (!string.UTF8Characters) return {};
+  if (string.UTF8Characters == nullptr) return {};
   return {string.UTF8Characters, string.UTF8Length};
 }
 
@@ -94,7 +94,7 @@ void setCopy(std::string_view text, NPVariant* variant) {
   if (text.size() >= UINT32_MAX) return;  // the browser counts in 32 bits
   const auto length = static_cast<uint32_t>(text.size());
   char* const characters = static_cast<char*>(browserFuncs.memalloc(length + 1));
-  if (!characters) return;
+  if (characters == nullptr) return;
   std::memcpy(characters, text.data(), length);
   characters[length] = '\0';
   variant->value.stringValue = {characters, length};
@@ -103,7 +103,7 @@ void setCopy(std::string_view text, NPVariant* variant) {
 }  // namespace
 
 void stringToVariant(const char* text, NPVariant* variant) {
-  if (text) {
+  if (text != nullptr) {
     setCopy(text, variant);
   } else {
     *variant = {NPVariantType_String, {}};

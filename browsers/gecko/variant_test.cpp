@@ -23,26 +23,26 @@ class VariantTest : public testing::Test {
     return result;
   }
 
-  FakeBrowser browser;
+  FakeBrowser browser_;
 };
 
 TEST_F(VariantTest, BooleansAndTheTwoWordsAreBooleanLike) {
   EXPECT_TRUE(isBooleanLike(FakeBrowser::boolean(false)));
-  EXPECT_TRUE(isBooleanLike(browser.text("true")));
-  EXPECT_TRUE(isBooleanLike(browser.text("false")));
-  EXPECT_TRUE(isBooleanLike(browser.text(std::string("true\0x", 6))));
+  EXPECT_TRUE(isBooleanLike(browser_.text("true")));
+  EXPECT_TRUE(isBooleanLike(browser_.text("false")));
+  EXPECT_TRUE(isBooleanLike(browser_.text(std::string("true\0x", 6))));
   for (const char* const text : {"", "True", "truex", "tru", "1"}) {
-    EXPECT_FALSE(isBooleanLike(browser.text(text))) << text;
+    EXPECT_FALSE(isBooleanLike(browser_.text(text))) << text;
   }
   EXPECT_FALSE(isBooleanLike(FakeBrowser::number(1)));
   EXPECT_FALSE(isBooleanLike(FakeBrowser::number(1.0)));
-  EXPECT_FALSE(isBooleanLike(browser.object()));
+  EXPECT_FALSE(isBooleanLike(browser_.object()));
   EXPECT_FALSE(isBooleanLike({NPVariantType_Void, {}}));
   EXPECT_FALSE(isBooleanLike({NPVariantType_Null, {}}));
 }
 
 TEST_F(VariantTest, AWordInsideALargerBufferIsReadByItsLength) {
-  NPVariant variant = browser.text("trueish");
+  NPVariant variant = browser_.text("trueish");
   variant.value.stringValue.UTF8Length = 4;
   EXPECT_TRUE(isBooleanLike(variant));
   EXPECT_TRUE(toBool(variant));
@@ -51,17 +51,17 @@ TEST_F(VariantTest, AWordInsideALargerBufferIsReadByItsLength) {
 TEST_F(VariantTest, OnlyTrueIsTrue) {
   EXPECT_TRUE(toBool(FakeBrowser::boolean(true)));
   EXPECT_FALSE(toBool(FakeBrowser::boolean(false)));
-  EXPECT_TRUE(toBool(browser.text("true")));
-  EXPECT_FALSE(toBool(browser.text("false")));
-  EXPECT_FALSE(toBool(browser.text("TRUE")));
+  EXPECT_TRUE(toBool(browser_.text("true")));
+  EXPECT_FALSE(toBool(browser_.text("false")));
+  EXPECT_FALSE(toBool(browser_.text("TRUE")));
   EXPECT_FALSE(toBool(FakeBrowser::number(1)));
 }
 
 TEST_F(VariantTest, TextEndsAtItsFirstNulUnlessItsLengthCounts) {
-  const NPVariant variant = browser.text(std::string("ab\0cd", 5));
+  const NPVariant variant = browser_.text(std::string("ab\0cd", 5));
   EXPECT_EQ(textOf(variant), "ab");
   EXPECT_EQ(countedTextOf(variant), std::string("ab\0cd", 5));
-  EXPECT_EQ(textOf(browser.text("")), "");
+  EXPECT_EQ(textOf(browser_.text("")), "");
   EXPECT_EQ(countedTextOf(FakeBrowser::number(5)), "");
 }
 
@@ -103,7 +103,7 @@ TEST_F(VariantTest, NumbersGiveTheirLow32BitsTruncatedTowardZero) {
 TEST_F(VariantTest, OnlyIntegersAndDoublesAreNumbers) {
   EXPECT_TRUE(isNumber(FakeBrowser::number(1)));
   EXPECT_TRUE(isNumber(FakeBrowser::number(1.5)));
-  EXPECT_FALSE(isNumber(browser.text("1")));
+  EXPECT_FALSE(isNumber(browser_.text("1")));
   EXPECT_FALSE(isNumber(FakeBrowser::boolean(true)));
 }
 
@@ -122,7 +122,7 @@ TEST_F(VariantTest, ANullTextHasNullCharacters) {
 }
 
 TEST_F(VariantTest, WithoutMemoryTheTextIsEmpty) {
-  browser.outOfMemory = true;
+  browser_.outOfMemory = true;
   NPVariant variant;
   stringToVariant(std::string("text"), &variant);
   EXPECT_EQ(variant.type, NPVariantType_String);
@@ -132,7 +132,7 @@ TEST_F(VariantTest, WithoutMemoryTheTextIsEmpty) {
 
 TEST_F(VariantTest, ArgumentsAreCheckedByCountThenType) {
   using enum Argument;
-  const NPVariant args[] = {browser.text("a"), browser.object(), browser.text("")};
+  const NPVariant args[] = {browser_.text("a"), browser_.object(), browser_.text("")};
   EXPECT_TRUE(argumentsAre({kNonEmptyText, kObject, kText}, args, 3));
   EXPECT_FALSE(argumentsAre({kNonEmptyText, kObject}, args, 3));
   EXPECT_FALSE(argumentsAre({kNonEmptyText, kObject, kText, kText}, args, 3));

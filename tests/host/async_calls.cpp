@@ -7,7 +7,7 @@ namespace Vantrel::Web::Host {
 void AsyncCalls::add(NPP npp, NPAsyncCallFunction function, void* argument) {
   const std::lock_guard<std::mutex> guard(mutex_);
   ++received_;
-  if (mode_ == Mode::drop) {
+  if (mode_ == Mode::kDrop) {
     ++dropped_;
   } else {
     calls_.push_back({npp, function, argument});
@@ -29,7 +29,7 @@ bool AsyncCalls::runOne() {
   Call call{};
   {
     const std::lock_guard<std::mutex> guard(mutex_);
-    if (mode_ == Mode::hold || calls_.empty()) return false;
+    if (mode_ == Mode::kHold || calls_.empty()) return false;
     call = calls_.front();
     calls_.pop_front();
   }

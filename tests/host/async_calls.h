@@ -12,9 +12,9 @@ namespace Vantrel::Web::Host {
 class AsyncCalls {
  public:
   enum class Mode {
-    queue,  // run() runs them
-    hold,   // kept until the mode changes
-    drop,   // forgotten at once
+    kQueue,  // run() runs them
+    kHold,   // kept until the mode changes
+    kDrop,   // forgotten at once
   };
 
   // Any thread.
@@ -42,7 +42,7 @@ class AsyncCalls {
   };
 
   mutable std::mutex mutex_;  // guards everything below
-  Mode mode_ = Mode::queue;
+  Mode mode_ = Mode::kQueue;
   std::deque<Call> calls_;
   int received_ = 0;
   int dropped_ = 0;

@@ -134,14 +134,14 @@ TEST_F(CountingHostTest, AQueuedCallFromAThreadRunsOnTheBrowsersThread) {
 TEST_F(CountingHostTest, HeldCallsWaitAndDroppedOnesNeverRun) {
   PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
-  host().async.setMode(AsyncCalls::Mode::hold);
+  host().async.setMode(AsyncCalls::Mode::kHold);
   instance.call("callBackLater", {function.value()});
   host().pumpOnce();
   EXPECT_TRUE(function->calls.empty());
-  host().async.setMode(AsyncCalls::Mode::queue);
+  host().async.setMode(AsyncCalls::Mode::kQueue);
   host().pumpOnce();
   EXPECT_EQ(function->calls.size(), 1U);
-  host().async.setMode(AsyncCalls::Mode::drop);
+  host().async.setMode(AsyncCalls::Mode::kDrop);
   instance.call("callBackLater", {function.value()});
   host().pumpOnce();
   EXPECT_EQ(function->calls.size(), 1U);
@@ -258,17 +258,17 @@ TEST_F(CountingHostTest, AnAllocationFailsWhenTold) {
 }
 
 TEST_F(CountingHostTest, EveryStepOfTheHostnameLookUpCanBreak) {
-  for (const Step step : {Step::fails, Step::failsButWrites, Step::untouched, Step::null}) {
+  for (const Step step : {Step::kFails, Step::kFailsButWrites, Step::kUntouched, Step::kNull}) {
     host().page.address = {.window = step};
     Instance instance(host());
   }
-  for (const Step step :
-       {Step::fails, Step::failsButWrites, Step::untouched, Step::null, Step::number, Step::text}) {
+  for (const Step step : {Step::kFails, Step::kFailsButWrites, Step::kUntouched, Step::kNull,
+                          Step::kNumber, Step::kText}) {
     host().page.address = {.location = step};
     Instance instance(host());
   }
   for (const Step step :
-       {Step::fails, Step::failsButWrites, Step::untouched, Step::null, Step::number}) {
+       {Step::kFails, Step::kFailsButWrites, Step::kUntouched, Step::kNull, Step::kNumber}) {
     host().page.address = {.hostname = step};
     Instance instance(host());
   }

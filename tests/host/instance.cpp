@@ -146,10 +146,10 @@ void Instance::settleReferences(NPObject* object, int known, const std::string& 
 }
 
 void Instance::settleHostname() {
-  const bool window = address_.window == Step::works;
-  const bool location = window && address_.location == Step::works;
-  const bool text =
-      (location && address_.hostname == Step::works) || (window && address_.location == Step::text);
+  const bool window = address_.window == Step::kWorks;
+  const bool location = window && address_.location == Step::kWorks;
+  const bool text = (location && address_.hostname == Step::kWorks) ||
+                    (window && address_.location == Step::kText);
   if (host_.page.windowOf(&npp_) != nullptr) {
     settleReferences(host_.page.windowOf(&npp_), window ? 1 : 0, "window");
     settleReferences(host_.page.locationOf(&npp_), location ? 1 : 0, "location");

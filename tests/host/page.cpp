@@ -158,14 +158,14 @@ Page::Frame& Page::frameOf(NPP npp) {
 
 NPError Page::window(NPP npp, NPObject** result) {
   switch (address.window) {
-    case Step::fails:
+    case Step::kFails:
       return NPERR_GENERIC_ERROR;
-    case Step::untouched:
+    case Step::kUntouched:
       return NPERR_NO_ERROR;
-    case Step::null:
+    case Step::kNull:
       *result = nullptr;
       return NPERR_NO_ERROR;
-    case Step::failsButWrites:
+    case Step::kFailsButWrites:
       *result = frameOf(npp).window;
       return NPERR_GENERIC_ERROR;
     default:
@@ -176,25 +176,25 @@ NPError Page::window(NPP npp, NPObject** result) {
 
 bool Page::readLocation(NPP npp, NPVariant* result) {
   switch (address.location) {
-    case Step::fails:
+    case Step::kFails:
       return false;
-    case Step::untouched:
+    case Step::kUntouched:
       return true;
-    case Step::null:
+    case Step::kNull:
       result->type = NPVariantType_Null;
       return true;
-    case Step::number:
+    case Step::kNumber:
       result->type = NPVariantType_Int32;
       result->value.intValue = 7;
       return true;
-    case Step::text:
+    case Step::kText:
       result->type = NPVariantType_String;
       result->value.stringValue = {memory_.copyText("other.host", hostnameBlock(npp)), 10};
       return true;
-    case Step::failsButWrites:
+    case Step::kFailsButWrites:
       *result = poisoned();
       return false;
-    case Step::works:
+    case Step::kWorks:
       break;
   }
   result->type = NPVariantType_Object;
@@ -204,18 +204,18 @@ bool Page::readLocation(NPP npp, NPVariant* result) {
 
 bool Page::readHostname(NPP npp, NPVariant* result) {
   switch (address.hostname) {
-    case Step::fails:
+    case Step::kFails:
       return false;
-    case Step::untouched:
+    case Step::kUntouched:
       return true;
-    case Step::null:
+    case Step::kNull:
       result->type = NPVariantType_Null;
       return true;
-    case Step::number:
+    case Step::kNumber:
       result->type = NPVariantType_Int32;
       result->value.intValue = 7;
       return true;
-    case Step::failsButWrites:
+    case Step::kFailsButWrites:
       result->type = NPVariantType_String;
       result->value.stringValue = {"wrong.host", 10};
       return false;

@@ -67,19 +67,19 @@ class PageReference {
 
 // How one step of the hostname look-up ends.
 enum class Step {
-  works,
-  fails,           // the browser says no and leaves the result as it was
-  failsButWrites,  // the browser says no and leaves something in the result
-  untouched,       // the browser says yes and leaves the result as it was
-  null,
-  number,
-  text,  // of `location` only: a text where an object belongs
+  kWorks,
+  kFails,           // the browser says no and leaves the result as it was
+  kFailsButWrites,  // the browser says no and leaves something in the result
+  kUntouched,       // the browser says yes and leaves the result as it was
+  kNull,
+  kNumber,
+  kText,  // of `location` only: a text where an object belongs
 };
 
 struct Address {
-  Step window = Step::works;
-  Step location = Step::works;
-  Step hostname = Step::works;
+  Step window = Step::kWorks;
+  Step location = Step::kWorks;
+  Step hostname = Step::kWorks;
   std::string host = "some.host";
 };
 

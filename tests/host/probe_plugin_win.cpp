@@ -161,7 +161,7 @@ bool keepCallResult(const Call& call) {
   return browser.invokeDefault(nullptr, call.args[0].value.objectValue, nullptr, 0, &result);
 }
 
-const std::map<std::string, bool (*)(const Call&)> methods = {
+const std::map<std::string, bool (*)(const Call&)> kMethods = {
     {"answerText", answerText},
     {"leakMemory", leakMemory},
     {"overrun", overrun},
@@ -200,12 +200,12 @@ void deallocate(NPObject* object) {
 }
 void invalidate(NPObject*) {}
 bool hasMethod(NPObject*, NPIdentifier name) {
-  return methods.contains(nameOf(name));
+  return kMethods.contains(nameOf(name));
 }
 
 bool invoke(NPObject* self, NPIdentifier name, const NPVariant* args, uint32_t, NPVariant* result) {
-  const auto found = methods.find(nameOf(name));
-  return found != methods.end() && found->second({self, args, result});
+  const auto found = kMethods.find(nameOf(name));
+  return found != kMethods.end() && found->second({self, args, result});
 }
 
 NPClass scriptClass = {NP_CLASS_STRUCT_VERSION,

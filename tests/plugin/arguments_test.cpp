@@ -15,17 +15,17 @@ class ArgumentsTest : public PluginTest {
  protected:
   void SetUp() override {
     PluginTest::SetUp();
-    function.emplace(host().page.makeFunction("callback"));
-    instance.emplace(host());
+    function_.emplace(host().page.makeFunction("callback"));
+    instance_.emplace(host());
   }
 
   void TearDown() override {
     // Answers of requests that could not be made.
     host().pumpOnce();
     // A request that is refused at once keeps the reference of its callback.
-    instance->end({.objects = {{function->get(), expectedKept}}});
-    instance.reset();
-    function.reset();
+    instance_->end({.objects = {{function_->get(), expectedKept_}}});
+    instance_.reset();
+    function_.reset();
     PluginTest::TearDown();
   }
 
@@ -34,27 +34,27 @@ class ArgumentsTest : public PluginTest {
   void forEachMethod(Check check) {
     for (const MethodEntry& entry : methodTable()) {
       SCOPED_TRACE(entry.name);
-      current = &entry;
+      current_ = &entry;
       check();
     }
   }
 
-  const MethodEntry& method() const { return *current; }
-  std::vector<Value> good() const { return goodArguments(method(), function->get()); }
+  const MethodEntry& method() const { return *current_; }
+  std::vector<Value> good() const { return goodArguments(method(), function_->get()); }
 
   // Whether the method takes the arguments.
   bool takes(const std::vector<Value>& arguments) {
-    const bool accepted = instance->call(method().name, arguments).accepted;
-    if (accepted && std::string(method().name) == "vantrelHttpRequestAsync") ++expectedKept;
+    const bool accepted = instance_->call(method().name, arguments).accepted;
+    if (accepted && std::string(method().name) == "vantrelHttpRequestAsync") ++expectedKept_;
     return accepted;
   }
   // handleDrop needs a window; its arguments are tried where there is one.
   bool needsWindow() const { return std::string(method().name) == "handleDrop"; }
 
-  const MethodEntry* current = nullptr;
-  std::optional<Host::PageReference> function;
-  std::optional<Instance> instance;
-  int expectedKept = 0;
+  const MethodEntry* current_ = nullptr;
+  std::optional<Host::PageReference> function_;
+  std::optional<Instance> instance_;
+  int expectedKept_ = 0;
 };
 
 std::string describe(const std::vector<Value>& values) {
@@ -80,11 +80,11 @@ TEST_F(ArgumentsTest, OneLessIsRefused) {
 TEST_F(ArgumentsTest, OneMoreIsIgnoredOrRefused) {
   forEachMethod([this] {
     for (const Value& more : {Value::undefined(), Value::null(), Value::number(1), text("text"),
-                              Value::of(function->get())}) {
+                              Value::of(function_->get())}) {
       std::vector<Value> arguments = good();
       arguments.push_back(more);
       const bool optional = !method().optional.empty() && more.type == NPVariantType_Object &&
-                            method().optional[0] == Demand::object;
+                            method().optional[0] == Demand::kObject;
       EXPECT_EQ(takes(arguments), method().takesMore || (optional && !needsWindow()))
           << describe(arguments);
     }
@@ -95,13 +95,13 @@ TEST_F(ArgumentsTest, AnOptionalOneIsCheckedToo) {
   forEachMethod([this] {
     if (method().optional.empty() || needsWindow()) return;
     std::vector<Value> arguments = good();
-    arguments.push_back(goodValue(method().optional[0], function->get()));
+    arguments.push_back(goodValue(method().optional[0], function_->get()));
     EXPECT_TRUE(takes(arguments));
-    for (const Value& bad : badValues(method().optional[0], function->get())) {
+    for (const Value& bad : badValues(method().optional[0], function_->get())) {
       arguments.back() = bad;
       EXPECT_FALSE(takes(arguments)) << describe(arguments);
     }
-    arguments.back() = goodValue(method().optional[0], function->get());
+    arguments.back() = goodValue(method().optional[0], function_->get());
     arguments.push_back(Value::boolean(true));
     EXPECT_FALSE(takes(arguments));
   });
@@ -110,7 +110,7 @@ TEST_F(ArgumentsTest, AnOptionalOneIsCheckedToo) {
 TEST_F(ArgumentsTest, EachWrongTypeIsRefused) {
   forEachMethod([this] {
     for (size_t i = 0; i < method().demands.size(); ++i) {
-      for (const Value& bad : badValues(method().demands[i], function->get())) {
+      for (const Value& bad : badValues(method().demands[i], function_->get())) {
         std::vector<Value> arguments = good();
         arguments[i] = bad;
         EXPECT_FALSE(takes(arguments)) << describe(arguments);
@@ -122,7 +122,7 @@ TEST_F(ArgumentsTest, EachWrongTypeIsRefused) {
 TEST_F(ArgumentsTest, TextsMayBeEmptyWhereNothingElseIsDemanded) {
   forEachMethod([this] {
     for (size_t i = 0; i < method().demands.size(); ++i) {
-      if (method().demands[i] != Demand::text) continue;
+      if (method().demands[i] != Demand::kText) continue;
       for (const Value& empty : {text(""), Value::nullString()}) {
         std::vector<Value> arguments = good();
         arguments[i] = empty;
@@ -135,7 +135,7 @@ TEST_F(ArgumentsTest, TextsMayBeEmptyWhereNothingElseIsDemanded) {
 TEST_F(ArgumentsTest, BooleanTextsAreReadByTheirLength) {
   forEachMethod([this] {
     for (size_t i = 0; i < method().demands.size(); ++i) {
-      if (method().demands[i] != Demand::boolean) continue;
+      if (method().demands[i] != Demand::kBoolean) continue;
       for (const Value& boolean :
            {Value::boolean(false), text("true"), text("false"), Value::stringInside("trueish", 4),
             Value::stringInside("falsehood", 5), text(std::string("true\0x", 6))}) {
@@ -150,7 +150,7 @@ TEST_F(ArgumentsTest, BooleanTextsAreReadByTheirLength) {
 TEST_F(ArgumentsTest, NumbersMayBeWholeOrNot) {
   forEachMethod([this] {
     for (size_t i = 0; i < method().demands.size(); ++i) {
-      if (method().demands[i] != Demand::number) continue;
+      if (method().demands[i] != Demand::kNumber) continue;
       for (const Value& number :
            {Value::number(0), Value::number(-1), Value::number(2147483647), Value::number(1.9),
             Value::number(-1.9), Value::number(1e300), Value::number(-1e300),
@@ -166,7 +166,8 @@ TEST_F(ArgumentsTest, NumbersMayBeWholeOrNot) {
 TEST_F(ArgumentsTest, TextsWithNulBytesAndLongTextsAreTaken) {
   forEachMethod([this] {
     for (size_t i = 0; i < method().demands.size(); ++i) {
-      if (method().demands[i] != Demand::text && method().demands[i] != Demand::fullText) continue;
+      if (method().demands[i] != Demand::kText && method().demands[i] != Demand::kFullText)
+        continue;
       for (const std::string& odd :
            {std::string("a\0b", 3), std::string(1, '\0'), std::string(100000, 'x'),
             std::string("\xFF\xFE\x80"), std::string("%s%n%d")}) {

@@ -34,8 +34,8 @@ class ClientTest : public PluginTest {
   void SetUp() override {}
   // Starts the client with these knobs and then loads the library.
   void run(const std::string& knobs = "") {
-    client = std::make_unique<ClientProcess>(knobs);
-    ASSERT_TRUE(client->waitUntilListening());
+    client_ = std::make_unique<ClientProcess>(knobs);
+    ASSERT_TRUE(client_->waitUntilListening());
     start(kPluginLibrary);
   }
   // The version that the page gets from a client that misbehaves like this with that one request.
@@ -51,11 +51,11 @@ class ClientTest : public PluginTest {
   std::thread killSoon() {
     return std::thread([this] {
       std::this_thread::sleep_for(std::chrono::milliseconds(500));
-      client->kill();
+      client_->kill();
     });
   }
 
-  std::unique_ptr<ClientProcess> client;
+  std::unique_ptr<ClientProcess> client_;
 };
 
 std::string bytesOf(const std::filesystem::path& file) {
@@ -126,16 +126,16 @@ TEST_F(ClientTest, TheKeyMayEndInALineFeedOrBeTheAddress) {
   for (const char* form : {"uri_file=key\n", "uri_file=url_only\n"}) {
     EXPECT_EQ(versionWith(form), kWholeVersion) << form;
     for (const std::string& fault : finish()) ADD_FAILURE() << fault;
-    client.reset();
+    client_.reset();
   }
 }
 
 TEST_F(ClientTest, AClientThatMovedIsFoundAgain) {
   run("restart_after=1\nmisbehave_path=/v4/vantrel/version\n");
   Instance instance(host());
-  const uint16_t port = client->port();
+  const uint16_t port = client_->port();
   EXPECT_EQ(instance.call("queryVantrelVersion").value, text(kWholeVersion));
-  ASSERT_TRUE(host().pumpUntil([&] { return client->port() != port; }));
+  ASSERT_TRUE(host().pumpUntil([&] { return client_->port() != port; }));
   EXPECT_EQ(instance.call("queryVantrelVersion").value, text(kWholeVersion));
 }
 
@@ -148,7 +148,7 @@ TEST_F(ClientTest, ASilentClientHoldsTheQueueUntilItDies) {
   EXPECT_THAT(function->calls, IsEmpty());
   // The browser's thread goes on meanwhile.
   EXPECT_EQ(instance.call("queryVersion").value, text("3.7"));
-  client->kill();
+  client_->kill();
   ASSERT_TRUE(waitForCalls(function, 1));
   EXPECT_EQ(function->calls[0].arguments.at(0), text(errorReply(kContactError)));
 }
@@ -158,7 +158,7 @@ TEST_F(ClientTest, AnEndDuringASilentExchangeWaitsForTheClientsDeath) {
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
   sendAsync(instance, function);
-  ASSERT_TRUE(host().pumpUntil([this] { return client->records().size() >= 3; }));
+  ASSERT_TRUE(host().pumpUntil([this] { return client_->records().size() >= 3; }));
   std::thread killing = killSoon();
   instance.destroy();
   killing.join();
@@ -173,7 +173,7 @@ TEST_F(ClientTest, AnEndDuringASilentPollWaitsForTheClientsDeath) {
   instance.set("eventHandler", handler.value());
   instance.call("initSession", {text("my app"), text("")});
   ASSERT_TRUE(host().pumpUntil([this] {
-    const std::vector<std::string> records = client->records();
+    const std::vector<std::string> records = client_->records();
     return !records.empty() && records.back().find("iteration_token") != std::string::npos;
   }));
   std::thread killing = killSoon();
@@ -198,13 +198,13 @@ TEST_F(ClientTest, ThePollGoesOnWhenAClientComesBack) {
   instance.set("eventHandler", handler.value());
   instance.call("initSession", {text("my app"), text("")});
   ASSERT_TRUE(waitForCalls(handler, 1));
-  const std::string port = std::to_string(client->port());
-  client.reset();
+  const std::string port = std::to_string(client_->port());
+  client_.reset();
   host().pumpFor(1500);
   const size_t calls = handler->calls.size();
   // On the same port and with another key: the address stays, the key is read for each poll.
-  client = std::make_unique<ClientProcess>("port=" + port + "\n");
-  ASSERT_TRUE(client->waitUntilListening());
+  client_ = std::make_unique<ClientProcess>("port=" + port + "\n");
+  ASSERT_TRUE(client_->waitUntilListening());
   ASSERT_TRUE(waitForCalls(handler, calls + 1));
   instance.end({.objects = {{handler.get(), 1}}});
 }
@@ -214,7 +214,7 @@ TEST_F(ClientTest, AReceiveRunsToItsEndAndThePageSeesItsProgress) {
   run("chunk_pause_ms=100\n");
   std::string content;
   for (int i = 0; content.size() < 2000000; ++i) content += std::to_string(i) + '\n';
-  std::ofstream(client->folder().remote() / "file.bin", std::ios::binary) << content;
+  std::ofstream(client_->folder().remote() / "file.bin", std::ios::binary) << content;
   Host::PageReference handler = host().page.makeFunction("handler");
   Host::PageReference answer = host().page.makeFunction("answer");
   Instance instance(host());
@@ -236,16 +236,16 @@ TEST_F(ClientTest, AReceiveRunsToItsEndAndThePageSeesItsProgress) {
   for (const Host::PageCall& call : handler->calls) {
     EXPECT_EQ(call.arguments.at(0), text("transfer"));
   }
-  EXPECT_TRUE(bytesOf(client->folder().downloads() / "file.bin") == content);
+  EXPECT_TRUE(bytesOf(client_->folder().downloads() / "file.bin") == content);
   instance.end({.objects = {{handler.get(), 1}}});
 }
 
 TEST_F(ClientTest, ADirectDownloadArrives) {
   run();
-  std::ofstream(client->folder().remote() / "a.txt") << "some text";
+  std::ofstream(client_->folder().remote() / "a.txt") << "some text";
   Instance instance(host());
   instance.call("startDownload", {text("http://files.host/a.txt")});
-  const auto file = client->folder().downloads() / "a.txt";
+  const auto file = client_->folder().downloads() / "a.txt";
   // For a moment it is there and the client still has it open.
   EXPECT_TRUE(host().pumpUntil([&file] { return bytesOf(file) == "some text"; }));
 }
@@ -264,10 +264,10 @@ TEST_F(ClientTest, WindowsAndVersionCarryTheKeyThatTheClientDemands) {
   run();
   Instance instance(host());
   instance.call("displayTransferManager");
-  const std::vector<std::string> records = client->records();
+  const std::vector<std::string> records = client_->records();
   ASSERT_FALSE(records.empty());
   EXPECT_THAT(records.back(), StartsWith("GET /windows/transfer-manager/ HTTP/1.1\r\n"));
-  EXPECT_EQ(headerOf(records.back(), "Authorization-key"), client->key());
+  EXPECT_EQ(headerOf(records.back(), "Authorization-key"), client_->key());
 }
 
 }  // namespace

@@ -17,8 +17,8 @@ class EventsTest : public ServedTest {
     ASSERT_EQ(instance.call("initSession", {text(id), text("")}).value.text,
               "{\"app_id\":\"" + std::string(id) + "\"}");
   }
-  void replyNext(const std::string& body) { server.next(kActivityPath, Script::reply(body)); }
-  std::string poll(size_t index) { return server.requests(kActivityPath).at(index); }
+  void replyNext(const std::string& body) { server_.next(kActivityPath, Script::reply(body)); }
+  std::string poll(size_t index) { return server_.requests(kActivityPath).at(index); }
   static std::string pollBody(const std::string& token, const std::string& id = "my app") {
     return "{\n    \"iteration_token\": \"" + token +
            "\",\n    \"orvane_vantrel_settings\" : {\n        \"app_id\": \"" + id +
@@ -29,7 +29,7 @@ class EventsTest : public ServedTest {
 TEST_F(EventsTest, APollCarriesKeyTokenAndId) {
   Instance instance(host());
   openSession(instance);
-  ASSERT_TRUE(server.waitForRequests(kActivityPath, 1));
+  ASSERT_TRUE(server_.waitForRequests(kActivityPath, 1));
   EXPECT_EQ(poll(0),
             "POST /v5/vantrel/transfers/activity HTTP/1.1\r\n"
             "Authorization-key: the-key\r\n"
@@ -51,7 +51,7 @@ TEST_F(EventsTest, TheTokenGoesFromReplyToPoll) {
   replyNext("{\"result\":1}");
   Instance instance(host());
   openSession(instance);
-  ASSERT_TRUE(server.waitForRequests(kActivityPath, 6));
+  ASSERT_TRUE(server_.waitForRequests(kActivityPath, 6));
   const std::vector<std::string> expected = {"", "t1", "25", "25", "25", ""};
   for (size_t i = 0; i < expected.size(); ++i) {
     EXPECT_EQ(messageBody(poll(i)), pollBody(expected[i])) << i;
@@ -84,7 +84,7 @@ TEST_F(EventsTest, GoodRepliesReachThePageAsTransferEvents) {
 TEST_F(EventsTest, WithoutAHandlerNothingIsPosted) {
   Instance instance(host());
   openSession(instance);
-  ASSERT_TRUE(server.waitForRequests(kActivityPath, 2));
+  ASSERT_TRUE(server_.waitForRequests(kActivityPath, 2));
   EXPECT_EQ(host().async.received(), 0);
 }
 
@@ -121,11 +121,11 @@ TEST_F(EventsTest, AnEventGoesToTheHandlerOfItsDelivery) {
   Host::PageReference second = host().page.makeFunction("second");
   Instance instance(host());
   instance.set("eventHandler", first.value());
-  host().async.setMode(AsyncCalls::Mode::hold);
+  host().async.setMode(AsyncCalls::Mode::kHold);
   openSession(instance);
   ASSERT_TRUE(host().pumpUntil([this] { return host().async.waiting() >= 1; }));
   instance.set("eventHandler", second.value());
-  host().async.setMode(AsyncCalls::Mode::queue);
+  host().async.setMode(AsyncCalls::Mode::kQueue);
   ASSERT_TRUE(waitForCalls(second, 1));
   EXPECT_THAT(first->calls, IsEmpty());
   instance.end({.objects = {{second.get(), 1}}});

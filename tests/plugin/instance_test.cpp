@@ -103,15 +103,15 @@ TEST_F(LibraryInstanceTest, AnEmptyHostIsLocalhost) {
 
 TEST_F(LibraryInstanceTest, EveryBrokenStepToTheHostIsLocalhost) {
   std::vector<Address> broken;
-  for (const Step step : {Step::fails, Step::failsButWrites, Step::untouched, Step::null}) {
+  for (const Step step : {Step::kFails, Step::kFailsButWrites, Step::kUntouched, Step::kNull}) {
     broken.push_back({.window = step});
   }
-  for (const Step step :
-       {Step::fails, Step::failsButWrites, Step::untouched, Step::null, Step::number, Step::text}) {
+  for (const Step step : {Step::kFails, Step::kFailsButWrites, Step::kUntouched, Step::kNull,
+                          Step::kNumber, Step::kText}) {
     broken.push_back({.location = step});
   }
   for (const Step step :
-       {Step::fails, Step::failsButWrites, Step::untouched, Step::null, Step::number}) {
+       {Step::kFails, Step::kFailsButWrites, Step::kUntouched, Step::kNull, Step::kNumber}) {
     broken.push_back({.hostname = step});
   }
   for (const Address& address : broken) {

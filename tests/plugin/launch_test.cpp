@@ -22,7 +22,7 @@ class LaunchTest : public PluginTest {
  protected:
   // Installs the client and only then loads the library.
   void install(const std::string& knobs = "") {
-    client = std::make_unique<TestSupport::InstalledClient>(knobs);
+    client_ = std::make_unique<TestSupport::InstalledClient>(knobs);
     start(kPluginLibrary);
   }
   void SetUp() override {}
@@ -31,13 +31,13 @@ class LaunchTest : public PluginTest {
     return {{"vantrel-launch-wait-timeout-ms", milliseconds}};
   }
 
-  std::unique_ptr<TestSupport::InstalledClient> client;
+  std::unique_ptr<TestSupport::InstalledClient> client_;
 };
 
 TEST_F(LaunchTest, AnInstanceStartsTheClient) {
   install();
   Instance instance(host());
-  EXPECT_THAT(client->running(), SizeIs(1));
+  EXPECT_THAT(client_->running(), SizeIs(1));
   EXPECT_TRUE(logHas("LOG Launching Orvane Vantrel - Command: "));
   EXPECT_TRUE(logHas("LOG Waiting 20000ms for Orvane Vantrel to launch\r\n"));
   EXPECT_TRUE(logHas("for Vantrel to launch and write URL file"));
@@ -48,14 +48,14 @@ TEST_F(LaunchTest, AClientThatRunsIsNotStartedAgain) {
   install();
   Instance first(host());
   Instance second(host());
-  EXPECT_THAT(client->running(), SizeIs(1));
+  EXPECT_THAT(client_->running(), SizeIs(1));
   EXPECT_EQ(logCount("Launching Orvane Vantrel"), 1U);
 }
 
 TEST_F(LaunchTest, WithAWaitOfZeroItIsStartedAndNotWaitedFor) {
   install("slow_start_ms=60000\n");
   Instance instance(host(), wait("0"));
-  EXPECT_THAT(client->running(), SizeIs(1));
+  EXPECT_THAT(client_->running(), SizeIs(1));
   EXPECT_TRUE(logHas("LOG Waiting 0ms for Orvane Vantrel to launch\r\n"));
   EXPECT_TRUE(logHas("LOG Warning: Timed out waiting for Orvane Vantrel to launch\r\n"));
   // One look before the start, none behind it.
@@ -65,7 +65,7 @@ TEST_F(LaunchTest, WithAWaitOfZeroItIsStartedAndNotWaitedFor) {
 TEST_F(LaunchTest, TheWaitGoesInWholeSteps) {
   install("slow_start_ms=60000\n");
   Instance instance(host(), wait("150"));
-  EXPECT_THAT(client->running(), SizeIs(1));
+  EXPECT_THAT(client_->running(), SizeIs(1));
   EXPECT_TRUE(logHas("LOG Waiting 150ms for Orvane Vantrel to launch\r\n"));
   EXPECT_TRUE(logHas("LOG Warning: Timed out waiting for Orvane Vantrel to launch\r\n"));
   EXPECT_EQ(logCount("Reading Orvane Vantrel URL from"), 3U);
@@ -108,24 +108,24 @@ TEST_F(LaunchTest, AnInstallationIsLookedForAgain) {
   start(kPluginLibrary);
   Instance instance(host());
   EXPECT_EQ(instance.call("queryVantrelVersion").value, text(errorReply(kContactError)));
-  client = std::make_unique<TestSupport::InstalledClient>();
+  client_ = std::make_unique<TestSupport::InstalledClient>();
   EXPECT_THAT(instance.call("queryVantrelVersion").value.text, HasSubstr("\"Orvane Vantrel\""));
 }
 
 TEST_F(LaunchTest, ADirectoryWithoutItsSeparatorIsNotFound) {
-  client = std::make_unique<TestSupport::InstalledClient>();
-  profile.setUserInstallDir(client->folder().path().wstring());
+  client_ = std::make_unique<TestSupport::InstalledClient>();
+  profile_.setUserInstallDir(client_->folder().path().wstring());
   start(kPluginLibrary);
   Instance instance(host());
   EXPECT_TRUE(logHas("ERR Failed to determine Orvane Vantrel executable path\r\n"));
-  EXPECT_THAT(client->running(), IsEmpty());
+  EXPECT_THAT(client_->running(), IsEmpty());
 }
 
 TEST_F(LaunchTest, AFileThatIsNoProgramIsReportedWithTheSystemsWords) {
-  const auto folder = profile.localAppData() / "broken client";
+  const auto folder = profile_.localAppData() / "broken client";
   std::filesystem::create_directories(folder / "bin");
   std::ofstream(folder / "bin" / "orvanevantrel.exe") << "no program";
-  profile.setUserInstallDir(folder.wstring() + L"\\");
+  profile_.setUserInstallDir(folder.wstring() + L"\\");
   start(kPluginLibrary);
   Instance instance(host());
   EXPECT_TRUE(logHas("ERR Failed to launch Orvane Vantrel: "));
@@ -134,58 +134,58 @@ TEST_F(LaunchTest, AFileThatIsNoProgramIsReportedWithTheSystemsWords) {
 }
 
 TEST_F(LaunchTest, TheInstallationForAllUsersComesFirst) {
-  client = std::make_unique<TestSupport::InstalledClient>();
-  const auto other = profile.localAppData() / "other client";
+  client_ = std::make_unique<TestSupport::InstalledClient>();
+  const auto other = profile_.localAppData() / "other client";
   std::filesystem::create_directories(other / "bin");
   std::ofstream(other / "bin" / "orvanevantrel.exe") << "no program";
   start(kPluginLibrary);
-  profile.emptySystemRegistry();
-  profile.setSystemInstallDir(other.wstring() + L"\\");
+  profile_.emptySystemRegistry();
+  profile_.setSystemInstallDir(other.wstring() + L"\\");
   {
     Instance instance(host());
     EXPECT_TRUE(logHas("other client"));
-    EXPECT_THAT(client->running(), IsEmpty());
+    EXPECT_THAT(client_->running(), IsEmpty());
   }
 }
 
 TEST_F(LaunchTest, TheUsersInstallationServesWhereTheOtherHoldsNoClient) {
-  client = std::make_unique<TestSupport::InstalledClient>();
+  client_ = std::make_unique<TestSupport::InstalledClient>();
   start(kPluginLibrary);
-  profile.emptySystemRegistry();
-  profile.setSystemInstallDir(L"C:\\no such folder\\");
+  profile_.emptySystemRegistry();
+  profile_.setSystemInstallDir(L"C:\\no such folder\\");
   Instance instance(host());
-  EXPECT_THAT(client->running(), SizeIs(1));
+  EXPECT_THAT(client_->running(), SizeIs(1));
 }
 
 TEST_F(LaunchTest, AWindowCommandStartsTheClientAndAsksForTheWindow) {
   install("exit_at_start=0\n");
   Instance instance(host());
-  EXPECT_THAT(client->running(), IsEmpty());
-  client->configure("");
+  EXPECT_THAT(client_->running(), IsEmpty());
+  client_->configure("");
   EXPECT_TRUE(instance.call("displayAboutWindow").accepted);
-  EXPECT_THAT(client->running(), SizeIs(1));
-  EXPECT_THAT(client->records(), Contains(StartsWith("GET /windows/about/ HTTP/1.1\r\n")));
+  EXPECT_THAT(client_->running(), SizeIs(1));
+  EXPECT_THAT(client_->records(), Contains(StartsWith("GET /windows/about/ HTTP/1.1\r\n")));
 }
 
 TEST_F(LaunchTest, ADirectStartStartsTheClientAndPostsItsDocument) {
   install("exit_at_start=0\n");
   Instance instance(host());
-  client->configure("");
+  client_->configure("");
   instance.call("startDownload", {text("http://files.host/a.txt")});
-  EXPECT_THAT(client->records(), Contains(HasSubstr("<src>http://files.host/a.txt</src>")));
+  EXPECT_THAT(client_->records(), Contains(HasSubstr("<src>http://files.host/a.txt</src>")));
 }
 
 TEST_F(LaunchTest, AQueuedRequestReachesTheNextClientOnItsPort) {
   install();
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
-  const uint16_t port = client->address().port;
-  client->killAll();
+  const uint16_t port = client_->address().port;
+  client_->killAll();
   instance.call("vantrelHttpRequestAsync",
                 {text("GET"), text(kVersionPath), text(""), function.value()});
   ASSERT_TRUE(waitForCalls(function, 1));
-  EXPECT_NE(client->address().port, port);
-  EXPECT_THAT(client->running(), SizeIs(1));
+  EXPECT_NE(client_->address().port, port);
+  EXPECT_THAT(client_->running(), SizeIs(1));
   // The key went out as it was when the page asked; the new client has another.
   EXPECT_THAT(function->calls[0].arguments.at(0).text, HasSubstr("401"));
 }
@@ -194,8 +194,8 @@ TEST_F(LaunchTest, AnEndDuringALaunchWaitsForItAndDropsTheQueue) {
   install();
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host(), wait("1000"));
-  client->configure("slow_start_ms=60000\n");
-  client->killAll();
+  client_->configure("slow_start_ms=60000\n");
+  client_->killAll();
   for (int i = 0; i < 2; ++i) {
     instance.call("vantrelHttpRequestAsync",
                   {text("GET"), text(kVersionPath), text(""), function.value()});
@@ -218,7 +218,7 @@ TEST_F(LaunchTest, SeveralInstancesStartTogether) {
   for (const auto& instance : instances) {
     EXPECT_THAT(instance->call("queryVantrelVersion").value.text, HasSubstr("\"Orvane Vantrel\""));
   }
-  EXPECT_THAT(client->running(), SizeIs(1));
+  EXPECT_THAT(client_->running(), SizeIs(1));
 }
 
 }  // namespace

@@ -7,47 +7,47 @@ using Host::Value;
 const std::vector<MethodEntry>& methodTable() {
   using enum Demand;
   static const std::vector<MethodEntry> table = {
-      {"addToDownloadList", {fullText}},
-      {"addToUploadList", {fullText}},
+      {"addToDownloadList", {kFullText}},
+      {"addToUploadList", {kFullText}},
       {"clearDownloadList", {}},
       {"clearUploadList", {}},
-      {"vantrelHttpRequest", {text, text, text}, true},
-      {"vantrelHttpRequestAsync", {text, text, text, object}, true},
+      {"vantrelHttpRequest", {kText, kText, kText}, true},
+      {"vantrelHttpRequestAsync", {kText, kText, kText, kObject}, true},
       {"displayAboutWindow", {}},
       {"displayPreferencesWindow", {}},
       {"displayTransferManager", {}},
-      {"handleDrop", {}, false, {object}},
-      {"initSession", {text, text}, true},
+      {"handleDrop", {}, false, {kObject}},
+      {"initSession", {kText, kText}, true},
       {"queryBrowserEngine", {}},
       {"queryBuildVersion", {}},
       {"queryPluginVersion", {}},
       {"queryVersion", {}},
       {"queryVantrelVersion", {}},
-      {"runOpenFileDialog", {boolean, boolean}},
-      {"runOpenFileDialogAsync", {text, boolean, text, object}, false, {boolean}},
-      {"runOpenFolderDialogAsync", {text, boolean, object}, false, {boolean}},
-      {"runOpenFolderDialog", {boolean}},
-      {"runSaveFileDialog", {text}},
-      {"runSaveFileDialogAsync", {text, text, text, object}},
-      {"startDownload", {fullText}},
-      {"startDownloadToPath", {fullText, text}},
-      {"startListDownloadToPath", {text}},
-      {"startListUploadToURL", {fullText}},
-      {"readAsArrayBuffer", {fullText}},
-      {"readChunkAsArrayBuffer", {fullText, number, number}},
-      {"startUploadToURL", {fullText, fullText}},
-      {"httpRequestImplementation", {text, text, text, object}, true},
+      {"runOpenFileDialog", {kBoolean, kBoolean}},
+      {"runOpenFileDialogAsync", {kText, kBoolean, kText, kObject}, false, {kBoolean}},
+      {"runOpenFolderDialogAsync", {kText, kBoolean, kObject}, false, {kBoolean}},
+      {"runOpenFolderDialog", {kBoolean}},
+      {"runSaveFileDialog", {kText}},
+      {"runSaveFileDialogAsync", {kText, kText, kText, kObject}},
+      {"startDownload", {kFullText}},
+      {"startDownloadToPath", {kFullText, kText}},
+      {"startListDownloadToPath", {kText}},
+      {"startListUploadToURL", {kFullText}},
+      {"readAsArrayBuffer", {kFullText}},
+      {"readChunkAsArrayBuffer", {kFullText, kNumber, kNumber}},
+      {"startUploadToURL", {kFullText, kFullText}},
+      {"httpRequestImplementation", {kText, kText, kText, kObject}, true},
   };
   return table;
 }
 
 Value goodValue(Demand demand, NPObject* object) {
   switch (demand) {
-    case Demand::boolean:
+    case Demand::kBoolean:
       return Value::boolean(true);
-    case Demand::number:
+    case Demand::kNumber:
       return Value::number(1);
-    case Demand::object:
+    case Demand::kObject:
       return Value::of(object);
     default:
       return Value::string("text");
@@ -65,23 +65,23 @@ std::vector<Value> badValues(Demand demand, NPObject* object) {
   const auto add = [&values](std::initializer_list<Value> more) {
     values.insert(values.end(), more);
   };
-  if (demand != Demand::boolean) add({Value::boolean(true), Value::boolean(false)});
-  if (demand != Demand::number) add({Value::number(1), Value::number(0), Value::number(1.5)});
-  if (demand != Demand::object) add({Value::of(object)});
+  if (demand != Demand::kBoolean) add({Value::boolean(true), Value::boolean(false)});
+  if (demand != Demand::kNumber) add({Value::number(1), Value::number(0), Value::number(1.5)});
+  if (demand != Demand::kObject) add({Value::of(object)});
   switch (demand) {
-    case Demand::fullText:
+    case Demand::kFullText:
       add({Value::string(""), Value::nullString()});
       break;
-    case Demand::boolean:
+    case Demand::kBoolean:
       add({Value::string(""), Value::string("True"), Value::string("true "), Value::string("tru"),
            Value::string("1"), Value::nullString(), Value::stringInside("true", 3),
            Value::stringInside("falsehood", 6)});
       break;
-    case Demand::number:
-    case Demand::object:
+    case Demand::kNumber:
+    case Demand::kObject:
       add({Value::string("1")});
       break;
-    case Demand::text:
+    case Demand::kText:
       break;
   }
   return values;

@@ -9,7 +9,7 @@
 
 namespace Vantrel::Web {
 
-enum class Demand { text, fullText, boolean, number, object };
+enum class Demand { kText, kFullText, kBoolean, kNumber, kObject };
 
 struct MethodEntry {
   const char* name;

@@ -28,7 +28,7 @@ class ModuleTest : public PluginTest {
 };
 
 TEST_F(ModuleTest, LoadingAloneDoesNothing) {
-  EXPECT_EQ(profile.log(), "");
+  EXPECT_EQ(profile_.log(), "");
   EXPECT_TRUE(finish().empty());
 }
 
@@ -118,13 +118,13 @@ TEST_F(ModuleTest, ItStartsAgainAfterItsEnd) {
 }
 
 TEST_F(ModuleTest, AStaleCopyInTheUsersProfileIsDeleted) {
-  for (const auto& root : {profile.roamingAppData(), profile.localAppData()}) {
+  for (const auto& root : {profile_.roamingAppData(), profile_.localAppData()}) {
     std::filesystem::create_directories(root / "Mozilla" / "Plugins");
     std::ofstream(root / "Mozilla" / "Plugins" / "nporvaneweb.dll") << "old";
     std::ofstream(root / "Mozilla" / "Plugins" / "other.dll") << "other";
   }
   EXPECT_EQ(host().initialize(), NPERR_NO_ERROR);
-  for (const auto& root : {profile.roamingAppData(), profile.localAppData()}) {
+  for (const auto& root : {profile_.roamingAppData(), profile_.localAppData()}) {
     EXPECT_FALSE(std::filesystem::exists(root / "Mozilla" / "Plugins" / "nporvaneweb.dll"));
     EXPECT_TRUE(std::filesystem::exists(root / "Mozilla" / "Plugins" / "other.dll"));
   }

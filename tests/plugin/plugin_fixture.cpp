@@ -8,7 +8,7 @@ std::string errorReply(std::string_view text) {
 }
 
 size_t PluginTest::logCount(std::string_view part) const {
-  const std::string log = profile.log();
+  const std::string log = profile_.log();
   size_t count = 0;
   for (size_t at = log.find(part); at != std::string::npos; at = log.find(part, at + 1)) ++count;
   return count;
@@ -19,7 +19,7 @@ bool PluginTest::waitForCalls(const Host::PageReference& function, size_t count)
 }
 
 void ServedTest::SetUp() {
-  profile.writeServiceUrl(server.url() + "\n" + key);
+  profile_.writeServiceUrl(server_.url() + "\n" + key_);
   start(kPluginLibrary);
 }
 

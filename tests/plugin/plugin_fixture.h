@@ -40,7 +40,7 @@ class PluginTest : public Host::HostTest {
   // Runs the browser until the function was called that often.
   bool waitForCalls(const Host::PageReference& function, size_t count);
 
-  Host::ScratchProfile profile;
+  Host::ScratchProfile profile_;
 };
 
 // With a desktop client whose every word the test chooses.
@@ -48,8 +48,8 @@ class ServedTest : public PluginTest {
  protected:
   void SetUp() override;
 
-  ScriptedServer server;
-  const std::string key = "the-key";
+  ScriptedServer server_;
+  const std::string key_ = "the-key";
 };
 
 inline constexpr char kPingPath[] = "/v5/vantrel/info/ping";

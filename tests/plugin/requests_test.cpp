@@ -22,7 +22,7 @@ class RequestsTest : public ServedTest {
   }
   // The answer to one request when the client's bytes are these.
   std::string answerTo(const Script& script) {
-    server.always(kPath, script);
+    server_.always(kPath, script);
     Instance instance(host());
     return send(instance);
   }
@@ -40,10 +40,10 @@ std::vector<Value> textArguments(const Host::PageReference& function) {
 }
 
 TEST_F(RequestsTest, ARequestGoesOutAsToldAndItsReplyComesBack) {
-  server.always(kPath, Script::reply("{\"answer\":1}"));
+  server_.always(kPath, Script::reply("{\"answer\":1}"));
   Instance instance(host());
   EXPECT_EQ(send(instance, "{\"a\": [1, 2]}"), "{\"answer\":1}");
-  EXPECT_EQ(server.requests(kPath).at(0),
+  EXPECT_EQ(server_.requests(kPath).at(0),
             "POST /some/path HTTP/1.1\r\n"
             "Authorization-key: the-key\r\n"
             "Connection: close\r\n"
@@ -57,7 +57,7 @@ TEST_F(RequestsTest, ARequestGoesOutAsToldAndItsReplyComesBack) {
 TEST_F(RequestsTest, AnEmptyBodyIsAnEmptyObject) {
   Instance instance(host());
   send(instance, "");
-  EXPECT_EQ(messageBody(server.requests(kPath).at(0)), "{}");
+  EXPECT_EQ(messageBody(server_.requests(kPath).at(0)), "{}");
 }
 
 TEST_F(RequestsTest, FurtherArgumentsAreNotLookedAt) {
@@ -65,32 +65,32 @@ TEST_F(RequestsTest, FurtherArgumentsAreNotLookedAt) {
   EXPECT_TRUE(
       instance.call("vantrelHttpRequest", {text("GET"), text(kPath), text("{}"), text("not this")})
           .accepted);
-  EXPECT_EQ(messageBody(server.requests(kPath).at(0)), "{}");
+  EXPECT_EQ(messageBody(server_.requests(kPath).at(0)), "{}");
 }
 
 TEST_F(RequestsTest, MethodAndPathGoOutUnfiltered) {
   Instance instance(host());
   instance.call("vantrelHttpRequest", {text("X-ANY"), text("/a?b=c%20d"), text("{}")});
-  EXPECT_THAT(server.requests("/a?b=c%20d"), ElementsAre(StartsWith("X-ANY /a?b=c%20d HTTP/1.1")));
+  EXPECT_THAT(server_.requests("/a?b=c%20d"), ElementsAre(StartsWith("X-ANY /a?b=c%20d HTTP/1.1")));
 }
 
 TEST_F(RequestsTest, TheBytesOfTheBodyAreThePages) {
   Instance instance(host());
   const std::string body = "{\"t\":\"\xC3\xA4 %s%n \\u0041 /* */\"}  ";
   send(instance, body);
-  EXPECT_EQ(messageBody(server.requests(kPath).at(0)), body);
+  EXPECT_EQ(messageBody(server_.requests(kPath).at(0)), body);
 }
 
 TEST_F(RequestsTest, ABodyThatIsNoJsonIsRefusedBeforeAnythingIsSent) {
   Instance instance(host());
-  const size_t before = server.connections();
+  const size_t before = server_.connections();
   for (const char* body : {"no JSON", "{", "{\"a\":}", "[1,", "\"", "{} {}"}) {
     EXPECT_THAT(send(instance, body),
                 StartsWith("{\"error\":{\"code\":-1,\"internal_message\":\"Invalid request\","
                            "\"user_message\":\"Error parsing JSON: "))
         << body;
   }
-  EXPECT_EQ(server.connections(), before);
+  EXPECT_EQ(server_.connections(), before);
 }
 
 TEST_F(RequestsTest, ADeepBodyIsRefusedAndNothingBreaks) {
@@ -98,7 +98,7 @@ TEST_F(RequestsTest, ADeepBodyIsRefusedAndNothingBreaks) {
   const std::string deep(200000, '[');
   EXPECT_THAT(send(instance, deep), HasSubstr("Error parsing JSON"));
   EXPECT_THAT(send(instance, deep + std::string(200000, ']')), HasSubstr("Error parsing JSON"));
-  EXPECT_TRUE(server.requests(kPath).empty());
+  EXPECT_TRUE(server_.requests(kPath).empty());
 }
 
 TEST_F(RequestsTest, TheIdInABodyIsHeldToThePagesHost) {
@@ -108,7 +108,7 @@ TEST_F(RequestsTest, TheIdInABodyIsHeldToThePagesHost) {
   };
   EXPECT_EQ(send(instance, with("\"^other.host\"")),
             errorReply("Invalid application ID hostname: some.host"));
-  EXPECT_TRUE(server.requests(kPath).empty());
+  EXPECT_TRUE(server_.requests(kPath).empty());
   for (const char* id : {"\"^some.host\"", "\"any\"", "\"\"", "5", "null", "true", "{}"}) {
     EXPECT_EQ(send(instance, with(id)), "{}") << id;
   }
@@ -123,7 +123,7 @@ TEST_F(RequestsTest, RepliesSplitAnywhereAreRead) {
   const std::string reply = httpReply("{\"answer\":1}");
   Instance instance(host());
   for (size_t at = 1; at < reply.size(); at += 3) {
-    server.next(kPath, Script::split(reply, at));
+    server_.next(kPath, Script::split(reply, at));
     EXPECT_EQ(send(instance), "{\"answer\":1}") << at;
   }
 }
@@ -147,7 +147,7 @@ TEST_F(RequestsTest, RepliesThatCannotBeReadAreContactErrors) {
   for (const char* reply :
        {"", "nonsense", "HTTP/1.1 200\r\n\r\nabc", "HTTP/1.1 200 OK\r\nBad:line\r\n\r\nabc",
         "HTTP/1.1 200 OK\r\nCut: off\r\n", "\r\n\r\n", "HTTP/1.1 200 OK"}) {
-    server.next(kPath, Script().send(reply));
+    server_.next(kPath, Script().send(reply));
     EXPECT_EQ(send(instance), errorReply(kContactError)) << reply;
   }
   EXPECT_TRUE(logHas("ERR " + std::string(kContactError)));
@@ -168,7 +168,7 @@ TEST_F(RequestsTest, ABigReplyArrivesWhole) {
 }
 
 TEST_F(RequestsTest, AnAsynchronousRequestIsAnsweredOnceAndLater) {
-  server.always(kPath, Script::reply("{\"answer\":1}"));
+  server_.always(kPath, Script::reply("{\"answer\":1}"));
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
   const Host::CallResult result = sendAsync(instance, function, "{\"a\":1}");
@@ -180,15 +180,15 @@ TEST_F(RequestsTest, AnAsynchronousRequestIsAnsweredOnceAndLater) {
   ASSERT_THAT(function->calls[0].arguments, ElementsAre(text("{\"answer\":1}")));
   EXPECT_EQ(host().calls.countOffThread("NPN_PluginThreadAsyncCall"), 1);
   EXPECT_EQ(host().objects.pluginReferences(function.get()), 0);
-  const std::string request = server.requests(kPath).at(0);
-  EXPECT_EQ(headerOf(request, "Authorization-key"), key);
+  const std::string request = server_.requests(kPath).at(0);
+  EXPECT_EQ(headerOf(request, "Authorization-key"), key_);
   EXPECT_EQ(headerOf(request, "Content-Type"), "application/vnd.orvane.xferreq+json");
   EXPECT_EQ(messageBody(request), "{\"a\":1}");
 }
 
 TEST_F(RequestsTest, ThreeAreAnsweredInTheirOrder) {
   for (const char* answer : {"\"one\"", "\"two\"", "\"three\""}) {
-    server.next(kPath, Script::reply(answer));
+    server_.next(kPath, Script::reply(answer));
   }
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
@@ -196,10 +196,10 @@ TEST_F(RequestsTest, ThreeAreAnsweredInTheirOrder) {
   ASSERT_TRUE(waitForCalls(function, 3));
   EXPECT_THAT(textArguments(function),
               ElementsAre(text("\"one\""), text("\"two\""), text("\"three\"")));
-  ASSERT_THAT(server.requests(kPath), SizeIs(3));
-  EXPECT_EQ(messageBody(server.requests(kPath)[0]), "[1]");
-  EXPECT_EQ(messageBody(server.requests(kPath)[1]), "[2]");
-  EXPECT_EQ(messageBody(server.requests(kPath)[2]), "[3]");
+  ASSERT_THAT(server_.requests(kPath), SizeIs(3));
+  EXPECT_EQ(messageBody(server_.requests(kPath)[0]), "[1]");
+  EXPECT_EQ(messageBody(server_.requests(kPath)[1]), "[2]");
+  EXPECT_EQ(messageBody(server_.requests(kPath)[2]), "[3]");
 }
 
 TEST_F(RequestsTest, ARefusedBodyIsAnsweredAtOnceAndTheFunctionIsNeverCalled) {
@@ -208,13 +208,13 @@ TEST_F(RequestsTest, ARefusedBodyIsAnsweredAtOnceAndTheFunctionIsNeverCalled) {
   EXPECT_THAT(sendAsync(instance, function, "no JSON").value.text, HasSubstr("Error parsing JSON"));
   host().pumpFor(200);
   EXPECT_THAT(function->calls, IsEmpty());
-  EXPECT_TRUE(server.requests(kPath).empty());
+  EXPECT_TRUE(server_.requests(kPath).empty());
   // A request that is dropped without an answer keeps its reference on the function.
   instance.end({.objects = {{function.get(), 1}}});
 }
 
 TEST_F(RequestsTest, AFailedExchangeCallsTheFunctionWithTheError) {
-  server.always(kPath, Script());
+  server_.always(kPath, Script());
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
   sendAsync(instance, function);
@@ -223,7 +223,7 @@ TEST_F(RequestsTest, AFailedExchangeCallsTheFunctionWithTheError) {
 }
 
 TEST_F(RequestsTest, TheUncheckedRoadCarriesNoKeyAndChecksNothing) {
-  server.always(kPath, Script::reply("\"yes\""));
+  server_.always(kPath, Script::reply("\"yes\""));
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
   const std::string body = "{\"orvane_vantrel_settings\":{\"app_id\":\"^other.host\"}, no JSON";
@@ -233,7 +233,7 @@ TEST_F(RequestsTest, TheUncheckedRoadCarriesNoKeyAndChecksNothing) {
   EXPECT_EQ(result.value, Value::null());
   ASSERT_TRUE(waitForCalls(function, 1));
   EXPECT_THAT(textArguments(function), ElementsAre(text("\"yes\"")));
-  const std::string request = server.requests(kPath).at(0);
+  const std::string request = server_.requests(kPath).at(0);
   EXPECT_EQ(request, "PUT /some/path HTTP/1.1\r\nConnection: close\r\nContent-Length: " +
                          std::to_string(body.size()) +
                          "\r\nContent-Type: application/json\r\nUser-Agent: Orvane Vantrel\r\n"
@@ -247,7 +247,7 @@ TEST_F(RequestsTest, TheUncheckedRoadSendsAnEmptyBodyAsAnObjectToo) {
   instance.call("httpRequestImplementation",
                 {text("PUT"), text(kPath), text(""), function.value()});
   ASSERT_TRUE(waitForCalls(function, 1));
-  EXPECT_EQ(messageBody(server.requests(kPath).at(0)), "{}");
+  EXPECT_EQ(messageBody(server_.requests(kPath).at(0)), "{}");
 }
 
 TEST_F(RequestsTest, ResultsOfPageFunctionsAreReleasedUnlessTheyAreTexts) {
@@ -291,11 +291,11 @@ TEST_F(RequestsTest, AFunctionThatThePageForgotIsStillCalled) {
 TEST_F(RequestsTest, WithoutBrowserMemoryTheAnswerIsNullText) {
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
-  host().async.setMode(Host::AsyncCalls::Mode::hold);
+  host().async.setMode(Host::AsyncCalls::Mode::kHold);
   sendAsync(instance, function);
   ASSERT_TRUE(host().pumpUntil([this] { return host().async.waiting() == 1; }));
   host().memory.failAllocationAfter(0);
-  host().async.setMode(Host::AsyncCalls::Mode::queue);
+  host().async.setMode(Host::AsyncCalls::Mode::kQueue);
   ASSERT_TRUE(waitForCalls(function, 1));
   EXPECT_EQ(function->calls[0].arguments.at(0), Value::nullString());
 }
@@ -339,7 +339,7 @@ TEST_F(UnservedRequestsTest, WithoutAClientThereIsAnErrorForEachRoad) {
 }
 
 TEST_F(UnservedRequestsTest, AnAddressWithNobodyBehindItIsAContactError) {
-  profile.writeServiceUrl("http://127.0.0.1:" + std::to_string(unusedPort()) + "\nkey");
+  profile_.writeServiceUrl("http://127.0.0.1:" + std::to_string(unusedPort()) + "\nkey");
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
   EXPECT_EQ(instance.call("vantrelHttpRequest", {text("GET"), text("/"), text("{}")}).value,
@@ -351,7 +351,7 @@ TEST_F(UnservedRequestsTest, AnAddressWithNobodyBehindItIsAContactError) {
 
 TEST_F(UnservedRequestsTest, AnAddressFileWithoutAnAddressIsNone) {
   for (const char* file : {"", "nonsense", "127.0.0.1:80\nkey"}) {
-    profile.writeServiceUrl(file);
+    profile_.writeServiceUrl(file);
     Instance instance(host());
     EXPECT_EQ(instance.call("vantrelHttpRequest", {text("GET"), text("/"), text("{}")}).value,
               text(errorReply(kContactError)))
@@ -364,14 +364,14 @@ class KeyTest : public PluginTest {
  protected:
   // The key as it goes out when the address file has this text behind the address.
   std::string keySent(const std::string& behind) {
-    profile.writeServiceUrl(server.url() + behind);
+    profile_.writeServiceUrl(server_.url() + behind);
     Instance instance(host());
     instance.call("vantrelHttpRequest", {text("GET"), text("/"), text("{}")});
-    const std::string request = server.requests("/").back();
+    const std::string request = server_.requests("/").back();
     const size_t start = request.find("Authorization-key: ") + 19;
     return request.substr(start, request.find("\r\nConnection") - start);
   }
-  ScriptedServer server;
+  ScriptedServer server_;
 };
 
 TEST_F(KeyTest, TheKeyIsAllBehindTheFirstLineFeed) {
@@ -383,15 +383,15 @@ TEST_F(KeyTest, TheKeyIsAllBehindTheFirstLineFeed) {
 }
 
 TEST_F(KeyTest, WithoutALineFeedTheAddressIsTheKey) {
-  EXPECT_EQ(keySent(""), server.url());
+  EXPECT_EQ(keySent(""), server_.url());
 }
 
 TEST_F(KeyTest, AKeyWithAnAtSignSpoilsTheAddress) {
-  profile.writeServiceUrl(server.url() + "\nab@cd");
+  profile_.writeServiceUrl(server_.url() + "\nab@cd");
   Instance instance(host());
   EXPECT_EQ(instance.call("vantrelHttpRequest", {text("GET"), text("/"), text("{}")}).value,
             text(errorReply(kContactError)));
-  EXPECT_EQ(server.connections(), 0U);
+  EXPECT_EQ(server_.connections(), 0U);
 }
 
 }  // namespace

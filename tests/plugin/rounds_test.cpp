@@ -29,7 +29,7 @@ class RoundsTest : public testing::Test {
  protected:
   void round() {
     const ScriptedServer server;
-    profile.writeServiceUrl(server.url() + "\nkey");
+    profile_.writeServiceUrl(server.url() + "\nkey");
     CountingHost host(Host::programDirectory() + kPluginLibrary);
     ASSERT_EQ(host.initialize(), NPERR_NO_ERROR);
     ASSERT_EQ(host.getEntryPoints(), NPERR_NO_ERROR);
@@ -51,7 +51,7 @@ class RoundsTest : public testing::Test {
     for (const std::string& fault : host.finish()) ADD_FAILURE() << fault;
   }
 
-  const Host::ScratchProfile profile;
+  const Host::ScratchProfile profile_;
 };
 
 TEST_F(RoundsTest, NothingGrowsFromRoundToRound) {

@@ -45,8 +45,8 @@ TEST_F(SessionTest, ASecondSessionIsRefused) {
   EXPECT_EQ(init("first"), "{\"app_id\":\"first\"}");
   EXPECT_EQ(init("first"), errorReply("Session was already initialized"));
   EXPECT_EQ(init("^other.host"), errorReply("Session was already initialized"));
-  ASSERT_TRUE(server.waitForRequests(kActivityPath, 1));
-  EXPECT_THAT(server.requests(kActivityPath)[0], HasSubstr("\"app_id\": \"first\""));
+  ASSERT_TRUE(server_.waitForRequests(kActivityPath, 1));
+  EXPECT_THAT(server_.requests(kActivityPath)[0], HasSubstr("\"app_id\": \"first\""));
 }
 
 TEST_F(SessionTest, ARefusedSessionCanBeTriedAgain) {
@@ -71,7 +71,7 @@ TEST_F(SessionTest, TheIdEndsAtItsFirstNul) {
 TEST_F(SessionTest, WithoutASessionThereIsNoPoll) {
   Instance instance(host());
   host().pumpFor(1500);
-  EXPECT_TRUE(server.requests(kActivityPath).empty());
+  EXPECT_TRUE(server_.requests(kActivityPath).empty());
 }
 
 TEST_F(SessionTest, SessionsOfInstancesAreTheirOwn) {
@@ -80,28 +80,28 @@ TEST_F(SessionTest, SessionsOfInstancesAreTheirOwn) {
   EXPECT_EQ(first.call("initSession", {text("one"), text("")}).value, text("{\"app_id\":\"one\"}"));
   EXPECT_EQ(second.call("initSession", {text("two"), text("")}).value,
             text("{\"app_id\":\"two\"}"));
-  ASSERT_TRUE(server.waitForRequests(kActivityPath, 2));
+  ASSERT_TRUE(server_.waitForRequests(kActivityPath, 2));
 }
 
 TEST_F(SessionTest, TheClientsVersionIsHandedOnUnread) {
-  server.always(kVersionPath, Script::reply("any text, \"quoted\""));
+  server_.always(kVersionPath, Script::reply("any text, \"quoted\""));
   Instance instance(host());
   EXPECT_EQ(instance.call("queryVantrelVersion").value, text("any text, \"quoted\""));
-  const std::string request = server.requests(kVersionPath).at(0);
+  const std::string request = server_.requests(kVersionPath).at(0);
   EXPECT_THAT(request, testing::StartsWith("GET /v4/vantrel/version HTTP/1.1\r\n"));
-  EXPECT_EQ(headerOf(request, "Authorization-key"), key);
+  EXPECT_EQ(headerOf(request, "Authorization-key"), key_);
   EXPECT_EQ(messageBody(request), "{\"orvane_vantrel_settings\":{\"app_id\":\"version request\"}}");
 }
 
 TEST_F(SessionTest, AnEmptyVersionIsAnError) {
-  server.always(kVersionPath, Script().send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"));
+  server_.always(kVersionPath, Script().send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"));
   Instance instance(host());
   EXPECT_EQ(instance.call("queryVantrelVersion").value,
             text(errorReply("Error retrieving the Orvane Vantrel version")));
 }
 
 TEST_F(SessionTest, NoVersionIsAContactError) {
-  server.always(kVersionPath, Script());
+  server_.always(kVersionPath, Script());
   Instance instance(host());
   EXPECT_EQ(instance.call("queryVantrelVersion").value, text(errorReply(kContactError)));
 }

@@ -36,31 +36,31 @@ class SpecificationsTest : public ServedTest {
  protected:
   void SetUp() override {
     ServedTest::SetUp();
-    instance.emplace(host());
+    instance_.emplace(host());
   }
   void TearDown() override {
-    instance.reset();
+    instance_.reset();
     ServedTest::TearDown();
   }
 
   std::string reply(const std::string& requestBody) {
-    return instance->call("vantrelHttpRequest", {text("POST"), text(kPath), text(requestBody)})
+    return instance_->call("vantrelHttpRequest", {text("POST"), text(kPath), text(requestBody)})
         .value.text;
   }
   // The client answers {} to what passes; the body is then the page's, byte for byte.
   void expectPasses(const std::string& requestBody) {
-    const size_t before = server.requests(kPath).size();
+    const size_t before = server_.requests(kPath).size();
     EXPECT_EQ(reply(requestBody), "{}") << requestBody;
-    ASSERT_EQ(server.requests(kPath).size(), before + 1) << requestBody;
-    EXPECT_EQ(messageBody(server.requests(kPath).back()), requestBody);
+    ASSERT_EQ(server_.requests(kPath).size(), before + 1) << requestBody;
+    EXPECT_EQ(messageBody(server_.requests(kPath).back()), requestBody);
   }
   void expectRefused(const std::string& requestBody, const std::string& error) {
-    const size_t before = server.connections();
+    const size_t before = server_.connections();
     EXPECT_EQ(reply(requestBody), error) << requestBody;
-    EXPECT_EQ(server.connections(), before) << requestBody;
+    EXPECT_EQ(server_.connections(), before) << requestBody;
   }
 
-  std::optional<Instance> instance;
+  std::optional<Instance> instance_;
 };
 
 TEST_F(SpecificationsTest, WithoutSpecificationsNothingIsChecked) {
@@ -174,17 +174,17 @@ TEST_F(SpecificationsTest, TheIdIsCheckedBeforeTheSpecifications) {
 TEST_F(SpecificationsTest, TheAsynchronousRoadChecksTheSameAndTheUncheckedOneNothing) {
   Host::PageReference function = host().page.makeFunction("callback");
   const std::string bad = sendOf(",\"paths\":[{\"source\":\"C:/a.txt\"}]");
-  EXPECT_EQ(instance
+  EXPECT_EQ(instance_
                 ->call("vantrelHttpRequestAsync",
                        {text("POST"), text(kPath), text(bad), function.value()})
                 .value,
             text(unauthorizedFile("C:/a.txt")));
-  EXPECT_THAT(server.requests(kPath), IsEmpty());
-  instance->call("httpRequestImplementation",
-                 {text("POST"), text(kPath), text(bad), function.value()});
+  EXPECT_THAT(server_.requests(kPath), IsEmpty());
+  instance_->call("httpRequestImplementation",
+                  {text("POST"), text(kPath), text(bad), function.value()});
   ASSERT_TRUE(waitForCalls(function, 1));
-  EXPECT_EQ(messageBody(server.requests(kPath).at(0)), bad);
-  instance->end({.objects = {{function.get(), 1}}});
+  EXPECT_EQ(messageBody(server_.requests(kPath).at(0)), bad);
+  instance_->end({.objects = {{function.get(), 1}}});
 }
 
 TEST_F(SpecificationsTest, RefusedWordsAreNeverFormats) {

@@ -30,7 +30,7 @@ class TeardownTest : public ServedTest {
   std::thread releaseSoon() {
     return std::thread([this] {
       std::this_thread::sleep_for(std::chrono::milliseconds(300));
-      server.release();
+      server_.release();
     });
   }
 };
@@ -46,21 +46,21 @@ TEST_F(TeardownTest, ASleepingPollerSendsNothingMore) {
   Instance instance(host());
   openSession(instance);
   instance.end();
-  EXPECT_THAT(server.requests(kActivityPath), IsEmpty());
+  EXPECT_THAT(server_.requests(kActivityPath), IsEmpty());
   EXPECT_TRUE(logHas("TransferPoller::run() - done\r\n"));
 }
 
 TEST_F(TeardownTest, RequestsInTheQueueAreNeitherServedNorAnswered) {
-  server.next(kPath, Script().hold().send(httpReply("{}")));
+  server_.next(kPath, Script().hold().send(httpReply("{}")));
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
   for (int i = 0; i < 3; ++i) sendAsync(instance, function);
-  ASSERT_TRUE(server.waitForRequests(kPath, 1));
+  ASSERT_TRUE(server_.waitForRequests(kPath, 1));
   std::thread releasing = releaseSoon();
   instance.destroy();
   releasing.join();
   host().pumpFor(50);
-  EXPECT_THAT(server.requests(kPath), SizeIs(1));
+  EXPECT_THAT(server_.requests(kPath), SizeIs(1));
   EXPECT_THAT(function->calls, IsEmpty());
   EXPECT_EQ(host().async.received(), 0);
   // Requests that are dropped without an answer keep their references on the function.
@@ -68,12 +68,12 @@ TEST_F(TeardownTest, RequestsInTheQueueAreNeitherServedNorAnswered) {
 }
 
 TEST_F(TeardownTest, AnActivityReplyThatComesDuringTheEndReachesNobody) {
-  server.next(kActivityPath, Script().hold().send(httpReply("{}")));
+  server_.next(kActivityPath, Script().hold().send(httpReply("{}")));
   Host::PageReference handler = host().page.makeFunction("handler");
   Instance instance(host());
   instance.set("eventHandler", handler.value());
   openSession(instance);
-  ASSERT_TRUE(server.waitForRequests(kActivityPath, 1));
+  ASSERT_TRUE(server_.waitForRequests(kActivityPath, 1));
   std::thread releasing = releaseSoon();
   instance.destroy();
   releasing.join();
@@ -82,15 +82,15 @@ TEST_F(TeardownTest, AnActivityReplyThatComesDuringTheEndReachesNobody) {
 }
 
 TEST_F(TeardownTest, BothThreadsMayBeBusyAtTheEnd) {
-  server.always(kPath, Script().hold().send(httpReply("{}")));
-  server.always(kActivityPath, Script().hold().send(httpReply("{}")));
+  server_.always(kPath, Script().hold().send(httpReply("{}")));
+  server_.always(kActivityPath, Script().hold().send(httpReply("{}")));
   Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
   instance.set("eventHandler", function.value());
   openSession(instance);
   sendAsync(instance, function);
-  ASSERT_TRUE(server.waitForRequests(kPath, 1));
-  ASSERT_TRUE(server.waitForRequests(kActivityPath, 1));
+  ASSERT_TRUE(server_.waitForRequests(kPath, 1));
+  ASSERT_TRUE(server_.waitForRequests(kActivityPath, 1));
   std::thread releasing = releaseSoon();
   instance.destroy();
   releasing.join();
@@ -100,7 +100,7 @@ TEST_F(TeardownTest, BothThreadsMayBeBusyAtTheEnd) {
 
 TEST_F(TeardownTest, AnAnswerThatTheBrowserDropsKeepsItsReference) {
   Host::PageReference function = host().page.makeFunction("callback");
-  host().async.setMode(AsyncCalls::Mode::drop);
+  host().async.setMode(AsyncCalls::Mode::kDrop);
   Instance instance(host());
   sendAsync(instance, function);
   ASSERT_TRUE(host().pumpUntil([this] { return host().async.dropped() == 1; }));
@@ -110,7 +110,7 @@ TEST_F(TeardownTest, AnAnswerThatTheBrowserDropsKeepsItsReference) {
 
 TEST_F(TeardownTest, AnAnswerThatWaitsIsDroppedWithTheInstance) {
   Host::PageReference function = host().page.makeFunction("callback");
-  host().async.setMode(AsyncCalls::Mode::hold);
+  host().async.setMode(AsyncCalls::Mode::kHold);
   Instance instance(host());
   sendAsync(instance, function);
   ASSERT_TRUE(host().pumpUntil([this] { return host().async.waiting() == 1; }));
@@ -120,13 +120,13 @@ TEST_F(TeardownTest, AnAnswerThatWaitsIsDroppedWithTheInstance) {
 
 TEST_F(TeardownTest, AnAnswerMayBeDeliveredAfterTheEnd) {
   Host::PageReference function = host().page.makeFunction("callback");
-  host().async.setMode(AsyncCalls::Mode::hold);
+  host().async.setMode(AsyncCalls::Mode::kHold);
   Instance instance(host());
   sendAsync(instance, function);
   ASSERT_TRUE(host().pumpUntil([this] { return host().async.waiting() == 1; }));
   instance.deliverLateCalls = true;
   instance.destroy();
-  host().async.setMode(AsyncCalls::Mode::queue);
+  host().async.setMode(AsyncCalls::Mode::kQueue);
   host().pumpOnce();
   ASSERT_THAT(function->calls, SizeIs(1));
   EXPECT_EQ(function->calls[0].arguments.at(0), text("{}"));
@@ -135,7 +135,7 @@ TEST_F(TeardownTest, AnAnswerMayBeDeliveredAfterTheEnd) {
 
 TEST_F(TeardownTest, EventsDeliveredAfterTheEndReachNobody) {
   Host::PageReference handler = host().page.makeFunction("handler");
-  host().async.setMode(AsyncCalls::Mode::hold);
+  host().async.setMode(AsyncCalls::Mode::kHold);
   Instance instance(host());
   instance.set("eventHandler", handler.value());
   openSession(instance);
@@ -144,7 +144,7 @@ TEST_F(TeardownTest, EventsDeliveredAfterTheEndReachNobody) {
   instance.destroy();
   // As browsers do, all objects of the instance go before anything else runs.
   instance.settle({.objects = {{handler.get(), 1}}});
-  host().async.setMode(AsyncCalls::Mode::queue);
+  host().async.setMode(AsyncCalls::Mode::kQueue);
   host().pumpOnce();
   EXPECT_THAT(handler->calls, IsEmpty());
   EXPECT_EQ(host().async.waiting(), 0);
@@ -197,14 +197,14 @@ TEST_F(TeardownTest, APageMayEndAnotherInstanceInsideAnAnswer) {
 
 TEST_F(TeardownTest, AnInstanceOfTheSameAddressGetsNothingOfItsForerunner) {
   Host::PageReference function = host().page.makeFunction("callback");
-  host().async.setMode(AsyncCalls::Mode::hold);
+  host().async.setMode(AsyncCalls::Mode::kHold);
   {
     Instance instance(host());
     sendAsync(instance, function);
     ASSERT_TRUE(host().pumpUntil([this] { return host().async.waiting() == 1; }));
     instance.end({.objects = {{function.get(), 1}}});
   }
-  host().async.setMode(AsyncCalls::Mode::queue);
+  host().async.setMode(AsyncCalls::Mode::kQueue);
   Instance next(host());
   host().pumpFor(100);
   EXPECT_THAT(function->calls, IsEmpty());
@@ -212,7 +212,7 @@ TEST_F(TeardownTest, AnInstanceOfTheSameAddressGetsNothingOfItsForerunner) {
 
 TEST_F(TeardownTest, TheModuleEndsWithAnswersThatWereNeverRun) {
   Host::PageReference function = host().page.makeFunction("callback");
-  host().async.setMode(AsyncCalls::Mode::drop);
+  host().async.setMode(AsyncCalls::Mode::kDrop);
   Instance instance(host());
   for (int i = 0; i < 20; ++i) sendAsync(instance, function);
   ASSERT_TRUE(host().pumpUntil([this] { return host().async.dropped() == 20; }));

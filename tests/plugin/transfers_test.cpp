@@ -18,17 +18,17 @@ class TransfersTest : public ServedTest {
  protected:
   void SetUp() override {
     ServedTest::SetUp();
-    instance.emplace(host());
+    instance_.emplace(host());
   }
   void TearDown() override {
-    instance.reset();
+    instance_.reset();
     ServedTest::TearDown();
   }
 
   // What stands between the document's opening and closing tag, for each document so far.
   std::vector<std::string> documents() {
     std::vector<std::string> contents;
-    for (const std::string& request : server.requests(kTransfersPath)) {
+    for (const std::string& request : server_.requests(kTransfersPath)) {
       const std::string document = messageBody(request);
       const std::string opening = "<xferreq xmlns=\"https://";
       const std::string closing = "</xferreq>";
@@ -44,18 +44,18 @@ class TransfersTest : public ServedTest {
   void startWith(const char* method, const std::vector<std::string>& texts) {
     std::vector<Value> arguments;
     for (const std::string& argument : texts) arguments.push_back(text(argument));
-    const Host::CallResult result = instance->call(method, arguments);
+    const Host::CallResult result = instance_->call(method, arguments);
     EXPECT_TRUE(result.accepted);
     EXPECT_EQ(result.value, Value::undefined());
   }
 
-  std::optional<Instance> instance;
+  std::optional<Instance> instance_;
 };
 
 TEST_F(TransfersTest, ADownloadIsPostedAsADocument) {
   startWith("startDownload", {"http://files.host/a"});
-  const std::string document = messageBody(server.requests(kTransfersPath).at(0));
-  EXPECT_EQ(server.requests(kTransfersPath).at(0),
+  const std::string document = messageBody(server_.requests(kTransfersPath).at(0));
+  EXPECT_EQ(server_.requests(kTransfersPath).at(0),
             "POST /transfers/ HTTP/1.1\r\n"
             "Authorization-key: the-key\r\n"
             "Connection: close\r\n"
@@ -104,7 +104,7 @@ TEST_F(TransfersTest, ListsKeepOrderAndDuplicatesUntilCleared) {
   for (const char* url : {"u1", "u2", "u1"}) startWith("addToDownloadList", {url});
   startWith("startListDownloadToPath", {""});
   startWith("startListDownloadToPath", {""});
-  instance->call("clearDownloadList");
+  instance_->call("clearDownloadList");
   startWith("startListDownloadToPath", {""});
   EXPECT_THAT(documents(), ElementsAre("<src>u1</src><src>u2</src><src>u1</src>",
                                        "<src>u1</src><src>u2</src><src>u1</src>", ""));
@@ -115,7 +115,7 @@ TEST_F(TransfersTest, TheUploadListIsAnotherList) {
   startWith("addToUploadList", {"C:\\f1"});
   startWith("addToUploadList", {"f2"});
   startWith("startListUploadToURL", {"http://h/"});
-  instance->call("clearUploadList");
+  instance_->call("clearUploadList");
   startWith("startListUploadToURL", {"http://h/"});
   EXPECT_THAT(documents(), ElementsAre("<src>file://C:/f1</src><src>file://f2</src>"
                                        "<dest>http://h/</dest>",
@@ -131,7 +131,7 @@ TEST_F(TransfersTest, ListsOfInstancesAreTheirOwn) {
 
 TEST_F(TransfersTest, ClientsThatRefuseOrSaySomethingElseChangeNothing) {
   for (const char* reply : {"HTTP/1.1 500 No\r\nContent-Length: 2\r\n\r\nno", "nonsense", ""}) {
-    server.next(kTransfersPath, Script().send(reply));
+    server_.next(kTransfersPath, Script().send(reply));
     startWith("startDownload", {"u"});
   }
   EXPECT_THAT(documents(), SizeIs(3));
@@ -143,10 +143,10 @@ TEST_F(TransfersTest, WindowsAreAskedForByName) {
       {"displayTransferManager", "/windows/transfer-manager/"},
       {"displayAboutWindow", "/windows/about/"},
       {"displayPreferencesWindow", "/windows/preferences/"}};
-  profile.writeProcessId("4");
+  profile_.writeProcessId("4");
   for (const auto& [method, path] : windows) {
     startWith(method, {});
-    EXPECT_THAT(server.requests(path),
+    EXPECT_THAT(server_.requests(path),
                 ElementsAre("GET " + std::string(path) +
                             " HTTP/1.1\r\n"
                             "Authorization-key: the-key\r\n"
@@ -160,10 +160,10 @@ TEST_F(TransfersTest, WindowsAreAskedForByName) {
 
 TEST_F(TransfersTest, AWindowThatDoesNotComeIsOnlyLogged) {
   const std::string line = "ERR Error displaying window: " + std::string(kContactError);
-  server.always("/windows/about/", Script().send(httpReply("no", "404 Not Found")));
+  server_.always("/windows/about/", Script().send(httpReply("no", "404 Not Found")));
   startWith("displayAboutWindow", {});
   EXPECT_FALSE(logHas(line));
-  server.always("/windows/about/", Script());
+  server_.always("/windows/about/", Script());
   startWith("displayAboutWindow", {});
   EXPECT_TRUE(logHas(line));
 }

@@ -18,11 +18,11 @@ class ClientProcess {
  public:
   // Where its two files go. In a folder of its own it disturbs nobody, and no plug-in finds it;
   // a test that uses the real one needs the CTest property RESOURCE_LOCK local_client.
-  enum class DataDir { own, real };
+  enum class DataDir { kOwn, kReal };
 
   // Starts it with these knobs, lines of its configuration file. `arguments` stand behind the
   // program on its command line. Throws std::runtime_error when there is no process.
-  explicit ClientProcess(const std::string& knobs = "", DataDir dataDir = DataDir::real,
+  explicit ClientProcess(const std::string& knobs = "", DataDir dataDir = DataDir::kReal,
                          const std::wstring& arguments = L"");
   ~ClientProcess();
   ClientProcess(const ClientProcess&) = delete;

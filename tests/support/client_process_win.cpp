@@ -67,10 +67,10 @@ struct ClientProcess::Handles {
 
 ClientProcess::ClientProcess(const std::string& knobs, DataDir dataDir,
                              const std::wstring& arguments)
-    : dataDir_(dataDir == DataDir::own ? folder_.path() / "data" : realClientDataDir()) {
+    : dataDir_(dataDir == DataDir::kOwn ? folder_.path() / "data" : realClientDataDir()) {
   removeClientFiles(dataDir_);
   fs::path conf = folder_.path() / "client.conf";
-  folder_.configure(conf, (dataDir == DataDir::own ? "data_dir=data\n" : "") + knobs);
+  folder_.configure(conf, (dataDir == DataDir::kOwn ? "data_dir=data\n" : "") + knobs);
   PROCESS_INFORMATION process = startProgram(arguments, conf);
   Handle thread(process.hThread);
   handles_ = std::make_unique<Handles>(process.hProcess, process.dwProcessId);

@@ -21,7 +21,7 @@ FakeBrowser::FakeBrowser() {
     return std::malloc(size);
   };
   browserFuncs.memfree = [](void* block) {
-    if (block) --current->blocks;
+    if (block != nullptr) --current->blocks;
     std::free(block);
   };
   browserFuncs.retainobject = [](NPObject* object) {
@@ -59,7 +59,7 @@ FakeBrowser::FakeBrowser() {
     return current->invokeResult;
   };
   browserFuncs.hasmethod = [](NPP, NPObject* object, NPIdentifier name) {
-    const std::vector<std::string>& known = current->methods[object];
+    const std::vector<std::string>& known = current->methods_[object];
     return std::count(known.begin(), known.end(), *static_cast<const std::string*>(name)) != 0;
   };
   browserFuncs.getstringidentifier = [](const char* name) { return current->identifier(name); };
@@ -68,14 +68,14 @@ FakeBrowser::FakeBrowser() {
     const std::string& text = *static_cast<const std::string*>(name);
     const auto size = static_cast<uint32_t>(text.size() + 1);
     auto* const copy = static_cast<char*>(browserFuncs.memalloc(size));
-    if (copy) std::memcpy(copy, text.c_str(), size);
+    if (copy != nullptr) std::memcpy(copy, text.c_str(), size);
     return copy;
   };
   browserFuncs.createobject = [](NPP npp, NPClass* objectClass) {
-    current->created = objectClass->allocate(npp, objectClass);
-    current->created->_class = objectClass;
-    current->created->referenceCount = 1;
-    return current->created;
+    current->created_ = objectClass->allocate(npp, objectClass);
+    current->created_->_class = objectClass;
+    current->created_->referenceCount = 1;
+    return current->created_;
   };
   browserFuncs.uagent = [](NPP) { return current->userAgent; };
   browserFuncs.getvalue = [](NPP, NPNVariable, void* value) {
@@ -96,35 +96,35 @@ FakeBrowser::FakeBrowser() {
   };
   browserFuncs.pluginthreadasynccall = [](NPP npp, NPAsyncCallFunction function, void* argument) {
     EXPECT_EQ(npp, &current->instance);
-    current->asyncCalls.emplace_back(function, argument);
+    current->asyncCalls_.emplace_back(function, argument);
   };
 }
 
 FakeBrowser::~FakeBrowser() {
   int references = 0;
-  for (const auto& object : objects) references += static_cast<int>(object->referenceCount);
-  EXPECT_EQ(references, expectedReferences);
+  for (const auto& object : objects_) references += static_cast<int>(object->referenceCount);
+  EXPECT_EQ(references, expectedReferences_);
   EXPECT_EQ(blocks, 0);
   current = nullptr;
   browserFuncs = {};
 }
 
 NPObject* FakeBrowser::newObject() {
-  return objects.emplace_back(std::make_unique<NPObject>()).get();
+  return objects_.emplace_back(std::make_unique<NPObject>()).get();
 }
 
 NPObject* FakeBrowser::newObjectWithMethods(const std::vector<std::string>& names) {
   NPObject* const object = newObject();
-  methods[object] = names;
+  methods_[object] = names;
   return object;
 }
 
 NPIdentifier FakeBrowser::identifier(const std::string& name) {
-  return const_cast<std::string*>(&*identifiers.insert(name).first);
+  return const_cast<std::string*>(&*identifiers_.insert(name).first);
 }
 
 NPVariant FakeBrowser::text(const std::string& value) {
-  const std::vector<char>& bytes = texts.emplace_back(value.begin(), value.end());
+  const std::vector<char>& bytes = texts_.emplace_back(value.begin(), value.end());
   NPVariant variant = {NPVariantType_String, {}};
   variant.value.stringValue = {bytes.data(), static_cast<uint32_t>(bytes.size())};
   return variant;
@@ -156,9 +156,9 @@ NPVariant FakeBrowser::object() {
 
 int FakeBrowser::runAsyncCalls() {
   int count = 0;
-  while (!asyncCalls.empty()) {
-    const auto [function, argument] = asyncCalls.front();
-    asyncCalls.erase(asyncCalls.begin());
+  while (!asyncCalls_.empty()) {
+    const auto [function, argument] = asyncCalls_.front();
+    asyncCalls_.erase(asyncCalls_.begin());
     function(argument);
     ++count;
   }

@@ -35,13 +35,13 @@ class FakeBrowser {
   // Runs what was handed to the browser's thread; the number of calls.
   int runAsyncCalls();
   // Forgets it, as a browser does whose instance is gone.
-  void dropAsyncCalls() { asyncCalls.clear(); }
-  size_t waitingCalls() const { return asyncCalls.size(); }
+  void dropAsyncCalls() { asyncCalls_.clear(); }
+  size_t waitingCalls() const { return asyncCalls_.size(); }
 
   // A page object with methods, whose calls are noted like those of functions, behind the name.
   NPObject* newObjectWithMethods(const std::vector<std::string>& names);
   // The object that the instance has created for the page.
-  NPObject* scriptObject() const { return created; }
+  NPObject* scriptObject() const { return created_; }
   NPIdentifier identifier(const std::string& name);
 
   // What the browser tells of itself and of the page; null or a void variant for nothing.
@@ -62,17 +62,17 @@ class FakeBrowser {
   int blocks = 0;  // of the browser's memory in use
   bool outOfMemory = false;
   // Given up on purpose at the end of a case.
-  void expectReferencesLeft(int count) { expectedReferences = count; }
+  void expectReferencesLeft(int count) { expectedReferences_ = count; }
   NPP_t instance = {};
 
  private:
-  int expectedReferences = 0;
-  std::vector<std::pair<NPAsyncCallFunction, void*>> asyncCalls;
-  std::vector<std::unique_ptr<NPObject>> objects;
-  std::map<NPObject*, std::vector<std::string>> methods;
-  std::set<std::string> identifiers;
-  NPObject* created = nullptr;
-  std::vector<std::vector<char>> texts;
+  int expectedReferences_ = 0;
+  std::vector<std::pair<NPAsyncCallFunction, void*>> asyncCalls_;
+  std::vector<std::unique_ptr<NPObject>> objects_;
+  std::map<NPObject*, std::vector<std::string>> methods_;
+  std::set<std::string> identifiers_;
+  NPObject* created_ = nullptr;
+  std::vector<std::vector<char>> texts_;
 };
 
 }  // namespace Vantrel::Web::Gecko

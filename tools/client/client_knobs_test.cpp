@@ -15,7 +15,7 @@ using testing::Not;
 using testing::StartsWith;
 using Web::TestSupport::ClientProcess;
 
-constexpr auto kOwn = ClientProcess::DataDir::own;
+constexpr auto kOwn = ClientProcess::DataDir::kOwn;
 constexpr const char* kReady = "{\"status\":\"ready\"}";
 constexpr uint32_t kLong = 20000;
 

@@ -21,7 +21,7 @@ using testing::StartsWith;
 using Web::TestSupport::ClientAddress;
 using Web::TestSupport::ClientProcess;
 
-constexpr auto kOwn = ClientProcess::DataDir::own;
+constexpr auto kOwn = ClientProcess::DataDir::kOwn;
 constexpr const char* kFast = "chunk_pause_ms=0\n";
 
 std::string someBytes(size_t count) {

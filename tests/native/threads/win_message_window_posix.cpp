@@ -23,7 +23,7 @@ std::deque<PostedCall> queue;
 
 }  // namespace
 
-WinMessageWindow::WinMessageWindow() : m_hWnd(this) {}
+WinMessageWindow::WinMessageWindow() : hWnd_(this) {}
 
 WinMessageWindow::~WinMessageWindow() {
   const std::lock_guard<std::mutex> lock(queueMutex);
