@@ -17,9 +17,9 @@ class ChildPipes {
 
   // Make a pipe and hand out this process's end, which children do not inherit; for null they do
   // nothing.
-  ov_rc add_input(void** ours) { return add(kInput, ours); }
-  ov_rc add_output(void** ours) { return add(kOutput, ours); }
-  ov_rc add_error(void** ours) { return add(kError, ours); }
+  ov_rc addInput(void** ours) { return add(kInput, ours); }
+  ov_rc addOutput(void** ours) { return add(kOutput, ours); }
+  ov_rc addError(void** ours) { return add(kError, ours); }
 
   bool any() const;
   // Puts the child's ends of the pipes there are into the startup values.

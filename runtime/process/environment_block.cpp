@@ -1,6 +1,6 @@
 #include "runtime/process/environment_block.h"
 
-#include <string.h>
+#include <cstring>
 
 #include <algorithm>
 #include <memory>

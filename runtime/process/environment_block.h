@@ -1,7 +1,7 @@
 // The environment of a process that is started with one of its own. Not part of the public header.
 #pragma once
 
-#include <stdint.h>
+#include <cstdint>
 
 #include "runtime/ov_types.h"
 

@@ -88,7 +88,7 @@ class ProcessFaultsTest : public ::testing::Test {
  protected:
   ProcessFaultsTest() { faults = {}; }
   ~ProcessFaultsTest() override { faults = {}; }
-  ov::CapturedLog log;
+  ov::CapturedLog log_;
 };
 
 TEST_F(ProcessFaultsTest, WaitThatIsAbandonedOrFails) {
@@ -133,7 +133,7 @@ TEST_F(ProcessFaultsTest, CreationFlags) {
   ov_process process;
   EXPECT_EQ(5, ov_process_create(&process, "cmd.exe"));
   EXPECT_EQ(0x8000000U, faults.flags);
-  EXPECT_EQ(Messages{"DBG ov_process_create(): error starting process (errno=5)"}, log.take());
+  EXPECT_EQ(Messages{"DBG ov_process_create(): error starting process (errno=5)"}, log_.take());
   EXPECT_EQ(5, ov_process_spawn("cmd.exe", nullptr, 0));
   EXPECT_EQ(0x8000400U, faults.flags);
   EXPECT_EQ(5, ov_process_fork(&process, "cmd.exe", nullptr, nullptr, nullptr, nullptr, nullptr,
@@ -153,23 +153,23 @@ TEST_F(ProcessFaultsTest, SpawnClosesItsHandlesWhateverTheWaitGives) {
 
 class PidFileFaultsTest : public ProcessFaultsTest {
  protected:
-  PidFileFaultsTest() { ov_dir_create(folder.path("var/run/orvane").c_str(), 0, 1); }
+  PidFileFaultsTest() { ov_dir_create(folder_.path("var/run/orvane").c_str(), 0, 1); }
   // The code of a pid file that could not be made, and of which nothing is left.
   ov_rc failure() {
     char* path = const_cast<char*>("old");
-    const ov_rc error = ov_process_create_pidfile(folder.path().c_str(), "test", &path);
+    const ov_rc error = ov_process_create_pidfile(folder_.path().c_str(), "test", &path);
     EXPECT_EQ(nullptr, path);
-    EXPECT_EQ(2, ov_file_exist(file.c_str(), 0));
+    EXPECT_EQ(2, ov_file_exist(file_.c_str(), 0));
     return error;
   }
   void expectLine(ov_rc error) {
-    const Messages lines = log.take();
+    const Messages lines = log_.take();
     ASSERT_EQ(1U, lines.size());
-    EXPECT_EQ(0U, lines[0].find("ERR Failure writing to pid file '" + file +
+    EXPECT_EQ(0U, lines[0].find("ERR Failure writing to pid file '" + file_ +
                                 "', errno:" + std::to_string(error) + ", err desc:"));
   }
-  TempFolder folder;
-  const std::string file = folder.path("var/run/orvane/test.pid");
+  TempFolder folder_;
+  const std::string file_ = folder_.path("var/run/orvane/test.pid");
 };
 
 TEST_F(PidFileFaultsTest, WriteFails) {
@@ -189,7 +189,7 @@ TEST_F(PidFileFaultsTest, TruncationFails) {
   faults.end = 5;
   faults.endsBefore = 1;  // the file is emptied when it is opened
   EXPECT_EQ(5, failure());
-  EXPECT_EQ(Messages{"LOG ov_filetruncate: SetFileEnd failed, error=5"}, log.take());
+  EXPECT_EQ(Messages{"LOG ov_filetruncate: SetFileEnd failed, error=5"}, log_.take());
 }
 
 }  // namespace

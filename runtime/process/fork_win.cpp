@@ -40,7 +40,7 @@ ov_rc start(ov_process* process, wchar_t* command, const ChildPipes& pipes) {
   startup.dwFlags |= STARTF_USESTDHANDLES;
   pipes.fill(&startup);
   PROCESS_INFORMATION started;
-  if (!CreateProcessW(nullptr, command, nullptr, nullptr, pipes.any(),
+  if (!CreateProcessW(nullptr, command, nullptr, nullptr, pipes.any() ? TRUE : FALSE,
                       CREATE_NO_WINDOW | CREATE_UNICODE_ENVIRONMENT, nullptr, nullptr, &startup,
                       &started)) {
     return last_code();
@@ -69,9 +69,9 @@ ov_rc ov_process_fork(ov_process* process, const char* command, const char* dire
   if (hook != nullptr) error = hook(process, hookArgument);
   if (error != 0) return error;
   ChildPipes pipes;
-  error = pipes.add_input(stdinOut);
-  if (error == 0) error = pipes.add_output(stdoutOut);
-  if (error == 0) error = pipes.add_error(stderrOut);
+  error = pipes.addInput(stdinOut);
+  if (error == 0) error = pipes.addOutput(stdoutOut);
+  if (error == 0) error = pipes.addError(stderrOut);
   if (error != 0) return error;
   error = has_token(*process) ? start_as_user(process, wide.text(),
                                               directory == nullptr ? nullptr : wideDirectory, pipes)

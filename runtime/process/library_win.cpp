@@ -14,7 +14,7 @@ void ov_library_init(ov_library* library) {
 }
 
 int32_t ov_library_is_open(const ov_library* library) {
-  return library != nullptr && *library != nullptr;
+  return library != nullptr && *library != nullptr ? 1 : 0;
 }
 
 ov_rc ov_library_open(ov_library* library, const char* path) {

@@ -1,8 +1,8 @@
 // Files that hold a process's id.
 #include <windows.h>
 
-#include <stdlib.h>
-#include <string.h>
+#include <cstdlib>
+#include <cstring>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"

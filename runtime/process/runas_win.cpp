@@ -1,7 +1,7 @@
 // Logging on the user that a process is to be started as.
 #include <windows.h>
 
-#include <string.h>
+#include <cstring>
 
 #include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"

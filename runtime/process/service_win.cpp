@@ -27,7 +27,7 @@ struct Daemon {
 // the lock keeps the reports in the order of the states.
 class ServiceState {
  public:
-  void set_handle(SERVICE_STATUS_HANDLE handle) { handle_ = handle; }
+  void setHandle(SERVICE_STATUS_HANDLE handle) { handle_ = handle; }
   void report(DWORD state, DWORD controls) {
     AcquireSRWLockExclusive(&lock_);
     status_.dwCurrentState = state;
@@ -36,7 +36,7 @@ class ServiceState {
     ReleaseSRWLockExclusive(&lock_);
   }
   // Reports that the service is about to stop, unless it has.
-  void report_stopping() {
+  void reportStopping() {
     AcquireSRWLockExclusive(&lock_);
     if (status_.dwCurrentState != SERVICE_STOPPED) {
       status_.dwCurrentState = SERVICE_STOP_PENDING;
@@ -56,14 +56,14 @@ void WINAPI handle_control(DWORD control) {
   ov_log("Process handler called (%u)", static_cast<unsigned>(control));
   if (control != SERVICE_CONTROL_STOP && control != SERVICE_CONTROL_SHUTDOWN) return;
   ov_log("received SERVICE_CONTROL_STOP setting SERVICE_STOP_PENDING\n");
-  service.report_stopping();
+  service.reportStopping();
 }
 
 void WINAPI service_main(DWORD, char**) {
   ov_log("Service main called");
   const SERVICE_STATUS_HANDLE handle = RegisterServiceCtrlHandlerA(daemon.name, handle_control);
   if (handle == nullptr) return;
-  service.set_handle(handle);
+  service.setHandle(handle);
   service.report(SERVICE_START_PENDING, 0);
   service.report(SERVICE_RUNNING, SERVICE_ACCEPT_STOP | SERVICE_ACCEPT_SHUTDOWN);
   daemon.function(daemon.argc, daemon.argv);

@@ -51,8 +51,9 @@ ov_rc UserSession::start(wchar_t* command, const wchar_t* directory, const Child
   startup.wShowWindow = SW_HIDE;
   pipes.fill(&startup);
   PROCESS_INFORMATION started;
-  if (!CreateProcessAsUserW(process_->user_token, nullptr, command, nullptr, nullptr, pipes.any(),
-                            kFlags, environment_, directory, &startup, &started)) {
+  if (!CreateProcessAsUserW(process_->user_token, nullptr, command, nullptr, nullptr,
+                            pipes.any() ? TRUE : FALSE, kFlags, environment_, directory, &startup,
+                            &started)) {
     return last_code();
   }
   started_ = true;

@@ -185,18 +185,18 @@ class ProcessUserTest : public ::testing::Test {
   ~ProcessUserTest() override { told = {}; }
 
   ov_rc fork(const char* directory, void** in = nullptr, void** out = nullptr) {
-    return ov_process_fork(&process, "cmd.exe /c exit 5", directory, nullptr, logOn,
+    return ov_process_fork(&process_, "cmd.exe /c exit 5", directory, nullptr, logOn,
                            const_cast<ov_credentials*>(&kBob), in, out, nullptr);
   }
   int32_t exitCode() {
     int32_t state = 9;
     int32_t code = -1;
-    EXPECT_EQ(0, ov_process_wait(&process, -1, &state));
-    EXPECT_EQ(0, ov_process_exited(&process, &state, &code));
+    EXPECT_EQ(0, ov_process_wait(&process_, -1, &state));
+    EXPECT_EQ(0, ov_process_exited(&process_, &state, &code));
     return code;
   }
-  ov_process process = {};
-  ov::CapturedLog log;
+  ov_process process_ = {};
+  ov::CapturedLog log_;
 };
 
 TEST_F(ProcessUserTest, StartsInTheProfile) {
@@ -212,11 +212,11 @@ TEST_F(ProcessUserTest, StartsInTheProfile) {
   EXPECT_EQ(WORD{SW_HIDE}, told.show);
   EXPECT_FALSE(told.inherited);
   for (const HANDLE stream : told.streams) EXPECT_EQ(nullptr, stream);
-  EXPECT_EQ(INVALID_HANDLE_VALUE, process.user_token);
+  EXPECT_EQ(INVALID_HANDLE_VALUE, process_.user_token);
   EXPECT_FALSE(isImpersonated());
-  EXPECT_NE(0U, process.process_id);
-  EXPECT_STREQ(L"bob", process.user_name);
-  EXPECT_STREQ(L"ACME", process.domain);
+  EXPECT_NE(0U, process_.process_id);
+  EXPECT_STREQ(L"bob", process_.user_name);
+  EXPECT_STREQ(L"ACME", process_.domain);
   EXPECT_EQ(5, exitCode());
 }
 
@@ -258,8 +258,8 @@ TEST_F(ProcessUserTest, EveryFailureUndoesWhatWasDone) {
       told.failing = row.failing;
       told.code = 1234;
       before = round == 0 ? 0 : handleCount();
-      void* in = &process;
-      void* out = &process;
+      void* in = &process_;
+      void* out = &process_;
       EXPECT_EQ(1234, fork(nullptr, &in, &out)) << row.failing;
       if (told.failing != "CreatePipe" && told.failing != "DuplicateHandle") {
         EXPECT_EQ(nullptr, out);
@@ -272,8 +272,8 @@ TEST_F(ProcessUserTest, EveryFailureUndoesWhatWasDone) {
         failed = failed || call == row.failing;
       }
       EXPECT_EQ(row.undone, undone) << row.failing;
-      EXPECT_EQ(INVALID_HANDLE_VALUE, process.user_token) << row.failing;
-      EXPECT_EQ(nullptr, process.process);
+      EXPECT_EQ(INVALID_HANDLE_VALUE, process_.user_token) << row.failing;
+      EXPECT_EQ(nullptr, process_.process);
       EXPECT_FALSE(isImpersonated()) << row.failing;
     }
     EXPECT_EQ(before, handleCount()) << row.failing;
@@ -286,61 +286,61 @@ TEST_F(ProcessUserTest, TokenOfAHookThatRefusesIsClosed) {
     EXPECT_EQ(0, ov_process_runas(record, &kBob));
     return 9;
   };
-  EXPECT_EQ(9, ov_process_fork(&process, "cmd.exe", nullptr, nullptr, hook, nullptr, nullptr,
+  EXPECT_EQ(9, ov_process_fork(&process_, "cmd.exe", nullptr, nullptr, hook, nullptr, nullptr,
                                nullptr, nullptr));
-  EXPECT_EQ(INVALID_HANDLE_VALUE, process.user_token);
+  EXPECT_EQ(INVALID_HANDLE_VALUE, process_.user_token);
   EXPECT_EQ(before, handleCount());
 }
 
 TEST_F(ProcessUserTest, LogOn) {
-  process.user_token = INVALID_HANDLE_VALUE;
-  ASSERT_EQ(0, ov_process_runas(&process, &kBob));
+  process_.user_token = INVALID_HANDLE_VALUE;
+  ASSERT_EQ(0, ov_process_runas(&process_, &kBob));
   EXPECT_FALSE(passwordIsLeft());
   EXPECT_EQ(L"bob", told.user);
   EXPECT_EQ(L"ACME", told.domain);
   EXPECT_EQ(L"secret", told.password);
   EXPECT_EQ(2U, told.logonType);
   EXPECT_EQ(0U, told.provider);
-  EXPECT_NE(INVALID_HANDLE_VALUE, process.user_token);
-  CloseHandle(process.user_token);
+  EXPECT_NE(INVALID_HANDLE_VALUE, process_.user_token);
+  CloseHandle(process_.user_token);
   const ov_credentials rest = {"a\\b\\c", ""};
-  ASSERT_EQ(0, ov_process_runas(&process, &rest));
+  ASSERT_EQ(0, ov_process_runas(&process_, &rest));
   EXPECT_EQ(L"b\\c", told.user);
   EXPECT_EQ(L"a", told.domain);
-  CloseHandle(process.user_token);
+  CloseHandle(process_.user_token);
   const ov_credentials local = {
       "b\xC3\xB6"
       "b",
       "p"};
-  ASSERT_EQ(0, ov_process_runas(&process, &local));
+  ASSERT_EQ(0, ov_process_runas(&process_, &local));
   EXPECT_EQ(L"b\u00F6b", told.user);
   EXPECT_FALSE(told.hasDomain);
-  EXPECT_STREQ(L"", process.domain);
-  CloseHandle(process.user_token);
+  EXPECT_STREQ(L"", process_.domain);
+  CloseHandle(process_.user_token);
 }
 
 TEST_F(ProcessUserTest, RefusedLogOn) {
   told.failing = "LogonUser";
   told.code = ERROR_LOGON_FAILURE;
-  EXPECT_EQ(1326, ov_process_runas(&process, &kBob));
+  EXPECT_EQ(1326, ov_process_runas(&process_, &kBob));
   EXPECT_FALSE(passwordIsLeft());
-  log.take();
+  log_.take();
   told.calls.clear();
   EXPECT_EQ(1326, fork(nullptr));
   EXPECT_EQ(Messages{"LogonUser"}, told.calls);
-  EXPECT_EQ(INVALID_HANDLE_VALUE, process.user_token);
+  EXPECT_EQ(INVALID_HANDLE_VALUE, process_.user_token);
   EXPECT_EQ(Messages{"ERR Err 1326 failed to set token to user ACME\\bob in process runas"},
-            log.take());
+            log_.take());
 }
 
 TEST_F(ProcessUserTest, LimitsOfTheCredentials) {
   const auto logOnAs = [this](const std::string& user, const std::string& password) {
     const ov_credentials credentials = {user.c_str(), password.c_str()};
-    return ov_process_runas(&process, &credentials);
+    return ov_process_runas(&process_, &credentials);
   };
   const std::string fits(511, 'x'), more(512, 'x');
   EXPECT_EQ(0, logOnAs(fits + "\\" + fits, fits));
-  CloseHandle(process.user_token);
+  CloseHandle(process_.user_token);
   told.calls.clear();
   EXPECT_EQ(122, logOnAs(more + "\\x", "p"));
   EXPECT_EQ(122, logOnAs("x\\" + more, "p"));
@@ -350,9 +350,9 @@ TEST_F(ProcessUserTest, LimitsOfTheCredentials) {
   EXPECT_EQ(22, logOnAs("\xFF\\x", "p"));
   EXPECT_EQ(22, logOnAs("x", "\xFF"));
   const ov_credentials noUser = {nullptr, "p"}, noPassword = {"u", nullptr};
-  EXPECT_EQ(22, ov_process_runas(&process, &noUser));
-  EXPECT_EQ(22, ov_process_runas(&process, &noPassword));
-  EXPECT_EQ(22, ov_process_runas(&process, nullptr));
+  EXPECT_EQ(22, ov_process_runas(&process_, &noUser));
+  EXPECT_EQ(22, ov_process_runas(&process_, &noPassword));
+  EXPECT_EQ(22, ov_process_runas(&process_, nullptr));
   EXPECT_EQ(22, ov_process_runas(nullptr, &kBob));
   EXPECT_EQ(Messages{}, told.calls);
 }

@@ -76,7 +76,7 @@ ov_rc ov_sock_is_local_interface_address(const ov_sock_addr* addr, int32_t* answ
   const ov_rc error = find_address([&](const IP_ADAPTER_ADDRESSES&, const ov_sock_addr& own) {
     return found = is_same(own, *addr);
   });
-  *answer = found;
+  *answer = found ? 1 : 0;
   return error;
 }
 
@@ -89,7 +89,7 @@ ov_rc ov_sock_is_local_address(const ov_sock_addr* addr, int32_t* answer) {
 
 ov_rc ov_sock_is_localhost(const char* text, int32_t* answer) {
   if (text == nullptr || answer == nullptr) return OV_EINVAL;
-  *answer = is_localhost_name(text);
+  *answer = is_localhost_name(text) ? 1 : 0;
   if (*answer != 0) return 0;
   ov_sock_addr addr = {};
   if (const ov_rc error = ov_sock_resolve_addr(text, &addr)) return error;

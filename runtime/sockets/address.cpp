@@ -1,7 +1,7 @@
 // What is known of an address record without the system.
-#include <stddef.h>
-#include <stdint.h>
-#include <string.h>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_sockets.h"
@@ -50,7 +50,7 @@ bool same_address(const ov_sock_addr* a, const ov_sock_addr* b) {
 ov_rc ov_sock_copy_addr(ov_sock_addr* to, const ov_sock_addr* from, int32_t* isIpv6) {
   if (to == nullptr || !is_known(from)) return OV_EINVAL;
   memmove(to, from, is_ipv4(from) ? kIpv4Size : sizeof *to);
-  if (isIpv6 != nullptr) *isIpv6 = is_ipv6(from);
+  if (isIpv6 != nullptr) *isIpv6 = is_ipv6(from) ? 1 : 0;
   return 0;
 }
 
@@ -78,30 +78,33 @@ ov_rc ov_sock_set_scope_id(ov_sock_addr* addr, const char* text) {
 
 ov_rc ov_sock_ipaddr_is_equal(const ov_sock_addr* a, const ov_sock_addr* b, int32_t* answer) {
   if (a == nullptr || b == nullptr || answer == nullptr) return OV_EINVAL;
-  *answer = same_address(a, b);
+  *answer = same_address(a, b) ? 1 : 0;
   return 0;
 }
 
 ov_rc ov_sock_addr_is_equal(const ov_sock_addr* a, const ov_sock_addr* b, int32_t* answer) {
   if (a == nullptr || b == nullptr || answer == nullptr) return OV_EINVAL;
-  *answer = same_address(a, b) && a->port == b->port;
+  *answer = same_address(a, b) && a->port == b->port ? 1 : 0;
   return 0;
 }
 
 int32_t ov_sock_is_null_ipaddr(const ov_sock_addr* addr) {
   if (addr == nullptr || addr->family == 0) return 1;
-  if (is_ipv4(addr)) return addr->ipv4 == 0;
-  return is_ipv6(addr) && is_ipv6_number(addr, 0);
+  const bool null = is_ipv4(addr) ? addr->ipv4 == 0 : is_ipv6(addr) && is_ipv6_number(addr, 0);
+  return null ? 1 : 0;
 }
 
 int32_t ov_sock_is_loopback_ipaddr(const ov_sock_addr* addr) {
-  if (is_ipv4(addr)) return Octets(addr).byte[0] == 127;
-  return is_ipv6(addr) && is_ipv6_number(addr, 1);
+  const bool loopback =
+      is_ipv4(addr) ? Octets(addr).byte[0] == 127 : is_ipv6(addr) && is_ipv6_number(addr, 1);
+  return loopback ? 1 : 0;
 }
 
 int32_t ov_sock_is_valid_mcast_addr(const ov_sock_addr* addr) {
-  if (is_ipv4(addr)) return (Octets(addr).byte[0] & 0xF0) == 0xE0;  // all ones is not among them
-  return is_ipv6(addr) && addr->ipv6[0] == 255;
+  // All ones is not among the groups of IPv4.
+  const bool group =
+      is_ipv4(addr) ? (Octets(addr).byte[0] & 0xF0) == 0xE0 : is_ipv6(addr) && addr->ipv6[0] == 255;
+  return group ? 1 : 0;
 }
 
 ov_rc ov_sock_is_private_network(const ov_sock_addr* addr, int32_t* answer) {
@@ -111,7 +114,8 @@ ov_rc ov_sock_is_private_network(const ov_sock_addr* addr, int32_t* answer) {
   const Octets octets(addr);
   const uint8_t first = octets.byte[0];
   const uint8_t second = octets.byte[1];
-  *answer =
+  const bool isPrivate =
       first == 10 || (first == 192 && second == 168) || (first == 172 && (second & 0xF0) == 16);
+  *answer = isPrivate ? 1 : 0;
   return 0;
 }

@@ -1,7 +1,7 @@
 // Moving a whole buffer through a socket within a time. Not part of the public header.
 #pragma once
 
-#include <stdint.h>
+#include <cstdint>
 
 #include "runtime/ov_types.h"
 

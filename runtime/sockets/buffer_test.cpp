@@ -45,130 +45,131 @@ class ScriptedTransport : public ov::Transport {
 class SocketBufferTest : public ::testing::Test {
  protected:
   ov_rc transfer(uint32_t length, int32_t seconds) {
-    return ov::transfer(transport, length, &count, seconds);
+    return ov::transfer(transport_, length, &count_, seconds);
   }
-  ov::CapturedLog log;
-  ScriptedTransport transport;
-  uint32_t count = 77;
+  ov::CapturedLog log_;
+  ScriptedTransport transport_;
+  uint32_t count_ = 77;
 };
 
 TEST_F(SocketBufferTest, NegativeSecondsComeBeforeTheZeroLength) {
   EXPECT_EQ(22, transfer(0, -1));
-  EXPECT_EQ(77U, count);
+  EXPECT_EQ(77U, count_);
   EXPECT_EQ(22, transfer(5, INT32_MIN));
-  EXPECT_EQ(22, ov::transfer(transport, 5, nullptr, 0));
-  EXPECT_TRUE(transport.asked.empty());
+  EXPECT_EQ(22, ov::transfer(transport_, 5, nullptr, 0));
+  EXPECT_TRUE(transport_.asked.empty());
 }
 
 TEST_F(SocketBufferTest, ZeroLengthNeverTouchesTheSocket) {
   EXPECT_EQ(0, transfer(0, 0));
-  EXPECT_EQ(0U, count);
+  EXPECT_EQ(0U, count_);
   EXPECT_EQ(0, transfer(0, 5));
-  EXPECT_EQ(0, transport.waits);
-  EXPECT_TRUE(transport.asked.empty());
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(0, transport_.waits);
+  EXPECT_TRUE(transport_.asked.empty());
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(SocketBufferTest, WithoutTimeItNeverWaits) {
-  transport.moved = {3, 1};
+  transport_.moved = {3, 1};
   EXPECT_EQ(0, transfer(10, 0));
-  EXPECT_EQ(10U, count);
-  EXPECT_EQ(0, transport.waits);
-  EXPECT_EQ((std::vector<std::string>{"0+10", "3+7", "4+6"}), transport.asked);
-  EXPECT_EQ(Messages{"DBG ov_buf_io: successful completion bytes 10"}, log.take());
+  EXPECT_EQ(10U, count_);
+  EXPECT_EQ(0, transport_.waits);
+  EXPECT_EQ((std::vector<std::string>{"0+10", "3+7", "4+6"}), transport_.asked);
+  EXPECT_EQ(Messages{"DBG ov_buf_io: successful completion bytes 10"}, log_.take());
 }
 
 TEST_F(SocketBufferTest, SilentPeerTakesAllSlicesAndIsNoError) {
   EXPECT_EQ(0, transfer(10, 1));
-  EXPECT_EQ(0U, count);
-  EXPECT_EQ(100, transport.waits);
-  EXPECT_TRUE(transport.asked.empty());
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(0U, count_);
+  EXPECT_EQ(100, transport_.waits);
+  EXPECT_TRUE(transport_.asked.empty());
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(SocketBufferTest, TimeRunsOutWithAPart) {
-  transport.ready = {0, 1};
-  transport.moved = {4};
+  transport_.ready = {0, 1};
+  transport_.moved = {4};
   EXPECT_EQ(0, transfer(10, 1));
-  EXPECT_EQ(4U, count);
-  EXPECT_EQ(100, transport.waits);  // a success has taken its slice too
+  EXPECT_EQ(4U, count_);
+  EXPECT_EQ(100, transport_.waits);  // a success has taken its slice too
 }
 
 TEST_F(SocketBufferTest, LastSliceThatSucceedsLeavesNoWait) {
-  transport.ready.assign(99, 0);
-  transport.ready.push_back(1);
-  transport.moved = {4, 6};
+  transport_.ready.assign(99, 0);
+  transport_.ready.push_back(1);
+  transport_.moved = {4, 6};
   EXPECT_EQ(0, transfer(10, 1));
-  EXPECT_EQ(10U, count);
-  EXPECT_EQ(100, transport.waits);  // the second move goes without one
-  EXPECT_EQ(2U, transport.asked.size());
+  EXPECT_EQ(10U, count_);
+  EXPECT_EQ(100, transport_.waits);  // the second move goes without one
+  EXPECT_EQ(2U, transport_.asked.size());
 }
 
 TEST_F(SocketBufferTest, SlicesOfLongTimesDoNotOverflow) {
   for (const int32_t seconds : {INT32_MAX, 42949673, 21474837}) {
-    transport.waits = 0;
-    transport.ready.assign(500, 0);
-    transport.ready.push_back(1);
+    transport_.waits = 0;
+    transport_.ready.assign(500, 0);
+    transport_.ready.push_back(1);
     EXPECT_EQ(0, transfer(1, seconds));
-    EXPECT_EQ(1U, count);
-    EXPECT_EQ(501, transport.waits);
+    EXPECT_EQ(1U, count_);
+    EXPECT_EQ(501, transport_.waits);
   }
 }
 
 TEST_F(SocketBufferTest, FailingWaitGivesItsCode) {
-  transport.ready = {1, kFailed};
-  transport.moved = {2};
-  transport.codes = {10038};
+  transport_.ready = {1, kFailed};
+  transport_.moved = {2};
+  transport_.codes = {10038};
   EXPECT_EQ(10038, transfer(10, 1));
-  EXPECT_EQ(2U, count);
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(2U, count_);
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(SocketBufferTest, PeerThatCloses) {
-  transport.moved = {7, 0};
+  transport_.moved = {7, 0};
   EXPECT_EQ(0, transfer(10, 0));
-  EXPECT_EQ(7U, count);
-  EXPECT_EQ(Messages{"DBG ov_buf_io: IO closed, pending read buf 3"}, log.take());
+  EXPECT_EQ(7U, count_);
+  EXPECT_EQ(Messages{"DBG ov_buf_io: IO closed, pending read buf 3"}, log_.take());
 }
 
 TEST_F(SocketBufferTest, InterruptedCallIsRepeatedFromTheWait) {
-  transport.ready = {1, 1};
-  transport.moved = {kFailed};
-  transport.codes = {4};
+  transport_.ready = {1, 1};
+  transport_.moved = {kFailed};
+  transport_.codes = {4};
   EXPECT_EQ(0, transfer(10, 1));
-  EXPECT_EQ(10U, count);
-  EXPECT_EQ(2, transport.waits);
-  EXPECT_EQ(Messages{"DBG ov_buf_io: successful completion bytes 10"}, log.take());
+  EXPECT_EQ(10U, count_);
+  EXPECT_EQ(2, transport_.waits);
+  EXPECT_EQ(Messages{"DBG ov_buf_io: successful completion bytes 10"}, log_.take());
 }
 
 TEST_F(SocketBufferTest, WouldBlockIsSuccessOnceSomethingMoved) {
-  transport.moved = {kFailed};
-  transport.codes = {10035};
+  transport_.moved = {kFailed};
+  transport_.codes = {10035};
   EXPECT_EQ(10035, transfer(10, 0));
-  EXPECT_EQ(0U, count);
-  transport.moved = {1, kFailed};
-  transport.codes = {10035};
+  EXPECT_EQ(0U, count_);
+  transport_.moved = {1, kFailed};
+  transport_.codes = {10035};
   EXPECT_EQ(0, transfer(10, 0));
-  EXPECT_EQ(1U, count);
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(1U, count_);
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(SocketBufferTest, OtherFailuresAreReported) {
   for (const int32_t code : {10054, 10004}) {
-    transport.moved = {1, kFailed};
-    transport.codes = {code};
+    transport_.moved = {1, kFailed};
+    transport_.codes = {code};
     EXPECT_EQ(code, transfer(10, 0));
-    EXPECT_EQ(1U, count);
-    EXPECT_EQ(Messages{"ERR ov_buf_io: IO error (errno=" + std::to_string(code) + ")"}, log.take());
+    EXPECT_EQ(1U, count_);
+    EXPECT_EQ(Messages{"ERR ov_buf_io: IO error (errno=" + std::to_string(code) + ")"},
+              log_.take());
   }
 }
 
 TEST_F(SocketBufferTest, DebugLinesNeedTheirLevel) {
   ov_dbg_set_all(1);
   EXPECT_EQ(0, transfer(10, 0));
-  transport.moved = {0};
+  transport_.moved = {0};
   EXPECT_EQ(0, transfer(10, 0));
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 }  // namespace

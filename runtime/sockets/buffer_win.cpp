@@ -14,36 +14,36 @@ int call_length(uint32_t length) {
 
 class Reader : public ov::Transport {
  public:
-  Reader(ov_sock socket, char* into) : sock(socket), buffer(into) {}
+  Reader(ov_sock socket, char* into) : sock_(socket), buffer_(into) {}
   const char* name() const override { return "read"; }
   int32_t wait() override {
-    return ov::wait_socket(sock, ov::Readiness::kReading, ov::kSliceMilliseconds);
+    return ov::wait_socket(sock_, ov::Readiness::kReading, ov::kSliceMilliseconds);
   }
   int32_t move(uint32_t offset, uint32_t length) override {
-    return recv(sock, buffer + offset, call_length(length), 0);
+    return recv(sock_, buffer_ + offset, call_length(length), 0);
   }
   ov_rc code() override { return ov::last_code(); }
 
  private:
-  const ov_sock sock;
-  char* const buffer;
+  const ov_sock sock_;
+  char* const buffer_;
 };
 
 class Writer : public ov::Transport {
  public:
-  Writer(ov_sock socket, const char* from) : sock(socket), buffer(from) {}
+  Writer(ov_sock socket, const char* from) : sock_(socket), buffer_(from) {}
   const char* name() const override { return "write"; }
   int32_t wait() override {
-    return ov::wait_socket(sock, ov::Readiness::kWriting, ov::kSliceMilliseconds);
+    return ov::wait_socket(sock_, ov::Readiness::kWriting, ov::kSliceMilliseconds);
   }
   int32_t move(uint32_t offset, uint32_t length) override {
-    return send(sock, buffer + offset, call_length(length), 0);
+    return send(sock_, buffer_ + offset, call_length(length), 0);
   }
   ov_rc code() override { return ov::last_code(); }
 
  private:
-  const ov_sock sock;
-  const char* const buffer;
+  const ov_sock sock_;
+  const char* const buffer_;
 };
 
 // A socket and a buffer are needed for bytes only.

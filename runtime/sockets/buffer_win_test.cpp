@@ -63,9 +63,9 @@ namespace {
 class SocketBufferSystemTest : public ov::SocketFixture {
  protected:
   SocketBufferSystemTest() {
-    EXPECT_EQ(0, ov_sock_pair(pair));
-    keep(pair[0]);
-    keep(pair[1]);
+    EXPECT_EQ(0, ov_sock_pair(pair_));
+    keep(pair_[0]);
+    keep(pair_[1]);
     selects = 0;
     transfers = 0;
     selectFailure = 0;
@@ -74,55 +74,55 @@ class SocketBufferSystemTest : public ov::SocketFixture {
   }
   void write(const std::string& text) {
     EXPECT_EQ(static_cast<int>(text.size()),
-              send(pair[0], text.data(), static_cast<int>(text.size()), 0));
+              send(pair_[0], text.data(), static_cast<int>(text.size()), 0));
   }
-  std::string taken() const { return {buffer, count}; }
+  std::string taken() const { return {buffer_, count_}; }
 
-  ov_sock pair[2];
-  char buffer[32];
-  uint32_t count = 77;
+  ov_sock pair_[2];
+  char buffer_[32];
+  uint32_t count_ = 77;
 };
 
 TEST_F(SocketBufferSystemTest, SilentPeerIsWaitedForThroughAllSlices) {
-  EXPECT_EQ(0, ov_buf_read_tmout(&pair[1], buffer, 5, &count, 1));
-  EXPECT_EQ(0U, count);
+  EXPECT_EQ(0, ov_buf_read_tmout(&pair_[1], buffer_, 5, &count_, 1));
+  EXPECT_EQ(0U, count_);
   EXPECT_EQ(100, selects);
   EXPECT_EQ(0, transfers);
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(SocketBufferSystemTest, ZeroLengthNeverTouchesTheSocket) {
   ov_sock closed = ov::kClosedSocket;
-  EXPECT_EQ(0, ov_buf_read(&closed, nullptr, 0, &count));
-  EXPECT_EQ(0U, count);
-  count = 77;
-  EXPECT_EQ(0, ov_buf_write(nullptr, nullptr, 0, &count));
-  EXPECT_EQ(0U, count);
-  EXPECT_EQ(0, ov_buf_read_tmout(&closed, nullptr, 0, &count, 1));
-  EXPECT_EQ(0, ov_buf_write_tmout(&closed, nullptr, 0, &count, 1));
+  EXPECT_EQ(0, ov_buf_read(&closed, nullptr, 0, &count_));
+  EXPECT_EQ(0U, count_);
+  count_ = 77;
+  EXPECT_EQ(0, ov_buf_write(nullptr, nullptr, 0, &count_));
+  EXPECT_EQ(0U, count_);
+  EXPECT_EQ(0, ov_buf_read_tmout(&closed, nullptr, 0, &count_, 1));
+  EXPECT_EQ(0, ov_buf_write_tmout(&closed, nullptr, 0, &count_, 1));
   EXPECT_EQ(0, selects + transfers);
 }
 
 TEST_F(SocketBufferSystemTest, BadArguments) {
-  EXPECT_EQ(22, ov_buf_read_tmout(&pair[1], buffer, 0, &count, -1));
-  EXPECT_EQ(22, ov_buf_write_tmout(&pair[1], buffer, 5, &count, -1));
-  EXPECT_EQ(22, ov_buf_read(nullptr, buffer, 5, &count));
-  EXPECT_EQ(22, ov_buf_read(&pair[1], nullptr, 5, &count));
-  EXPECT_EQ(22, ov_buf_write(&pair[1], buffer, 5, nullptr));
-  EXPECT_EQ(77U, count);
+  EXPECT_EQ(22, ov_buf_read_tmout(&pair_[1], buffer_, 0, &count_, -1));
+  EXPECT_EQ(22, ov_buf_write_tmout(&pair_[1], buffer_, 5, &count_, -1));
+  EXPECT_EQ(22, ov_buf_read(nullptr, buffer_, 5, &count_));
+  EXPECT_EQ(22, ov_buf_read(&pair_[1], nullptr, 5, &count_));
+  EXPECT_EQ(22, ov_buf_write(&pair_[1], buffer_, 5, nullptr));
+  EXPECT_EQ(77U, count_);
 }
 
 TEST_F(SocketBufferSystemTest, WholeBufferInParts) {
   write("abc");
   std::thread later([this] { write("defgh"); });
-  EXPECT_EQ(0, ov_buf_read(&pair[1], buffer, 6, &count));
+  EXPECT_EQ(0, ov_buf_read(&pair_[1], buffer_, 6, &count_));
   later.join();
   EXPECT_EQ("abcdef", taken());
   EXPECT_EQ(0, selects);
-  EXPECT_EQ(0, ov_buf_read_tmout(&pair[1], buffer, 2, &count, 5));
+  EXPECT_EQ(0, ov_buf_read_tmout(&pair_[1], buffer_, 2, &count_, 5));
   EXPECT_EQ("gh", taken());
   EXPECT_GE(selects, 1);
-  const Messages lines = log.take();
+  const Messages lines = log_.take();
   ASSERT_EQ(2U, lines.size());
   EXPECT_EQ("DBG ov_buf_io: successful completion bytes 6", lines[0]);
   EXPECT_EQ("DBG ov_buf_io: successful completion bytes 2", lines[1]);
@@ -133,65 +133,65 @@ TEST_F(SocketBufferSystemTest, WritesMoreThanTheQueueHolds) {
   std::string read(text.size(), ' ');
   uint32_t taken = 0;
   std::thread reader(
-      [&] { ov_buf_read(&pair[1], read.data(), static_cast<uint32_t>(read.size()), &taken); });
+      [&] { ov_buf_read(&pair_[1], read.data(), static_cast<uint32_t>(read.size()), &taken); });
   const auto length = static_cast<uint32_t>(text.size());
-  EXPECT_EQ(0, ov_buf_write_tmout(&pair[0], text.data(), length, &count, 50));
+  EXPECT_EQ(0, ov_buf_write_tmout(&pair_[0], text.data(), length, &count_, 50));
   reader.join();
-  EXPECT_EQ(length, count);
+  EXPECT_EQ(length, count_);
   EXPECT_EQ(length, taken);
   EXPECT_TRUE(text == read);
 }
 
 TEST_F(SocketBufferSystemTest, PeerThatCloses) {
   write("abc");
-  closesocket(pair[0]);
-  EXPECT_EQ(0, ov_buf_read_tmout(&pair[1], buffer, 10, &count, 5));
+  closesocket(pair_[0]);
+  EXPECT_EQ(0, ov_buf_read_tmout(&pair_[1], buffer_, 10, &count_, 5));
   EXPECT_EQ("abc", taken());
-  EXPECT_EQ(Messages{"DBG ov_buf_io: IO closed, pending read buf 7"}, log.take());
+  EXPECT_EQ(Messages{"DBG ov_buf_io: IO closed, pending read buf 7"}, log_.take());
 }
 
 TEST_F(SocketBufferSystemTest, PeerThatClosesUnderAWrite) {
   peerClosed = true;
-  EXPECT_EQ(0, ov_buf_write(&pair[1], "hello", 5, &count));
-  EXPECT_EQ(0U, count);
-  EXPECT_EQ(Messages{"DBG ov_buf_io: IO closed, pending write buf 5"}, log.take());
+  EXPECT_EQ(0, ov_buf_write(&pair_[1], "hello", 5, &count_));
+  EXPECT_EQ(0U, count_);
+  EXPECT_EQ(Messages{"DBG ov_buf_io: IO closed, pending write buf 5"}, log_.take());
 }
 
 TEST_F(SocketBufferSystemTest, NonBlockingSocketWithNothing) {
-  EXPECT_EQ(0, ov_sock_set_nonblocking(&pair[1]));
-  EXPECT_EQ(10035, ov_buf_read(&pair[1], buffer, 5, &count));
-  EXPECT_EQ(0U, count);
+  EXPECT_EQ(0, ov_sock_set_nonblocking(&pair_[1]));
+  EXPECT_EQ(10035, ov_buf_read(&pair_[1], buffer_, 5, &count_));
+  EXPECT_EQ(0U, count_);
   write("abc");
-  while (recv(pair[1], buffer, 1, MSG_PEEK) != 1) std::this_thread::yield();
-  EXPECT_EQ(0, ov_buf_read(&pair[1], buffer, 5, &count));
+  while (recv(pair_[1], buffer_, 1, MSG_PEEK) != 1) std::this_thread::yield();
+  EXPECT_EQ(0, ov_buf_read(&pair_[1], buffer_, 5, &count_));
   EXPECT_EQ("abc", taken());
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(SocketBufferSystemTest, FailingWait) {
   selectFailure = 10022;
-  EXPECT_EQ(10022, ov_buf_read_tmout(&pair[1], buffer, 5, &count, 1));
-  EXPECT_EQ(0U, count);
+  EXPECT_EQ(10022, ov_buf_read_tmout(&pair_[1], buffer_, 5, &count_, 1));
+  EXPECT_EQ(0U, count_);
   selectFailure = 10050;
-  EXPECT_EQ(10050, ov_buf_write_tmout(&pair[1], buffer, 5, &count, 1));
+  EXPECT_EQ(10050, ov_buf_write_tmout(&pair_[1], buffer_, 5, &count_, 1));
   EXPECT_EQ(0, transfers);
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(SocketBufferSystemTest, FailingTransfer) {
   transferFailure = 10054;
-  EXPECT_EQ(10054, ov_buf_write(&pair[1], buffer, 5, &count));
+  EXPECT_EQ(10054, ov_buf_write(&pair_[1], buffer_, 5, &count_));
   ov_sock closed = ov::kClosedSocket;
-  EXPECT_EQ(10038, ov_buf_read(&closed, buffer, 5, &count));
+  EXPECT_EQ(10038, ov_buf_read(&closed, buffer_, 5, &count_));
   EXPECT_EQ(
       (Messages{"ERR ov_buf_io: IO error (errno=10054)", "ERR ov_buf_io: IO error (errno=10038)"}),
-      log.take());
+      log_.take());
 }
 
 TEST_F(SocketBufferSystemTest, InterruptedTransferIsRepeated) {
   write("abc");
   transferFailure = 4;
-  EXPECT_EQ(0, ov_buf_read_tmout(&pair[1], buffer, 3, &count, 5));
+  EXPECT_EQ(0, ov_buf_read_tmout(&pair_[1], buffer_, 3, &count_, 5));
   EXPECT_EQ("abc", taken());
   EXPECT_GE(transfers, 3);  // one of them is the test's own
 }

@@ -5,7 +5,7 @@
 #include <winsock2.h>
 #include <ws2tcpip.h>
 
-#include <string.h>
+#include <cstring>
 
 #include <utility>
 

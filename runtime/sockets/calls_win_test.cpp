@@ -26,17 +26,17 @@ const Call kNothing[] = {
 
 class SocketCallsTest : public ov::SocketFixture {
  protected:
-  ov_sock sock = 4;
+  ov_sock sock_ = 4;
 };
 
 TEST_F(SocketCallsTest, FunctionsWithoutCounterpartCountAsFailedAssertions) {
   ASSERT_EQ(20U, sizeof kNothing / sizeof *kNothing);
   const int32_t before = g_ov_asserts_skipped;
   int32_t value = 3;
-  for (const Call call : kNothing) EXPECT_EQ(0, call(&sock, &value));
+  for (const Call call : kNothing) EXPECT_EQ(0, call(&sock_, &value));
   EXPECT_EQ(before, g_ov_asserts_skipped);
   g_ov_asserts_active = 0;
-  for (const Call call : kNothing) EXPECT_EQ(0, call(&sock, &value));
+  for (const Call call : kNothing) EXPECT_EQ(0, call(&sock_, &value));
   g_ov_asserts_active = 1;
   EXPECT_EQ(before + 20, g_ov_asserts_skipped);
   EXPECT_EQ(3, value);
@@ -107,9 +107,9 @@ TEST_F(SocketCallsTest, BytesThatWait) {
 
 TEST_F(SocketCallsTest, FixedAnswers) {
   int32_t level = 0;
-  EXPECT_EQ(0, ov_sock_timer_level(&sock, &level));
+  EXPECT_EQ(0, ov_sock_timer_level(&sock_, &level));
   EXPECT_EQ(3, level);
-  EXPECT_EQ(22, ov_sock_timer_level(&sock, nullptr));
+  EXPECT_EQ(22, ov_sock_timer_level(&sock_, nullptr));
   EXPECT_EQ(0, ov_sock_is_nonblocking_safe());
 }
 

@@ -102,7 +102,7 @@ class SocketDestinationTest : public ov::SocketFixture {
     fetchNothing = false;
   }
   ov_rc receive(ov_sock* sock, int32_t isIpv6) {
-    return ov_sock_recvmsg_dstaddr(sock, buffer, sizeof buffer, &bytes, &from, &dst, isIpv6);
+    return ov_sock_recvmsg_dstaddr(sock, buffer_, sizeof buffer_, &bytes_, &from_, &dst_, isIpv6);
   }
   // Sends to a port of this machine.
   ov_sock send_to(ov_sock_addr to, const std::string& text) {
@@ -114,16 +114,16 @@ class SocketDestinationTest : public ov::SocketFixture {
   }
   // The lines of a datagram that came with its destination; the index is the machine's affair.
   void expect_lines(const std::string& last) {
-    const Messages lines = log.take();
+    const Messages lines = log_.take();
     ASSERT_EQ(2U, lines.size());
     const std::string index = "DBG ov_sock_recvmsg_dstaddr: incoming interface index ";
     EXPECT_TRUE(lines[0].starts_with(index) && lines[0].size() > index.size()) << lines[0];
     EXPECT_EQ("DBG ov_sock_recvmsg_dstaddr: " + last, lines[1]);
   }
 
-  char buffer[8] = {};
-  uint32_t bytes = 77;
-  ov_sock_addr from = {}, dst = {};
+  char buffer_[8] = {};
+  uint32_t bytes_ = 77;
+  ov_sock_addr from_ = {}, dst_ = {};
 };
 
 TEST_F(SocketDestinationTest, Ipv4) {
@@ -136,126 +136,126 @@ TEST_F(SocketDestinationTest, Ipv4) {
   ASSERT_EQ(0, ov_sock_store_ipaddr("127.0.0.5", &to, nullptr));
   const ov_sock sender = send_to(to, "hello");
   ASSERT_EQ(0, receive(&receiver, 0));
-  EXPECT_EQ("hello", std::string(buffer, bytes));
-  EXPECT_EQ(2, dst.family);
-  EXPECT_EQ(to.ipv4, dst.ipv4);
-  EXPECT_EQ(0, dst.port);
-  EXPECT_EQ(2, from.family);
-  EXPECT_EQ(ov::own_address(sender).port, from.port);
+  EXPECT_EQ("hello", std::string(buffer_, bytes_));
+  EXPECT_EQ(2, dst_.family);
+  EXPECT_EQ(to.ipv4, dst_.ipv4);
+  EXPECT_EQ(0, dst_.port);
+  EXPECT_EQ(2, from_.family);
+  EXPECT_EQ(ov::own_address(sender).port, from_.port);
   expect_lines("returning dstaddr [127.0.0.5] ");
 }
 
 TEST_F(SocketDestinationTest, Ipv6) {
-  ov_sock receiver = make_receiver(AF_INET6);
+  ov_sock receiver = makeReceiver(AF_INET6);
   ASSERT_EQ(0, ov_sock_set_recvmsg_dstaddr(&receiver, 1));
   send_to(ov::own_address(receiver), "hi");
   ASSERT_EQ(0, receive(&receiver, 1));
-  EXPECT_EQ(2U, bytes);
+  EXPECT_EQ(2U, bytes_);
   int32_t same = 0;
   const ov_sock_addr self = ov::loopback(AF_INET6);
-  EXPECT_EQ(0, ov_sock_ipaddr_is_equal(&self, &dst, &same));
+  EXPECT_EQ(0, ov_sock_ipaddr_is_equal(&self, &dst_, &same));
   EXPECT_EQ(1, same);
-  EXPECT_EQ(0, ov_sock_ipaddr_is_equal(&self, &from, &same));
+  EXPECT_EQ(0, ov_sock_ipaddr_is_equal(&self, &from_, &same));
   EXPECT_EQ(1, same);
   expect_lines("returning dstaddr [::1] ");
 }
 
 TEST_F(SocketDestinationTest, DestinationBehindOtherControlData) {
   ov::receive_message = receiveWithMore;
-  ov_sock receiver = make_receiver(AF_INET);
+  ov_sock receiver = makeReceiver(AF_INET);
   EXPECT_EQ(0, receive(&receiver, 0));
-  EXPECT_EQ(3U, bytes);
-  EXPECT_EQ(htonl(0x0A000007), dst.ipv4);
+  EXPECT_EQ(3U, bytes_);
+  EXPECT_EQ(htonl(0x0A000007), dst_.ipv4);
   EXPECT_EQ((Messages{"DBG ov_sock_recvmsg_dstaddr: incoming interface index 12",
                       "DBG ov_sock_recvmsg_dstaddr: returning dstaddr [10.0.0.7] "}),
-            log.take());
+            log_.take());
 }
 
 TEST_F(SocketDestinationTest, SenderNeedNotBeTold) {
-  ov_sock receiver = make_receiver(AF_INET);
+  ov_sock receiver = makeReceiver(AF_INET);
   ASSERT_EQ(0, ov_sock_set_recvmsg_dstaddr(&receiver, 0));
   send_to(ov::own_address(receiver), "hi");
-  EXPECT_EQ(0, ov_sock_recvmsg_dstaddr(&receiver, buffer, 8, &bytes, nullptr, &dst, 0));
-  EXPECT_EQ(2U, bytes);
+  EXPECT_EQ(0, ov_sock_recvmsg_dstaddr(&receiver, buffer_, 8, &bytes_, nullptr, &dst_, 0));
+  EXPECT_EQ(2U, bytes_);
 }
 
 TEST_F(SocketDestinationTest, CallIsFetchedOncePerProcess) {
-  ov_sock one = make_receiver(AF_INET);
-  ov_sock other = make_receiver(AF_INET);
+  ov_sock one = makeReceiver(AF_INET);
+  ov_sock other = makeReceiver(AF_INET);
   EXPECT_EQ(0, ov_sock_set_recvmsg_dstaddr(&one, 0));
   EXPECT_EQ(0, ov_sock_set_recvmsg_dstaddr(&other, 0));
   EXPECT_EQ(1, fetches);
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(SocketDestinationTest, CallThatCannotBeFetched) {
-  ov_sock receiver = make_receiver(AF_INET);
+  ov_sock receiver = makeReceiver(AF_INET);
   fetchFailure = 10045;
   EXPECT_EQ(10045, ov_sock_set_recvmsg_dstaddr(&receiver, 0));
-  EXPECT_EQ(Messages{"ERR ov_sock_set_recvmsg_dstaddr: WSAIoctl() errno 10045"}, log.take());
+  EXPECT_EQ(Messages{"ERR ov_sock_set_recvmsg_dstaddr: WSAIoctl() errno 10045"}, log_.take());
   fetchFailure = 0;
   fetchNothing = true;
   EXPECT_EQ(22, ov_sock_set_recvmsg_dstaddr(&receiver, 0));
-  EXPECT_EQ(Messages{"ERR ov_sock_set_recvmsg_dstaddr: WSAIoctl() errno 22"}, log.take());
+  EXPECT_EQ(Messages{"ERR ov_sock_set_recvmsg_dstaddr: WSAIoctl() errno 22"}, log_.take());
   EXPECT_EQ(22, receive(&receiver, 0));
-  EXPECT_EQ(0U, bytes);
-  EXPECT_EQ(Messages{"DBG ov_sock_recvmsg_dstaddr: WSARecvMsg undefined, errno 22"}, log.take());
+  EXPECT_EQ(0U, bytes_);
+  EXPECT_EQ(Messages{"DBG ov_sock_recvmsg_dstaddr: WSARecvMsg undefined, errno 22"}, log_.take());
   EXPECT_EQ(22, ov_sock_set_recvmsg_dstaddr(nullptr, 0));
 }
 
 TEST_F(SocketDestinationTest, OptionThatCannotBeSet) {
-  ov_sock receiver = make_receiver(AF_INET);
+  ov_sock receiver = makeReceiver(AF_INET);
   optionFailure = 10042;
   EXPECT_EQ(10042, ov_sock_set_recvmsg_dstaddr(&receiver, 0));
   EXPECT_EQ(10042, ov_sock_set_recvmsg_dstaddr(&receiver, 1));
   const std::string start = "ERR ov_sock_set_recvmsg_dstaddr: setsockopt(sock, ";
   EXPECT_EQ((Messages{start + "IPPROTO_IP, IP_PKTINFO) errno 10042",
                       start + "IPPROTO_IPV6, IPV6_PKTINFO) errno 10042"}),
-            log.take());
+            log_.take());
 }
 
 TEST_F(SocketDestinationTest, FailedReceive) {
-  ov_sock receiver = make_receiver(AF_INET);
+  ov_sock receiver = makeReceiver(AF_INET);
   ASSERT_EQ(0, ov_sock_set_recvmsg_dstaddr(&receiver, 0));
   ASSERT_EQ(0, ov_sock_set_nonblocking(&receiver));
   EXPECT_EQ(10035, receive(&receiver, 0));
-  EXPECT_EQ(Messages{"DBG ov_sock_recvmsg_dstaddr: WSARecvMsg failed, errno 10035"}, log.take());
-  EXPECT_EQ(0, dst.family);
-  EXPECT_EQ(0U, bytes);
+  EXPECT_EQ(Messages{"DBG ov_sock_recvmsg_dstaddr: WSARecvMsg failed, errno 10035"}, log_.take());
+  EXPECT_EQ(0, dst_.family);
+  EXPECT_EQ(0U, bytes_);
 }
 
 TEST_F(SocketDestinationTest, SocketThatIsNotPrepared) {
-  ov_sock prepared = make_receiver(AF_INET);
+  ov_sock prepared = makeReceiver(AF_INET);
   ASSERT_EQ(0, ov_sock_set_recvmsg_dstaddr(&prepared, 0));
-  ov_sock receiver = make_receiver(AF_INET);
+  ov_sock receiver = makeReceiver(AF_INET);
   send_to(ov::own_address(receiver), "hello");
   EXPECT_EQ(22, receive(&receiver, 0));
-  EXPECT_EQ("hello", std::string(buffer, bytes));  // it is there all the same
-  EXPECT_EQ(2, from.family);
-  EXPECT_EQ(0, dst.family);
-  EXPECT_EQ(Messages{"DBG ov_sock_recvmsg_dstaddr: unable to retrieve ctr msg"}, log.take());
+  EXPECT_EQ("hello", std::string(buffer_, bytes_));  // it is there all the same
+  EXPECT_EQ(2, from_.family);
+  EXPECT_EQ(0, dst_.family);
+  EXPECT_EQ(Messages{"DBG ov_sock_recvmsg_dstaddr: unable to retrieve ctr msg"}, log_.take());
 }
 
 TEST_F(SocketDestinationTest, AddressWithoutText) {
-  ov_sock receiver = make_receiver(AF_INET);
+  ov_sock receiver = makeReceiver(AF_INET);
   ASSERT_EQ(0, ov_sock_set_recvmsg_dstaddr(&receiver, 0));
   send_to(ov::own_address(receiver), "hi");
   nameFailure = 10014;
   EXPECT_EQ(0, receive(&receiver, 0));
-  EXPECT_EQ(2, dst.family);
+  EXPECT_EQ(2, dst_.family);
   expect_lines("cannot get ipaddrstr, errno 10014");
   send_to(ov::own_address(receiver), "hi");
   ov_dbg_set_all(1);
   EXPECT_EQ(0, receive(&receiver, 0));
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(SocketDestinationTest, BadArguments) {
-  ov_sock receiver = make_receiver(AF_INET);
-  EXPECT_EQ(22, ov_sock_recvmsg_dstaddr(nullptr, buffer, 8, &bytes, &from, &dst, 0));
-  EXPECT_EQ(22, ov_sock_recvmsg_dstaddr(&receiver, nullptr, 8, &bytes, &from, &dst, 0));
-  EXPECT_EQ(22, ov_sock_recvmsg_dstaddr(&receiver, buffer, 8, nullptr, &from, &dst, 0));
-  EXPECT_EQ(22, ov_sock_recvmsg_dstaddr(&receiver, buffer, 8, &bytes, &from, nullptr, 0));
+  ov_sock receiver = makeReceiver(AF_INET);
+  EXPECT_EQ(22, ov_sock_recvmsg_dstaddr(nullptr, buffer_, 8, &bytes_, &from_, &dst_, 0));
+  EXPECT_EQ(22, ov_sock_recvmsg_dstaddr(&receiver, nullptr, 8, &bytes_, &from_, &dst_, 0));
+  EXPECT_EQ(22, ov_sock_recvmsg_dstaddr(&receiver, buffer_, 8, nullptr, &from_, &dst_, 0));
+  EXPECT_EQ(22, ov_sock_recvmsg_dstaddr(&receiver, buffer_, 8, &bytes_, &from_, nullptr, 0));
 }
 
 }  // namespace

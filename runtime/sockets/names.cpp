@@ -1,6 +1,6 @@
 #include "runtime/sockets/names.h"
 
-#include <string.h>
+#include <cstring>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"

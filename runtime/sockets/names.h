@@ -1,8 +1,8 @@
 // What a look-up of a host's name needs beside the system. Not part of the public header.
 #pragma once
 
-#include <stddef.h>
-#include <stdint.h>
+#include <cstddef>
+#include <cstdint>
 
 #include "runtime/ov_types.h"
 

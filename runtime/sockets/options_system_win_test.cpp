@@ -87,7 +87,7 @@ TEST_F(SocketOptionsSystemTest, TypeAndError) {
 }
 
 TEST_F(SocketOptionsSystemTest, Multicast) {
-  ov_sock sock = make_receiver(AF_INET);
+  ov_sock sock = makeReceiver(AF_INET);
   int32_t group[2];
   ov_sock_addr addr = {};
   ASSERT_EQ(0, ov_sock_store_ipaddr("239.1.2.3", &addr, nullptr));

@@ -84,7 +84,7 @@ class SocketOptionsTest : public ::testing::Test {
     options.clear();
     failure = 0;
   }
-  ov_sock sock = 4;
+  ov_sock sock_ = 4;
 };
 
 TEST_F(SocketOptionsTest, Start) {
@@ -99,20 +99,20 @@ TEST_F(SocketOptionsTest, EachPairIsItsOption) {
     options.clear();
     failure = 0;
     int32_t value = 77;
-    EXPECT_EQ(0, option.set(&sock, &value));
+    EXPECT_EQ(0, option.set(&sock_, &value));
     ASSERT_EQ(1U, options.size());
     EXPECT_EQ(std::make_pair(option.level, option.number), options.begin()->first);
     EXPECT_EQ(4U, options.begin()->second.size());
     int32_t read = 0;
-    EXPECT_EQ(0, option.get(&sock, &read));
+    EXPECT_EQ(0, option.get(&sock_, &read));
     EXPECT_EQ(77, read);
     failure = WSAENOPROTOOPT;
-    EXPECT_EQ(10042, option.set(&sock, &value));
-    EXPECT_EQ(10042, option.get(&sock, &value));
+    EXPECT_EQ(10042, option.set(&sock_, &value));
+    EXPECT_EQ(10042, option.get(&sock_, &value));
     EXPECT_EQ(22, option.set(nullptr, &value));
-    EXPECT_EQ(22, option.set(&sock, nullptr));
+    EXPECT_EQ(22, option.set(&sock_, nullptr));
     EXPECT_EQ(22, option.get(nullptr, &value));
-    EXPECT_EQ(22, option.get(&sock, nullptr));
+    EXPECT_EQ(22, option.get(&sock_, nullptr));
   }
 }
 
@@ -137,41 +137,41 @@ TEST_F(SocketOptionsTest, NumbersOfTheOptions) {
 
 TEST_F(SocketOptionsTest, BufferSizesHaveEightBytes) {
   int64_t value = 65536;
-  EXPECT_EQ(0, ov_sock_set_rcvbuf(&sock, &value));
-  EXPECT_EQ(0, ov_sock_set_sndbuf(&sock, &value));
+  EXPECT_EQ(0, ov_sock_set_rcvbuf(&sock_, &value));
+  EXPECT_EQ(0, ov_sock_set_sndbuf(&sock_, &value));
   EXPECT_EQ(8U, (options[{SOL_SOCKET, SO_RCVBUF}].size()));
   EXPECT_EQ(8U, (options[{SOL_SOCKET, SO_SNDBUF}].size()));
   options[{SOL_SOCKET, SO_RCVBUF}].resize(4);  // the system fills four of them
   value = -1;
-  EXPECT_EQ(0, ov_sock_get_rcvbuf(&sock, &value));
+  EXPECT_EQ(0, ov_sock_get_rcvbuf(&sock_, &value));
   EXPECT_EQ(65536, value);
-  EXPECT_EQ(0, ov_sock_get_sndbuf(&sock, &value));
+  EXPECT_EQ(0, ov_sock_get_sndbuf(&sock_, &value));
   EXPECT_EQ(65536, value);
 }
 
 TEST_F(SocketOptionsTest, Linger) {
   linger value = {1, 7};
-  EXPECT_EQ(0, ov_sock_set_linger(&sock, &value));
+  EXPECT_EQ(0, ov_sock_set_linger(&sock_, &value));
   value = {};
-  EXPECT_EQ(0, ov_sock_get_linger(&sock, &value));
+  EXPECT_EQ(0, ov_sock_get_linger(&sock_, &value));
   EXPECT_EQ(1, value.l_onoff);
   EXPECT_EQ(7, value.l_linger);
 }
 
 TEST_F(SocketOptionsTest, OptionsWithOneDirection) {
   int32_t value = 5;
-  EXPECT_EQ(0, ov_sock_set_ip_mtudiscover(&sock, &value));
+  EXPECT_EQ(0, ov_sock_set_ip_mtudiscover(&sock_, &value));
   EXPECT_EQ(1U, (options.count({IPPROTO_IP, 14})));
   int32_t group[2] = {1, 2};
-  EXPECT_EQ(0, ov_sock_add_ip_mcast_membership(&sock, group));
+  EXPECT_EQ(0, ov_sock_add_ip_mcast_membership(&sock_, group));
   EXPECT_EQ(8U, (options[{IPPROTO_IP, 12}].size()));
-  EXPECT_EQ(0, ov_sock_drp_ip_mcast_membership(&sock, group));
+  EXPECT_EQ(0, ov_sock_drp_ip_mcast_membership(&sock_, group));
   EXPECT_EQ(8U, (options[{IPPROTO_IP, 13}].size()));
   options[{SOL_SOCKET, SO_ERROR}] = std::string("\4\0\0\0", 4);
   options[{SOL_SOCKET, SO_TYPE}] = std::string("\2\0\0\0", 4);
-  EXPECT_EQ(0, ov_sock_get_error(&sock, &value));
+  EXPECT_EQ(0, ov_sock_get_error(&sock_, &value));
   EXPECT_EQ(4, value);
-  EXPECT_EQ(0, ov_sock_get_type(&sock, &value));
+  EXPECT_EQ(0, ov_sock_get_type(&sock_, &value));
   EXPECT_EQ(2, value);
 }
 

@@ -1,7 +1,7 @@
 // The attempts to make a connected pair of sockets. Not part of the public header.
 #pragma once
 
-#include <stdint.h>
+#include <cstdint>
 
 #include "runtime/ov_sockets.h"
 

@@ -39,26 +39,26 @@ class ScriptedMaker : public ov::PairMaker {
 
 class SocketPairTest : public ::testing::Test {
  protected:
-  ov::CapturedLog log;
-  ScriptedMaker maker;
-  ov_sock sockets[2] = {8, 9};
+  ov::CapturedLog log_;
+  ScriptedMaker maker_;
+  ov_sock sockets_[2] = {8, 9};
 };
 
 TEST_F(SocketPairTest, FirstAttemptSaysNothing) {
-  EXPECT_EQ(0, make_pair(maker, sockets, 10));
-  EXPECT_EQ(1U, sockets[0]);
-  EXPECT_EQ(2U, sockets[1]);
-  EXPECT_EQ(Messages{}, log.take());
-  EXPECT_TRUE(maker.pauses.empty());
+  EXPECT_EQ(0, make_pair(maker_, sockets_, 10));
+  EXPECT_EQ(1U, sockets_[0]);
+  EXPECT_EQ(2U, sockets_[1]);
+  EXPECT_EQ(Messages{}, log_.take());
+  EXPECT_TRUE(maker_.pauses.empty());
 }
 
 TEST_F(SocketPairTest, CollisionsAreSurvivedUpToTheLastRetry) {
-  maker.failures.assign(10, {"bind", 10048});
-  EXPECT_EQ(0, make_pair(maker, sockets, 10));
-  EXPECT_EQ(1U, sockets[0]);
-  EXPECT_EQ(11, maker.attempts);
-  EXPECT_EQ((std::vector<uint32_t>{0, 20, 40, 60, 80, 100, 120, 140, 160, 180}), maker.pauses);
-  const Messages lines = log.take();
+  maker_.failures.assign(10, {"bind", 10048});
+  EXPECT_EQ(0, make_pair(maker_, sockets_, 10));
+  EXPECT_EQ(1U, sockets_[0]);
+  EXPECT_EQ(11, maker_.attempts);
+  EXPECT_EQ((std::vector<uint32_t>{0, 20, 40, 60, 80, 100, 120, 140, 160, 180}), maker_.pauses);
+  const Messages lines = log_.take();
   ASSERT_EQ(11U, lines.size());
   EXPECT_EQ("LOG ov_sock_pair: port collision in bind().  Retrying (1 of 10)", lines[0]);
   EXPECT_EQ("LOG ov_sock_pair: port collision in bind().  Retrying (10 of 10)", lines[9]);
@@ -66,29 +66,29 @@ TEST_F(SocketPairTest, CollisionsAreSurvivedUpToTheLastRetry) {
 }
 
 TEST_F(SocketPairTest, OneCollisionMoreIsTheEnd) {
-  maker.failures.assign(11, {"listen", 10048});
-  EXPECT_EQ(10048, make_pair(maker, sockets, 10));
-  EXPECT_EQ(11, maker.attempts);
-  EXPECT_EQ(kClosed, sockets[0]);
-  EXPECT_EQ(kClosed, sockets[1]);
-  const Messages lines = log.take();
+  maker_.failures.assign(11, {"listen", 10048});
+  EXPECT_EQ(10048, make_pair(maker_, sockets_, 10));
+  EXPECT_EQ(11, maker_.attempts);
+  EXPECT_EQ(kClosed, sockets_[0]);
+  EXPECT_EQ(kClosed, sockets_[1]);
+  const Messages lines = log_.take();
   ASSERT_EQ(11U, lines.size());
   EXPECT_EQ("ERR ov_sock_pair: listen() error 10048", lines[10]);
 }
 
 TEST_F(SocketPairTest, OtherCodesAreNotTriedAgain) {
-  maker.failures = {{"connect", 10048}, {"select", 10060}};
-  EXPECT_EQ(10060, make_pair(maker, sockets, 10));
-  EXPECT_EQ(2, maker.attempts);
+  maker_.failures = {{"connect", 10048}, {"select", 10060}};
+  EXPECT_EQ(10060, make_pair(maker_, sockets_, 10));
+  EXPECT_EQ(2, maker_.attempts);
   EXPECT_EQ((Messages{"LOG ov_sock_pair: port collision in connect().  Retrying (1 of 10)",
                       "ERR ov_sock_pair: select() error 10060"}),
-            log.take());
+            log_.take());
 }
 
 TEST_F(SocketPairTest, WithoutRetriesTheFirstCollisionIsTheEnd) {
-  maker.failures = {{"bind", 10048}};
-  EXPECT_EQ(10048, make_pair(maker, sockets, 0));
-  EXPECT_EQ(Messages{"ERR ov_sock_pair: bind() error 10048"}, log.take());
+  maker_.failures = {{"bind", 10048}};
+  EXPECT_EQ(10048, make_pair(maker_, sockets_, 0));
+  EXPECT_EQ(Messages{"ERR ov_sock_pair: bind() error 10048"}, log_.take());
 }
 
 }  // namespace

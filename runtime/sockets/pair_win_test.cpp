@@ -139,23 +139,23 @@ class SocketPairSystemTest : public ov::SocketFixture {
   void expect_pair() {
     EXPECT_EQ(2, open);  // the listener is closed
     char text[4];
-    EXPECT_EQ(3, send(sockets[0], "one", 3, 0));
-    EXPECT_EQ(3, recv(sockets[1], text, 3, 0));
+    EXPECT_EQ(3, send(sockets_[0], "one", 3, 0));
+    EXPECT_EQ(3, recv(sockets_[1], text, 3, 0));
     EXPECT_EQ("one", std::string(text, 3));
-    EXPECT_EQ(3, send(sockets[1], "two", 3, 0));
-    EXPECT_EQ(3, recv(sockets[0], text, 3, 0));
+    EXPECT_EQ(3, send(sockets_[1], "two", 3, 0));
+    EXPECT_EQ(3, recv(sockets_[0], text, 3, 0));
     EXPECT_EQ("two", std::string(text, 3));
-    for (ov_sock& sock : sockets) EXPECT_EQ(0, ov_sock_close(&sock));
+    for (ov_sock& sock : sockets_) EXPECT_EQ(0, ov_sock_close(&sock));
     EXPECT_EQ(0, open);
   }
 
-  ov_sock sockets[2] = {8, 9};
+  ov_sock sockets_[2] = {8, 9};
 };
 
 TEST_F(SocketPairSystemTest, IsConnectedBothWays) {
-  EXPECT_EQ(0, ov_sock_pair(sockets));
+  EXPECT_EQ(0, ov_sock_pair(sockets_));
   expect_pair();
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
   EXPECT_EQ(22, ov_sock_pair(nullptr));
 }
 
@@ -163,46 +163,46 @@ TEST_F(SocketPairSystemTest, EachStepThatFailsIsReportedAndLeavesNothingOpen) {
   for (const char* step : kSteps) {
     SCOPED_TRACE(step);
     fail(step, 10055, 1);
-    EXPECT_EQ(10055, ov_sock_pair(sockets));
-    EXPECT_EQ(ov::kClosedSocket, sockets[0]);
-    EXPECT_EQ(ov::kClosedSocket, sockets[1]);
+    EXPECT_EQ(10055, ov_sock_pair(sockets_));
+    EXPECT_EQ(ov::kClosedSocket, sockets_[0]);
+    EXPECT_EQ(ov::kClosedSocket, sockets_[1]);
     EXPECT_EQ(0, open);
     EXPECT_TRUE(sleeps.empty());
-    EXPECT_EQ(Messages{"ERR ov_sock_pair: " + std::string(step) + "() error 10055"}, log.take());
+    EXPECT_EQ(Messages{"ERR ov_sock_pair: " + std::string(step) + "() error 10055"}, log_.take());
   }
 }
 
 TEST_F(SocketPairSystemTest, NoConnectionInTime) {
   fail("time", 0, 1);
-  EXPECT_EQ(10060, ov_sock_pair(sockets));
+  EXPECT_EQ(10060, ov_sock_pair(sockets_));
   EXPECT_EQ(0, open);
-  EXPECT_EQ(Messages{"ERR ov_sock_pair: select() error 10060"}, log.take());
+  EXPECT_EQ(Messages{"ERR ov_sock_pair: select() error 10060"}, log_.take());
 }
 
 TEST_F(SocketPairSystemTest, CollisionInAnyStepIsTriedAgain) {
   for (const char* step : kSteps) {
     SCOPED_TRACE(step);
     fail(step, 10048, 1);
-    EXPECT_EQ(0, ov_sock_pair(sockets));
+    EXPECT_EQ(0, ov_sock_pair(sockets_));
     expect_pair();
     EXPECT_EQ(std::vector<DWORD>{0}, sleeps);
     EXPECT_EQ((Messages{"LOG ov_sock_pair: port collision in " + std::string(step) +
                             "().  Retrying (1 of 10)",
                         "LOG ov_sock_pair: success on reattempt 1"}),
-              log.take());
+              log_.take());
   }
 }
 
 TEST_F(SocketPairSystemTest, TenCollisionsAreSurvived) {
   fail("bind", 10048, 10);
-  EXPECT_EQ(0, ov_sock_pair(sockets));
+  EXPECT_EQ(0, ov_sock_pair(sockets_));
   expect_pair();
   EXPECT_EQ((std::vector<DWORD>{0, 20, 40, 60, 80, 100, 120, 140, 160, 180}), sleeps);
-  EXPECT_EQ("LOG ov_sock_pair: success on reattempt 10", log.take().back());
+  EXPECT_EQ("LOG ov_sock_pair: success on reattempt 10", log_.take().back());
   fail("bind", 10048, 11);
-  EXPECT_EQ(10048, ov_sock_pair(sockets));
+  EXPECT_EQ(10048, ov_sock_pair(sockets_));
   EXPECT_EQ(0, open);
-  EXPECT_EQ("ERR ov_sock_pair: bind() error 10048", log.take().back());
+  EXPECT_EQ("ERR ov_sock_pair: bind() error 10048", log_.take().back());
 }
 
 }  // namespace

@@ -141,7 +141,7 @@ class SocketResolveTest : public ov::SocketFixture {
   }
   // "node" or "node|service".
   std::string asked(const char* text) {
-    ov_sock_resolve_addr(text, &addr);
+    ov_sock_resolve_addr(text, &addr_);
     EXPECT_EQ(SOCK_DGRAM, lookup.hints.ai_socktype);
     EXPECT_EQ(0, lookup.hints.ai_family);
     EXPECT_EQ(0, lookup.hints.ai_flags);
@@ -151,26 +151,26 @@ class SocketResolveTest : public ov::SocketFixture {
   }
   std::string text() {
     char out[65] = "";
-    EXPECT_EQ(0, ov_sock_get_ipaddrstr(&addr, out, sizeof out));
-    return std::string(out) + " " + std::to_string(ntohs(ov_sock_get_port(&addr)));
+    EXPECT_EQ(0, ov_sock_get_ipaddrstr(&addr_, out, sizeof out));
+    return std::string(out) + " " + std::to_string(ntohs(ov_sock_get_port(&addr_)));
   }
   // The port of a listening socket, as text.
   static std::string port_of(ov_sock server) {
     return std::to_string(ntohs(ov::own_address(server).port));
   }
 
-  ov_sock_addr addr = {};
-  ov_sock sock = 7;
+  ov_sock_addr addr_ = {};
+  ov_sock sock_ = 7;
 };
 
 TEST_F(SocketResolveTest, TakesHostAndPortApart) {
-  EXPECT_EQ(0, ov_sock_resolve_addr("[::1]:8080", &addr));
+  EXPECT_EQ(0, ov_sock_resolve_addr("[::1]:8080", &addr_));
   EXPECT_EQ("::1 8080", text());
-  EXPECT_EQ(0, ov_sock_resolve_addr("127.0.0.5:80", &addr));
+  EXPECT_EQ(0, ov_sock_resolve_addr("127.0.0.5:80", &addr_));
   EXPECT_EQ("127.0.0.5 80", text());
-  EXPECT_EQ(0, ov_sock_resolve_addr("127.0.0.6", &addr));
+  EXPECT_EQ(0, ov_sock_resolve_addr("127.0.0.6", &addr_));
   EXPECT_EQ("127.0.0.6 0", text());
-  EXPECT_EQ(0, ov_sock_resolve_addr("::1", &addr));
+  EXPECT_EQ(0, ov_sock_resolve_addr("::1", &addr_));
   EXPECT_EQ("::1 0", text());
   EXPECT_EQ(4, lookup.freed);
 }
@@ -191,18 +191,18 @@ TEST_F(SocketResolveTest, WhatIsLookedUp) {
 TEST_F(SocketResolveTest, CodesOfALookUp) {
   for (const int plain : {8, 10022, 10044, 10047, 10109, 11001, 11002, 11003}) {
     fake(plain, 5);
-    EXPECT_EQ(plain, ov_sock_resolve_addr("host", &addr));
-    EXPECT_EQ(plain, ov_sock_create_server("host", "1", 0, SOCK_STREAM, &sock));
-    EXPECT_EQ(plain, ov_sock_create_client("host", "1", 0, SOCK_STREAM, &sock));
+    EXPECT_EQ(plain, ov_sock_resolve_addr("host", &addr_));
+    EXPECT_EQ(plain, ov_sock_create_server("host", "1", 0, SOCK_STREAM, &sock_));
+    EXPECT_EQ(plain, ov_sock_create_client("host", "1", 0, SOCK_STREAM, &sock_));
   }
   fake(11004, 10050);
-  EXPECT_EQ(10050, ov_sock_resolve_addr("host", &addr));
+  EXPECT_EQ(10050, ov_sock_resolve_addr("host", &addr_));
   fake(11004, 0);
-  EXPECT_EQ(28691, ov_sock_resolve_addr("host", &addr));
+  EXPECT_EQ(28691, ov_sock_resolve_addr("host", &addr_));
   EXPECT_EQ(0, lookup.freed);
   lookup = {};
-  EXPECT_EQ(11001, ov_sock_resolve_addr("no-such-host.invalid", &addr));
-  EXPECT_EQ(0, addr.family);
+  EXPECT_EQ(11001, ov_sock_resolve_addr("no-such-host.invalid", &addr_));
+  EXPECT_EQ(0, addr_.family);
 }
 
 TEST_F(SocketResolveTest, FirstResultAloneCounts) {
@@ -212,11 +212,11 @@ TEST_F(SocketResolveTest, FirstResultAloneCounts) {
   Entry first(other);
   first.ai_next = &second;
   fake(0, 0, &first);
-  EXPECT_EQ(22, ov_sock_resolve_addr("host", &addr));
+  EXPECT_EQ(22, ov_sock_resolve_addr("host", &addr_));
   EXPECT_EQ(1, lookup.freed);
-  EXPECT_EQ(0, addr.family);
+  EXPECT_EQ(0, addr_.family);
   fake(0, 0, nullptr);
-  EXPECT_EQ(11001, ov_sock_resolve_addr("host", &addr));
+  EXPECT_EQ(11001, ov_sock_resolve_addr("host", &addr_));
 }
 
 TEST_F(SocketResolveTest, StoresFamilyPortAndAddressOnly) {
@@ -225,13 +225,13 @@ TEST_F(SocketResolveTest, StoresFamilyPortAndAddressOnly) {
   found.scope_id = 3;
   Entry entry(found);
   fake(0, 0, &entry);
-  addr.scope_id = 44;
-  EXPECT_EQ(0, ov_sock_resolve_addr("host", &addr));
-  EXPECT_EQ(23, addr.family);
-  EXPECT_EQ(99, addr.port);
-  EXPECT_EQ(1, addr.ipv6[15]);
-  EXPECT_EQ(44U, addr.scope_id);
-  EXPECT_EQ(22, ov_sock_resolve_addr(nullptr, &addr));
+  addr_.scope_id = 44;
+  EXPECT_EQ(0, ov_sock_resolve_addr("host", &addr_));
+  EXPECT_EQ(23, addr_.family);
+  EXPECT_EQ(99, addr_.port);
+  EXPECT_EQ(1, addr_.ipv6[15]);
+  EXPECT_EQ(44U, addr_.scope_id);
+  EXPECT_EQ(22, ov_sock_resolve_addr(nullptr, &addr_));
   EXPECT_EQ(22, ov_sock_resolve_addr("host", nullptr));
 }
 
@@ -258,8 +258,8 @@ TEST_F(SocketResolveTest, ServerAndClient) {
 }
 
 TEST_F(SocketResolveTest, ServerWithoutANodeListensEverywhere) {
-  ASSERT_EQ(0, ov_sock_create_server(nullptr, "0", AF_INET, SOCK_STREAM, &sock));
-  EXPECT_EQ(0U, ov::own_address(keep(sock)).ipv4);
+  ASSERT_EQ(0, ov_sock_create_server(nullptr, "0", AF_INET, SOCK_STREAM, &sock_));
+  EXPECT_EQ(0U, ov::own_address(keep(sock_)).ipv4);
 }
 
 TEST_F(SocketResolveTest, ClientFromALocalAddress) {
@@ -268,15 +268,15 @@ TEST_F(SocketResolveTest, ClientFromALocalAddress) {
   keep(server);
   const std::string port = port_of(server);
   ASSERT_EQ(0, ov_sock_create_client2("127.0.0.9:5", "127.0.0.1", port.c_str(), AF_INET,
-                                      SOCK_STREAM, &sock));
-  addr = ov::own_address(keep(sock));
+                                      SOCK_STREAM, &sock_));
+  addr_ = ov::own_address(keep(sock_));
   const std::string own = text();
   EXPECT_TRUE(own.starts_with("127.0.0.9 ")) << own;
   EXPECT_NE("127.0.0.9 5", own);  // any port
   for (const char* bad : {"", "x", "::1"}) {
     EXPECT_EQ(10022,
-              ov_sock_create_client2(bad, "127.0.0.1", port.c_str(), AF_INET, SOCK_STREAM, &sock));
-    EXPECT_EQ(ov::kClosedSocket, sock);
+              ov_sock_create_client2(bad, "127.0.0.1", port.c_str(), AF_INET, SOCK_STREAM, &sock_));
+    EXPECT_EQ(ov::kClosedSocket, sock_);
   }
 }
 
@@ -294,8 +294,8 @@ TEST_F(SocketResolveTest, EachResultIsTried) {
   good.ai_addrlen = refused.ai_addrlen = sizeof(sockaddr_in);
   refused.address.port = htons(1);
   fake(0, 0, &unknown);
-  ASSERT_EQ(0, ov_sock_create_client("host", "1", 0, SOCK_STREAM, &sock));
-  keep(sock);
+  ASSERT_EQ(0, ov_sock_create_client("host", "1", 0, SOCK_STREAM, &sock_));
+  keep(sock_);
   EXPECT_EQ(1, lookup.freed);
   EXPECT_EQ(2, sockets);  // the one that was refused is closed
   ov_sock bound = 7;
@@ -314,11 +314,11 @@ TEST_F(SocketResolveTest, CodeOfTheLastResult) {
   Entry unknown(odd);
   unknown.ai_next = &refused;
   fake(0, 0, &unknown);
-  EXPECT_EQ(10061, ov_sock_create_client("host", "1", 0, SOCK_STREAM, &sock));
-  EXPECT_EQ(ov::kClosedSocket, sock);
+  EXPECT_EQ(10061, ov_sock_create_client("host", "1", 0, SOCK_STREAM, &sock_));
+  EXPECT_EQ(ov::kClosedSocket, sock_);
   unknown.ai_next = nullptr;
-  EXPECT_EQ(10047, ov_sock_create_client("host", "1", 0, SOCK_STREAM, &sock));
-  EXPECT_EQ(10047, ov_sock_create_server("host", "1", 0, SOCK_STREAM, &sock));
+  EXPECT_EQ(10047, ov_sock_create_client("host", "1", 0, SOCK_STREAM, &sock_));
+  EXPECT_EQ(10047, ov_sock_create_server("host", "1", 0, SOCK_STREAM, &sock_));
   EXPECT_EQ(0, sockets);
   EXPECT_EQ(3, lookup.freed);
 }
@@ -327,17 +327,17 @@ TEST_F(SocketResolveTest, ServerThatFailsLeavesNothingOpen) {
   for (const char* step : {"reuseaddr", "bind", "listen 128"}) {
     SCOPED_TRACE(step);
     failing = step;
-    sock = 7;
-    EXPECT_EQ(10055, ov_sock_create_server("127.0.0.1", "0", AF_INET, SOCK_STREAM, &sock));
-    EXPECT_EQ(ov::kClosedSocket, sock);
+    sock_ = 7;
+    EXPECT_EQ(10055, ov_sock_create_server("127.0.0.1", "0", AF_INET, SOCK_STREAM, &sock_));
+    EXPECT_EQ(ov::kClosedSocket, sock_);
     EXPECT_EQ(0, sockets);
   }
   failing = "bind";
   EXPECT_EQ(10055,
-            ov_sock_create_client2("127.0.0.1", "127.0.0.1", "1", AF_INET, SOCK_STREAM, &sock));
+            ov_sock_create_client2("127.0.0.1", "127.0.0.1", "1", AF_INET, SOCK_STREAM, &sock_));
   EXPECT_EQ(0, sockets);
   failing.clear();
-  EXPECT_EQ(10045, ov_sock_create_server("127.0.0.1", "0", AF_INET, SOCK_DGRAM, &sock));
+  EXPECT_EQ(10045, ov_sock_create_server("127.0.0.1", "0", AF_INET, SOCK_DGRAM, &sock_));
   EXPECT_EQ(0, sockets);
   EXPECT_EQ(22, ov_sock_create_server("127.0.0.1", "0", AF_INET, SOCK_STREAM, nullptr));
   EXPECT_EQ(22, ov_sock_create_client("127.0.0.1", "0", AF_INET, SOCK_STREAM, nullptr));

@@ -15,32 +15,32 @@ namespace {
 class SocketSystemTest : public ov::SocketFixture {
  protected:
   // The address in the text, with that port in network order.
-  static ov_sock_addr address(const char* text, uint16_t port = 0) {
+  static ov_sock_addr address(const char* text_, uint16_t port = 0) {
     ov_sock_addr addr = {};
     int32_t isIpv6 = 0;
-    EXPECT_EQ(0, ov_sock_store_ipaddr(text, &addr, &isIpv6));
+    EXPECT_EQ(0, ov_sock_store_ipaddr(text_, &addr, &isIpv6));
     addr.port = port;
     return addr;
   }
 
-  char text[65] = {};
-  uint32_t count = 77;
+  char text_[65] = {};
+  uint32_t count_ = 77;
 };
 
 TEST_F(SocketSystemTest, TextsOfAddresses) {
   ov_sock_addr addr = {};
   int32_t isIpv6 = 9;
   EXPECT_EQ(0, ov_sock_pton(23, "2001:db8::1", &addr));
-  EXPECT_EQ(0, ov_sock_ntop(23, &addr, text, sizeof text));
-  EXPECT_STREQ("2001:db8::1", text);
+  EXPECT_EQ(0, ov_sock_ntop(23, &addr, text_, sizeof text_));
+  EXPECT_STREQ("2001:db8::1", text_);
   EXPECT_EQ(0, ov_sock_ip6_or_ip4("10.0.0.1", &isIpv6));
   EXPECT_EQ(0, isIpv6);
   addr = address("10.0.0.1");
-  EXPECT_EQ(0, ov_sock_get_ipaddrstr(&addr, text, sizeof text));
-  EXPECT_STREQ("10.0.0.1", text);
+  EXPECT_EQ(0, ov_sock_get_ipaddrstr(&addr, text_, sizeof text_));
+  EXPECT_STREQ("10.0.0.1", text_);
   addr = address("::7");
-  EXPECT_EQ(0, ov_sock_copy_ipaddrstr(&addr, text, sizeof text, &isIpv6));
-  EXPECT_STREQ("::7", text);
+  EXPECT_EQ(0, ov_sock_copy_ipaddrstr(&addr, text_, sizeof text_, &isIpv6));
+  EXPECT_STREQ("::7", text_);
   EXPECT_EQ(1, isIpv6);
 }
 
@@ -56,7 +56,7 @@ TEST_F(SocketSystemTest, ThisMachine) {
   const ov_sock_addr other = address("192.0.2.1");
   EXPECT_EQ(0, ov_sock_is_local_address(&other, &answer));
   EXPECT_EQ(0, answer);
-  EXPECT_EQ(22, ov_sock_get_mac_addr(nullptr, &other, text, sizeof text));
+  EXPECT_EQ(22, ov_sock_get_mac_addr(nullptr, &other, text_, sizeof text_));
   const ov_rc result = ov_sock_get_1host_ipaddr(&addr);
   EXPECT_TRUE(result == 0 || result == 2) << result;  // 2 with the loopback address only
   EXPECT_EQ(result != 0, ov_sock_is_loopback_ipaddr(&addr));
@@ -75,9 +75,9 @@ TEST_F(SocketSystemTest, ConnectionFromServerToClients) {
                                                            AF_INET, SOCK_STREAM, &client));
     keep(client);
     ov_sock accepted = keep(accept(server, nullptr, nullptr));
-    EXPECT_EQ(0, ov_buf_write(&client, "hello", 5, &count));
-    EXPECT_EQ(0, ov_buf_read(&accepted, text, 5, &count));
-    EXPECT_EQ("hello", std::string(text, count));
+    EXPECT_EQ(0, ov_buf_write(&client, "hello", 5, &count_));
+    EXPECT_EQ(0, ov_buf_read(&accepted, text_, 5, &count_));
+    EXPECT_EQ("hello", std::string(text_, count_));
   }
 }
 
@@ -86,27 +86,27 @@ TEST_F(SocketSystemTest, BuffersThroughAPair) {
   ASSERT_EQ(0, ov_sock_pair(pair));
   keep(pair[0]);
   keep(pair[1]);
-  EXPECT_EQ(0, ov_buf_write_tmout(&pair[1], "hello", 5, &count, 10));
-  EXPECT_EQ(5U, count);
-  EXPECT_EQ(0, ov_buf_read_tmout(&pair[0], text, 5, &count, 10));
-  EXPECT_EQ("hello", std::string(text, count));
-  EXPECT_EQ(0, ov_buf_read_tmout(&pair[0], text, 5, &count, 1));  // nothing comes
-  EXPECT_EQ(0U, count);
+  EXPECT_EQ(0, ov_buf_write_tmout(&pair[1], "hello", 5, &count_, 10));
+  EXPECT_EQ(5U, count_);
+  EXPECT_EQ(0, ov_buf_read_tmout(&pair[0], text_, 5, &count_, 10));
+  EXPECT_EQ("hello", std::string(text_, count_));
+  EXPECT_EQ(0, ov_buf_read_tmout(&pair[0], text_, 5, &count_, 1));  // nothing comes
+  EXPECT_EQ(0U, count_);
 }
 
 TEST_F(SocketSystemTest, DatagramWithItsTimeAndItsDestination) {
-  ov_sock receiver = make_receiver(AF_INET);
-  ov_sock sender = make_sender(receiver);
+  ov_sock receiver = makeReceiver(AF_INET);
+  ov_sock sender = makeSender(receiver);
   ov_timeval time = {-1, -1};
   EXPECT_EQ(3, ov_sock_send_udp_ts(&sender, "one", 3, &time, 3));
-  EXPECT_EQ(3, ov_sock_recv_udp_ts(&receiver, text, sizeof text, &time, 3));
+  EXPECT_EQ(3, ov_sock_recv_udp_ts(&receiver, text_, sizeof text_, &time, 3));
   EXPECT_NE(-1, time.sec);
   EXPECT_EQ(0, ov_sock_set_recvmsg_dstaddr(&receiver, 0));
   EXPECT_EQ(3, ov_sock_send_udp_ts(&sender, "two", 3, &time, 3));
   ov_sock_addr from = {};
   ov_sock_addr dst = {};
-  EXPECT_EQ(0, ov_sock_recvmsg_dstaddr(&receiver, text, sizeof text, &count, &from, &dst, 0));
-  EXPECT_EQ("two", std::string(text, count));
+  EXPECT_EQ(0, ov_sock_recvmsg_dstaddr(&receiver, text_, sizeof text_, &count_, &from, &dst, 0));
+  EXPECT_EQ("two", std::string(text_, count_));
   EXPECT_EQ(1, ov_sock_is_loopback_ipaddr(&dst));
   EXPECT_EQ(ov::own_address(sender).port, from.port);
 }

@@ -55,14 +55,14 @@ ov_rc ov_sock_store_ipaddr(const char* text, ov_sock_addr* addr, int32_t* isIpv6
   } else {
     memcpy(addr->ipv6, read.ipv6, sizeof addr->ipv6);
   }
-  if (isIpv6 != nullptr) *isIpv6 = read.family == AF_INET6;
+  if (isIpv6 != nullptr) *isIpv6 = read.family == AF_INET6 ? 1 : 0;
   return 0;
 }
 
 ov_rc ov_sock_ip6_or_ip4(const char* text, int32_t* isIpv6) {
   ov_sock_addr read = {};
   if (isIpv6 == nullptr || read_text(text, &read) != 0) return OV_EINVAL;
-  *isIpv6 = read.family == AF_INET6;
+  *isIpv6 = read.family == AF_INET6 ? 1 : 0;
   return 0;
 }
 
@@ -73,6 +73,6 @@ ov_rc ov_sock_get_ipaddrstr(const ov_sock_addr* addr, char* text, size_t size) {
 
 ov_rc ov_sock_copy_ipaddrstr(const ov_sock_addr* addr, char* text, size_t size, int32_t* isIpv6) {
   if (const ov_rc error = ov_sock_get_ipaddrstr(addr, text, size)) return error;
-  if (isIpv6 != nullptr) *isIpv6 = addr->family == AF_INET6;
+  if (isIpv6 != nullptr) *isIpv6 = addr->family == AF_INET6 ? 1 : 0;
   return 0;
 }

@@ -1,7 +1,7 @@
 // What the sources of the mutexes, conditions and threads share. Not part of the public header.
 #pragma once
 
-#include <stdint.h>
+#include <cstdint>
 
 #include <atomic>
 

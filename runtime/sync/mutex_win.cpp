@@ -1,8 +1,8 @@
 // The mutex: a critical section until a condition is tied to it, then a kernel mutex.
 #include <windows.h>
 
-#include <inttypes.h>
-#include <stdlib.h>
+#include <cinttypes>
+#include <cstdlib>
 
 #include <new>
 
@@ -107,7 +107,7 @@ ov_rc ov::switch_to_mutex(ov_mutex* m) {
       return 0;
     }
   }
-  const HANDLE mutex = CreateMutexW(nullptr, owner, nullptr);
+  const HANDLE mutex = CreateMutexW(nullptr, owner ? TRUE : FALSE, nullptr);
   ov_rc error = 0;
   if (mutex == nullptr) {
     error = last_code();

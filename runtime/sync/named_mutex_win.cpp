@@ -1,8 +1,8 @@
 // Locks that processes share, each a semaphore of count 1 with a name.
 #include <windows.h>
 
-#include <inttypes.h>
-#include <string.h>
+#include <cinttypes>
+#include <cstring>
 
 #include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"

@@ -16,7 +16,7 @@ using Messages = std::vector<std::string>;
 
 class SemaphoresSystemTest : public ::testing::Test {
  protected:
-  ov::CapturedLog log;
+  ov::CapturedLog log_;
 };
 
 TEST_F(SemaphoresSystemTest, CountsDownToZero) {
@@ -31,7 +31,7 @@ TEST_F(SemaphoresSystemTest, CountsDownToZero) {
   std::thread poster([&s] { EXPECT_EQ(0, ov_sem_post(&s)); });
   EXPECT_EQ(0, ov_sem_wait(&s));
   poster.join();
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
   EXPECT_EQ(0, ov_sem_destroy(&s));
   EXPECT_EQ(INVALID_HANDLE_VALUE, s);
 }
@@ -42,7 +42,7 @@ TEST_F(SemaphoresSystemTest, WaitOnADestroyedOneFailsAtOnce) {
   EXPECT_EQ(6, ov_sem_trywait(&s, 10));
   s = nullptr;
   EXPECT_EQ(6, ov_sem_wait(&s));
-  EXPECT_EQ(Messages(3, "LOG ov_sem_wait, not signalled, err=6"), log.take());
+  EXPECT_EQ(Messages(3, "LOG ov_sem_wait, not signalled, err=6"), log_.take());
 }
 
 TEST_F(SemaphoresSystemTest, NamedLockIsSharedByItsName) {
@@ -52,14 +52,14 @@ TEST_F(SemaphoresSystemTest, NamedLockIsSharedByItsName) {
   ASSERT_EQ(0, ov_named_local_mutex_init(&b, "one"));
   EXPECT_EQ(0, ov_named_mutex_acquire(&a));
   EXPECT_EQ(258, ov_named_mutex_acquire_nb(&b));
-  EXPECT_EQ(Messages{"LOG ov_named_mutex_acquire_nb: unknown err=258:"}, log.take());
+  EXPECT_EQ(Messages{"LOG ov_named_mutex_acquire_nb: unknown err=258:"}, log_.take());
   std::thread([&b] { EXPECT_EQ(0, ov_named_mutex_release(&b)); }).join();  // it has no owner
   EXPECT_EQ(0, ov_named_mutex_acquire_nb(&b));
   EXPECT_EQ(0, ov_named_mutex_release(&b));
   EXPECT_EQ(0, ov_named_mutex_destroy(&a));
   EXPECT_EQ(INVALID_HANDLE_VALUE, a);
   EXPECT_EQ(0, ov_named_mutex_force_destroy(&b));
-  EXPECT_EQ(Messages{}, log.take());
+  EXPECT_EQ(Messages{}, log_.take());
 }
 
 TEST_F(SemaphoresSystemTest, NamedLockMayBeNamedByAPath) {

@@ -34,16 +34,16 @@ class SemaphoresTest : public ::testing::Test {
  protected:
   SemaphoresTest() { waitResult = WAIT_OBJECT_0; }
   ~SemaphoresTest() override { waitResult = WAIT_OBJECT_0; }
-  ov::CapturedLog log;
+  ov::CapturedLog log_;
 };
 
 TEST_F(SemaphoresTest, Failures) {
   ov_sem s;
   EXPECT_EQ(87, ov_sem_init(&s, 32768));
-  EXPECT_EQ(Messages{"LOG ov_sem_init failed, err=87"}, log.take());
+  EXPECT_EQ(Messages{"LOG ov_sem_init failed, err=87"}, log_.take());
   ASSERT_EQ(0, ov_sem_init(&s, 32767));
   EXPECT_EQ(298, ov_sem_post(&s));
-  EXPECT_EQ(Messages{"LOG ov_sem_post, ReleaseSemaphore failed, err=298"}, log.take());
+  EXPECT_EQ(Messages{"LOG ov_sem_post, ReleaseSemaphore failed, err=298"}, log_.take());
   waitResult = WAIT_FAILED;
   waitError = 5;
   EXPECT_EQ(5, ov_sem_wait(&s));
@@ -51,10 +51,10 @@ TEST_F(SemaphoresTest, Failures) {
   EXPECT_EQ(128, ov_sem_trywait(&s, 1));
   EXPECT_EQ((Messages{"LOG ov_sem_wait, not signalled, err=5",
                       "LOG ov_sem_wait, not signalled, err=128"}),
-            log.take());
+            log_.take());
   ov_sem stale = reinterpret_cast<ov_sem>(uintptr_t{0x7FFFFFF0});
   EXPECT_EQ(6, ov_sem_destroy(&stale));
-  EXPECT_EQ(Messages{"LOG ov_sem_destroy, CloseHandle failed, err=6"}, log.take());
+  EXPECT_EQ(Messages{"LOG ov_sem_destroy, CloseHandle failed, err=6"}, log_.take());
   EXPECT_EQ(0, ov_sem_destroy(&s));
   EXPECT_EQ(22, ov_sem_init(nullptr, 0));
   EXPECT_EQ(22, ov_sem_destroy(nullptr));
@@ -71,14 +71,14 @@ TEST_F(SemaphoresTest, NamedLockFailures) {
   CloseHandle(event);
   EXPECT_EQ((Messages{"LOG ov_named_mutex_init failed, err=28677",
                       "LOG ov_named_mutex_init failed, err=6"}),
-            log.take());
+            log_.take());
   ASSERT_EQ(0, ov_named_local_mutex_init(&m, "two"));
   EXPECT_EQ(298, ov_named_mutex_release(&m));
   char line[160];
   snprintf(line, sizeof line,
            "LOG ov_named_mutex_release failed. err=298 &m->sem=0x%p, m->sem=0x%llx",
            static_cast<void*>(&m), reinterpret_cast<unsigned long long>(m));
-  EXPECT_EQ(Messages{line}, log.take());
+  EXPECT_EQ(Messages{line}, log_.take());
   waitResult = WAIT_FAILED;
   waitError = 5;
   EXPECT_EQ(5, ov_named_mutex_acquire(&m));
@@ -89,7 +89,7 @@ TEST_F(SemaphoresTest, NamedLockFailures) {
   EXPECT_EQ((Messages{"LOG ov_named_mutex_acquire failed, err=5",
                       "LOG ov_named_mutex_acquire: wait abandoned",
                       "LOG ov_named_mutex_acquire_nb: wait abandoned"}),
-            log.take());
+            log_.take());
   EXPECT_EQ(0, ov_named_mutex_destroy(&m));
   EXPECT_EQ(6, ov_named_mutex_acquire(&m));
   m = reinterpret_cast<ov_named_mutex>(uintptr_t{0x7FFFFFF0});
@@ -99,7 +99,7 @@ TEST_F(SemaphoresTest, NamedLockFailures) {
   EXPECT_EQ((Messages{"LOG ov_named_mutex_acquire failed, err=6",
                       "LOG ov_named_mutex_destroy, CloseHandle failed, err=6",
                       "LOG ov_named_mutex_force_destroy, CloseHandle failed, err=6"}),
-            log.take());
+            log_.take());
   EXPECT_EQ(22, ov_named_mutex_init(nullptr, "x"));
   EXPECT_EQ(22, ov_named_mutex_init(&m, nullptr));
   EXPECT_EQ(22, ov_named_mutex_acquire(nullptr));

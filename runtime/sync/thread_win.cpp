@@ -74,7 +74,7 @@ uint32_t ov_thread_getid(const ov_thread* thread) {
 
 int32_t ov_thread_alive(const ov_thread* thread) {
   if (!is_open(thread)) return 1;
-  return WaitForSingleObject(thread->handle, 0) == WAIT_OBJECT_0;
+  return WaitForSingleObject(thread->handle, 0) == WAIT_OBJECT_0 ? 1 : 0;
 }
 
 void ov_thread_exit(void) {

@@ -20,51 +20,51 @@ using Messages = std::vector<std::string>;
 class ThreadsTest : public ::testing::TestWithParam<bool> {
  protected:
   ThreadsTest() {
-    EXPECT_EQ(0, ov_mutex_init(&mutex));
+    EXPECT_EQ(0, ov_mutex_init(&mutex_));
     if (GetParam()) {
-      EXPECT_EQ(0, ov_cond_init(&condition, &mutex));
+      EXPECT_EQ(0, ov_cond_init(&condition_, &mutex_));
     }
   }
   ~ThreadsTest() override {
     if (GetParam()) {
-      EXPECT_EQ(0, ov_cond_destroy(&condition));
+      EXPECT_EQ(0, ov_cond_destroy(&condition_));
     }
-    EXPECT_EQ(0, ov_mutex_destroy(&mutex));
+    EXPECT_EQ(0, ov_mutex_destroy(&mutex_));
   }
-  ov_mutex mutex;
-  ov_cond condition;
+  ov_mutex mutex_;
+  ov_cond condition_;
 };
 INSTANTIATE_TEST_SUITE_P(BeforeAndAfterTheSwitch, ThreadsTest, ::testing::Bool());
 
 TEST_P(ThreadsTest, AcquireNotesTheOwner) {
-  EXPECT_EQ(0U, mutex.owner);
-  EXPECT_EQ(0, ov_mutex_acquire(&mutex));
-  EXPECT_EQ(ov_thread_self(), mutex.owner);
-  EXPECT_EQ(0, ov_mutex_release(&mutex));
-  EXPECT_EQ(0U, mutex.owner);
-  EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex));
-  EXPECT_EQ(ov_thread_self(), mutex.owner);
-  EXPECT_EQ(0, ov_mutex_release(&mutex));
+  EXPECT_EQ(0U, mutex_.owner);
+  EXPECT_EQ(0, ov_mutex_acquire(&mutex_));
+  EXPECT_EQ(ov_thread_self(), mutex_.owner);
+  EXPECT_EQ(0, ov_mutex_release(&mutex_));
+  EXPECT_EQ(0U, mutex_.owner);
+  EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex_));
+  EXPECT_EQ(ov_thread_self(), mutex_.owner);
+  EXPECT_EQ(0, ov_mutex_release(&mutex_));
 }
 
 TEST_P(ThreadsTest, ReleaseByAnotherThreadChangesNothing) {
   ov::CapturedLog log;
-  EXPECT_EQ(1, ov_mutex_release(&mutex));
-  EXPECT_EQ(0, ov_mutex_acquire(&mutex));
-  const uint32_t owner = mutex.owner;
-  std::thread([this] { EXPECT_EQ(1, ov_mutex_release(&mutex)); }).join();
-  EXPECT_EQ(owner, mutex.owner);
-  EXPECT_EQ(0, ov_mutex_release(&mutex));
+  EXPECT_EQ(1, ov_mutex_release(&mutex_));
+  EXPECT_EQ(0, ov_mutex_acquire(&mutex_));
+  const uint32_t owner = mutex_.owner;
+  std::thread([this] { EXPECT_EQ(1, ov_mutex_release(&mutex_)); }).join();
+  EXPECT_EQ(owner, mutex_.owner);
+  EXPECT_EQ(0, ov_mutex_release(&mutex_));
   EXPECT_EQ(Messages(2, "LOG Attempt to release mutex by non-owner thread"), log.take());
 }
 
 TEST_P(ThreadsTest, TryingAHeldMutex) {
   ov::CapturedLog log;
-  EXPECT_EQ(0, ov_mutex_acquire(&mutex));
-  std::thread([this] { EXPECT_EQ(GetParam() ? 258 : 10035, ov_mutex_acquire_nb(&mutex)); }).join();
+  EXPECT_EQ(0, ov_mutex_acquire(&mutex_));
+  std::thread([this] { EXPECT_EQ(GetParam() ? 258 : 10035, ov_mutex_acquire_nb(&mutex_)); }).join();
   EXPECT_EQ(GetParam() ? Messages{"LOG ov_mutex_acquire_nb: unknown err=258:"} : Messages{},
             log.take());
-  EXPECT_EQ(0, ov_mutex_release(&mutex));
+  EXPECT_EQ(0, ov_mutex_release(&mutex_));
 }
 
 TEST_P(ThreadsTest, OnlyOneThreadIsInside) {
@@ -74,11 +74,11 @@ TEST_P(ThreadsTest, OnlyOneThreadIsInside) {
   for (int t = 0; t < 4; ++t) {
     threads.emplace_back([&] {
       for (int i = 0; i < 2000; ++i) {
-        ASSERT_EQ(0, ov_mutex_acquire(&mutex));
+        ASSERT_EQ(0, ov_mutex_acquire(&mutex_));
         ASSERT_EQ(1, ++inside);
         ++total;
         --inside;
-        ASSERT_EQ(0, ov_mutex_release(&mutex));
+        ASSERT_EQ(0, ov_mutex_release(&mutex_));
       }
     });
   }
@@ -90,47 +90,47 @@ TEST_P(ThreadsTest, OnlyOneThreadIsInside) {
 class RecursiveTest : public ::testing::TestWithParam<bool> {
  protected:
   RecursiveTest() {
-    EXPECT_EQ(0, ov_mutex_init_recursive(&mutex));
-    EXPECT_NE(0, mutex.recursive);
+    EXPECT_EQ(0, ov_mutex_init_recursive(&mutex_));
+    EXPECT_NE(0, mutex_.recursive);
     if (GetParam()) {
-      EXPECT_EQ(0, ov_cond_init(&condition, &mutex));
+      EXPECT_EQ(0, ov_cond_init(&condition_, &mutex_));
     }
   }
   ~RecursiveTest() override {
-    if (GetParam()) ov_cond_destroy(&condition);
-    EXPECT_EQ(0, ov_mutex_destroy(&mutex));
+    if (GetParam()) ov_cond_destroy(&condition_);
+    EXPECT_EQ(0, ov_mutex_destroy(&mutex_));
   }
   ov_rc tryElsewhere() {
     ov_rc result = 0;
     std::thread([this, &result] {
-      result = ov_mutex_acquire_nb(&mutex);
-      if (result == 0) ov_mutex_release(&mutex);
+      result = ov_mutex_acquire_nb(&mutex_);
+      if (result == 0) ov_mutex_release(&mutex_);
     }).join();
     return result;
   }
-  ov_mutex mutex;
-  ov_cond condition;
+  ov_mutex mutex_;
+  ov_cond condition_;
 };
 INSTANTIATE_TEST_SUITE_P(BeforeAndAfterTheSwitch, RecursiveTest, ::testing::Bool());
 
 TEST_P(RecursiveTest, IsFreeAfterAsManyReleases) {
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(0, ov_mutex_acquire(&mutex));
-  EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex));
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(0, ov_mutex_acquire(&mutex_));
+  EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex_));
   for (int i = 0; i < 4; ++i) {
     EXPECT_NE(0, tryElsewhere());
-    EXPECT_EQ(0, ov_mutex_release(&mutex));
+    EXPECT_EQ(0, ov_mutex_release(&mutex_));
   }
   EXPECT_EQ(0, tryElsewhere());
 }
 
 TEST_P(RecursiveTest, ReleaseOnceTooOftenIsRefused) {
-  EXPECT_EQ(0, ov_mutex_acquire(&mutex));
-  EXPECT_EQ(0, ov_mutex_release(&mutex));
-  EXPECT_EQ(ov_thread_self(), mutex.owner);  // the last owner stays
-  EXPECT_EQ(1, ov_mutex_release(&mutex));
+  EXPECT_EQ(0, ov_mutex_acquire(&mutex_));
+  EXPECT_EQ(0, ov_mutex_release(&mutex_));
+  EXPECT_EQ(ov_thread_self(), mutex_.owner);  // the last owner stays
+  EXPECT_EQ(1, ov_mutex_release(&mutex_));
   EXPECT_EQ(0, tryElsewhere());
-  EXPECT_EQ(0, ov_mutex_acquire(&mutex));
-  EXPECT_EQ(0, ov_mutex_release(&mutex));
+  EXPECT_EQ(0, ov_mutex_acquire(&mutex_));
+  EXPECT_EQ(0, ov_mutex_release(&mutex_));
 }
 
 TEST(MutexTest, CreateAndDispose) {
@@ -180,34 +180,34 @@ TEST(MutexDeathTest, AcquiringAgainEndsTheProcess) {
 class ConditionTest : public ::testing::Test {
  protected:
   ConditionTest() {
-    ov_mutex_init(&mutex);
-    ov_cond_init(&condition, &mutex);
+    ov_mutex_init(&mutex_);
+    ov_cond_init(&condition_, &mutex_);
   }
   ~ConditionTest() override {
-    EXPECT_EQ(0, ov_cond_destroy(&condition));
-    EXPECT_EQ(0, ov_mutex_destroy(&mutex));
+    EXPECT_EQ(0, ov_cond_destroy(&condition_));
+    EXPECT_EQ(0, ov_mutex_destroy(&mutex_));
   }
-  void acquire() { ASSERT_EQ(0, ov_mutex_acquire(&mutex)); }
-  void release() { ASSERT_EQ(0, ov_mutex_release(&mutex)); }
+  void acquire() { ASSERT_EQ(0, ov_mutex_acquire(&mutex_)); }
+  void release() { ASSERT_EQ(0, ov_mutex_release(&mutex_)); }
 
-  ov_mutex mutex;
-  ov_cond condition;
+  ov_mutex mutex_;
+  ov_cond condition_;
 };
 
 TEST_F(ConditionTest, TimedWaitRunsOutWithTheMutexHeld) {
   acquire();
   const int32_t limit[2] = {0, 20000};
-  EXPECT_EQ(10060, ov_cond_timedwait(&condition, limit));
-  EXPECT_EQ(ov_thread_self(), mutex.owner);
-  EXPECT_EQ(10060, ov_cond_timedwait_ms(&condition, 0));
-  EXPECT_EQ(ov_thread_self(), mutex.owner);
+  EXPECT_EQ(10060, ov_cond_timedwait(&condition_, limit));
+  EXPECT_EQ(ov_thread_self(), mutex_.owner);
+  EXPECT_EQ(10060, ov_cond_timedwait_ms(&condition_, 0));
+  EXPECT_EQ(ov_thread_self(), mutex_.owner);
   release();
 }
 
 TEST_F(ConditionTest, MillisecondsAreSplitIntoSecondsAndMicroseconds) {
   acquire();
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(10060, ov_cond_timedwait_ms(&condition, 1500));
+  EXPECT_EQ(10060, ov_cond_timedwait_ms(&condition_, 1500));
   const auto spent = std::chrono::steady_clock::now() - start;
   // Only the lower bound: a busy machine may be late, never early.
   EXPECT_GE(spent, std::chrono::milliseconds(1490));
@@ -215,10 +215,10 @@ TEST_F(ConditionTest, MillisecondsAreSplitIntoSecondsAndMicroseconds) {
 }
 
 TEST_F(ConditionTest, SignalWithoutAWaiterIsNotRemembered) {
-  EXPECT_EQ(0, ov_cond_signal(&condition));
-  EXPECT_EQ(0, ov_cond_signal_all(&condition));
+  EXPECT_EQ(0, ov_cond_signal(&condition_));
+  EXPECT_EQ(0, ov_cond_signal_all(&condition_));
   acquire();
-  EXPECT_EQ(10060, ov_cond_timedwait_ms(&condition, 20));
+  EXPECT_EQ(10060, ov_cond_timedwait_ms(&condition_, 20));
   release();
 }
 
@@ -226,20 +226,20 @@ TEST_F(ConditionTest, WaitsWithoutLimitEndByASignal) {
   for (const int kind : {0, 1, 2}) {
     bool ready = false;
     std::thread waiter([&] {
-      ov_mutex_acquire(&mutex);
+      ov_mutex_acquire(&mutex_);
       while (!ready) {
-        const ov_rc result = kind == 0   ? ov_cond_wait(&condition)
-                             : kind == 1 ? ov_cond_timedwait(&condition, nullptr)
-                                         : ov_cond_timedwait_ms(&condition, -1);
+        const ov_rc result = kind == 0   ? ov_cond_wait(&condition_)
+                             : kind == 1 ? ov_cond_timedwait(&condition_, nullptr)
+                                         : ov_cond_timedwait_ms(&condition_, -1);
         ASSERT_EQ(0, result);
-        ASSERT_EQ(ov_thread_self(), mutex.owner);
+        ASSERT_EQ(ov_thread_self(), mutex_.owner);
       }
-      ov_mutex_release(&mutex);
+      ov_mutex_release(&mutex_);
     });
     acquire();
     ready = true;
     release();
-    EXPECT_EQ(0, ov_cond_signal(&condition));
+    EXPECT_EQ(0, ov_cond_signal(&condition_));
     waiter.join();
   }
 }
@@ -252,11 +252,11 @@ TEST_F(ConditionTest, BroadcastWakesAll) {
   std::vector<std::thread> threads;
   for (int i = 0; i < kWaiters; ++i) {
     threads.emplace_back([&] {
-      ov_mutex_acquire(&mutex);
+      ov_mutex_acquire(&mutex_);
       ++waiting;
-      while (!go) ov_cond_wait(&condition);
+      while (!go) ov_cond_wait(&condition_);
       ++woken;
-      ov_mutex_release(&mutex);
+      ov_mutex_release(&mutex_);
     });
   }
   acquire();
@@ -266,7 +266,7 @@ TEST_F(ConditionTest, BroadcastWakesAll) {
     acquire();
   }
   go = true;
-  EXPECT_EQ(0, ov_cond_signal_all(&condition));
+  EXPECT_EQ(0, ov_cond_signal_all(&condition_));
   EXPECT_EQ(0, woken);  // the caller goes on holding the mutex
   release();
   for (std::thread& thread : threads) thread.join();
@@ -283,31 +283,31 @@ TEST_F(ConditionTest, QueueOfManyProducersAndConsumers) {
   for (int p = 0; p < kPairs; ++p) {
     threads.emplace_back([&, p] {
       for (int i = 0; i < kEach; ++i) {
-        ov_mutex_acquire(&mutex);
+        ov_mutex_acquire(&mutex_);
         queue.push_back(i);
         // Each of the ways to wake, with and without the mutex.
-        if ((i + p) % 3 == 0) ov_cond_signal_all(&condition);
-        ov_mutex_release(&mutex);
-        if ((i + p) % 3 == 1) ov_cond_signal(&condition);
-        if ((i + p) % 3 == 2) ov_cond_signal_all(&condition);
+        if ((i + p) % 3 == 0) ov_cond_signal_all(&condition_);
+        ov_mutex_release(&mutex_);
+        if ((i + p) % 3 == 1) ov_cond_signal(&condition_);
+        if ((i + p) % 3 == 2) ov_cond_signal_all(&condition_);
       }
     });
     threads.emplace_back([&, p] {
-      ov_mutex_acquire(&mutex);
+      ov_mutex_acquire(&mutex_);
       while (taken < kPairs * kEach) {
         if (queue.empty()) {
           if (p == 0) {
-            ov_cond_timedwait_ms(&condition, 1);
+            ov_cond_timedwait_ms(&condition_, 1);
           } else {
-            ov_cond_wait(&condition);
+            ov_cond_wait(&condition_);
           }
           continue;
         }
         sum += queue.front();
         queue.pop_front();
-        if (++taken == kPairs * kEach) ov_cond_signal_all(&condition);
+        if (++taken == kPairs * kEach) ov_cond_signal_all(&condition_);
       }
-      ov_mutex_release(&mutex);
+      ov_mutex_release(&mutex_);
     });
   }
   for (std::thread& thread : threads) thread.join();

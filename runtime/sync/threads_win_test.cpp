@@ -102,80 +102,80 @@ class ThreadsWinTest : public ::testing::Test {
   ThreadsWinTest() { faults = {}; }
   ~ThreadsWinTest() override { faults = {}; }
 
-  ov_mutex mutex;
-  ov_cond condition;
-  ov::CapturedLog log;
+  ov_mutex mutex_;
+  ov_cond condition_;
+  ov::CapturedLog log_;
 };
 
 TEST_F(ThreadsWinTest, SwitchFails) {
-  ov_mutex_init(&mutex);
+  ov_mutex_init(&mutex_);
   faults.createMutex = 1450;
-  EXPECT_EQ(1450, ov_cond_init(&condition, &mutex));
-  EXPECT_EQ(Messages{"LOG ov_mutex_switch_to_mutex failed, err=1450"}, log.take());
-  EXPECT_EQ(0, mutex.switched);
-  EXPECT_EQ(0, ov_mutex_acquire(&mutex));
-  EXPECT_EQ(0, ov_mutex_release(&mutex));
+  EXPECT_EQ(1450, ov_cond_init(&condition_, &mutex_));
+  EXPECT_EQ(Messages{"LOG ov_mutex_switch_to_mutex failed, err=1450"}, log_.take());
+  EXPECT_EQ(0, mutex_.switched);
+  EXPECT_EQ(0, ov_mutex_acquire(&mutex_));
+  EXPECT_EQ(0, ov_mutex_release(&mutex_));
   faults.createMutex = 0;
-  EXPECT_EQ(0, ov_cond_init(&condition, &mutex));
-  EXPECT_NE(0, mutex.switched);
+  EXPECT_EQ(0, ov_cond_init(&condition_, &mutex_));
+  EXPECT_NE(0, mutex_.switched);
 }
 
 TEST_F(ThreadsWinTest, SwitchKeepsTheHolder) {
-  ov_mutex_init(&mutex);
-  EXPECT_EQ(0, ov_mutex_acquire(&mutex));
-  EXPECT_EQ(0, ov_cond_init(&condition, &mutex));
-  std::thread([this] { EXPECT_EQ(258, ov_mutex_acquire_nb(&mutex)); }).join();
-  EXPECT_EQ(0, ov_mutex_release(&mutex));
+  ov_mutex_init(&mutex_);
+  EXPECT_EQ(0, ov_mutex_acquire(&mutex_));
+  EXPECT_EQ(0, ov_cond_init(&condition_, &mutex_));
+  std::thread([this] { EXPECT_EQ(258, ov_mutex_acquire_nb(&mutex_)); }).join();
+  EXPECT_EQ(0, ov_mutex_release(&mutex_));
   std::thread([this] {
-    EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex));
-    EXPECT_EQ(0, ov_mutex_release(&mutex));
+    EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex_));
+    EXPECT_EQ(0, ov_mutex_release(&mutex_));
   }).join();
 }
 
 TEST_F(ThreadsWinTest, SwitchOfAFreeRecursiveMutexLeavesItFree) {
-  ov_mutex_init_recursive(&mutex);
-  ov_mutex_acquire(&mutex);
-  ov_mutex_release(&mutex);  // the last owner stays in the record
-  EXPECT_EQ(0, ov_cond_init(&condition, &mutex));
+  ov_mutex_init_recursive(&mutex_);
+  ov_mutex_acquire(&mutex_);
+  ov_mutex_release(&mutex_);  // the last owner stays in the record
+  EXPECT_EQ(0, ov_cond_init(&condition_, &mutex_));
   std::thread([this] {
-    EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex));
-    EXPECT_EQ(0, ov_mutex_release(&mutex));
+    EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex_));
+    EXPECT_EQ(0, ov_mutex_release(&mutex_));
   }).join();
 }
 
 TEST_F(ThreadsWinTest, SwitchKeepsTheDepthOfARecursiveHolder) {
-  ov_mutex_init_recursive(&mutex);
-  for (int i = 0; i < 3; ++i) ov_mutex_acquire(&mutex);
-  EXPECT_EQ(0, ov_cond_init(&condition, &mutex));
+  ov_mutex_init_recursive(&mutex_);
+  for (int i = 0; i < 3; ++i) ov_mutex_acquire(&mutex_);
+  EXPECT_EQ(0, ov_cond_init(&condition_, &mutex_));
   for (int i = 0; i < 3; ++i) {
-    std::thread([this] { EXPECT_EQ(258, ov_mutex_acquire_nb(&mutex)); }).join();
-    EXPECT_EQ(0, ov_mutex_release(&mutex));
+    std::thread([this] { EXPECT_EQ(258, ov_mutex_acquire_nb(&mutex_)); }).join();
+    EXPECT_EQ(0, ov_mutex_release(&mutex_));
   }
-  std::thread([this] { EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex)); }).join();
+  std::thread([this] { EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex_)); }).join();
 }
 
 TEST_F(ThreadsWinTest, ConditionWithoutSemaphore) {
-  ov_mutex_init(&mutex);
+  ov_mutex_init(&mutex_);
   faults.createSemaphore = 8;
-  EXPECT_EQ(8, ov_cond_init(&condition, &mutex));
-  EXPECT_EQ(Messages{"LOG ov_cond_init, CreateSemaphore failed, err=8"}, log.take());
+  EXPECT_EQ(8, ov_cond_init(&condition_, &mutex_));
+  EXPECT_EQ(Messages{"LOG ov_cond_init, CreateSemaphore failed, err=8"}, log_.take());
 }
 
 TEST_F(ThreadsWinTest, ConditionWithoutEventGivesTheSemaphoreBack) {
-  ov_mutex_init(&mutex);
+  ov_mutex_init(&mutex_);
   faults.createEvent = 8;
-  EXPECT_EQ(8, ov_cond_init(&condition, &mutex));
-  EXPECT_EQ(Messages{"LOG ov_cond_init, CreateEvent failed, err=8"}, log.take());
+  EXPECT_EQ(8, ov_cond_init(&condition_, &mutex_));
+  EXPECT_EQ(Messages{"LOG ov_cond_init, CreateEvent failed, err=8"}, log_.take());
   EXPECT_EQ(1, faults.closed);
 }
 
 TEST_F(ThreadsWinTest, DestroyKeepsAHandleThatDoesNotClose) {
-  ov_mutex_init(&mutex);
-  ov_cond_init(&condition, &mutex);
+  ov_mutex_init(&mutex_);
+  ov_cond_init(&condition_, &mutex_);
   faults.closeHandle = 6;
-  EXPECT_EQ(6, ov_mutex_destroy(&mutex));
-  EXPECT_EQ(Messages{"LOG ov_mutex_destroy, CloseHandle failed, err=6"}, log.take());
-  EXPECT_NE(INVALID_HANDLE_VALUE, mutex.mutex);
+  EXPECT_EQ(6, ov_mutex_destroy(&mutex_));
+  EXPECT_EQ(Messages{"LOG ov_mutex_destroy, CloseHandle failed, err=6"}, log_.take());
+  EXPECT_NE(INVALID_HANDLE_VALUE, mutex_.mutex);
 }
 
 // Each failing result of the kernel's wait, and the log line behind the function's name.
@@ -190,72 +190,72 @@ constexpr WaitCase kWaitCases[] = {{WAIT_FAILED, 6, 6, " failed, err=6"},
                                    {77, 0, 77, ": unknown err=77:"}};
 
 TEST_F(ThreadsWinTest, KernelMutexWaits) {
-  ov_mutex_init(&mutex);
-  ov_cond_init(&condition, &mutex);
+  ov_mutex_init(&mutex_);
+  ov_cond_init(&condition_, &mutex_);
   for (const WaitCase& c : kWaitCases) {
     faults.wait = c.result;
     faults.waitError = c.error;
-    EXPECT_EQ(c.code, ov_mutex_acquire(&mutex));
-    EXPECT_EQ(Messages{std::string("LOG ov_mutex_acquire") + c.line}, log.take());
-    EXPECT_EQ(c.code, ov_mutex_acquire_nb(&mutex));
-    EXPECT_EQ(Messages{std::string("LOG ov_mutex_acquire_nb") + c.line}, log.take());
-    EXPECT_EQ(0U, mutex.owner);
+    EXPECT_EQ(c.code, ov_mutex_acquire(&mutex_));
+    EXPECT_EQ(Messages{std::string("LOG ov_mutex_acquire") + c.line}, log_.take());
+    EXPECT_EQ(c.code, ov_mutex_acquire_nb(&mutex_));
+    EXPECT_EQ(Messages{std::string("LOG ov_mutex_acquire_nb") + c.line}, log_.take());
+    EXPECT_EQ(0U, mutex_.owner);
   }
 }
 
 TEST_F(ThreadsWinTest, AbandonedMutex) {
-  ov_mutex_init(&mutex);
-  ov_cond_init(&condition, &mutex);
-  std::thread([this] { ov_mutex_acquire(&mutex); }).join();
-  mutex.owner = 0;
-  EXPECT_EQ(128, ov_mutex_acquire(&mutex));
-  EXPECT_EQ(Messages{"LOG ov_mutex_acquire: wait abandoned"}, log.take());
+  ov_mutex_init(&mutex_);
+  ov_cond_init(&condition_, &mutex_);
+  std::thread([this] { ov_mutex_acquire(&mutex_); }).join();
+  mutex_.owner = 0;
+  EXPECT_EQ(128, ov_mutex_acquire(&mutex_));
+  EXPECT_EQ(Messages{"LOG ov_mutex_acquire: wait abandoned"}, log_.take());
 }
 
 TEST_F(ThreadsWinTest, StaleOwnerIsLoggedAndTheLockIsHeld) {
-  ov_mutex_init(&mutex);
-  ov_cond_init(&condition, &mutex);
-  mutex.owner = 4711;
-  EXPECT_EQ(0, ov_mutex_acquire(&mutex));
-  EXPECT_EQ(4711U, mutex.owner);
+  ov_mutex_init(&mutex_);
+  ov_cond_init(&condition_, &mutex_);
+  mutex_.owner = 4711;
+  EXPECT_EQ(0, ov_mutex_acquire(&mutex_));
+  EXPECT_EQ(4711U, mutex_.owner);
   EXPECT_EQ(Messages{"LOG ov_mutex_acquire failed.  Mutex is still owned by thread 4711"},
-            log.take());
-  EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex));
+            log_.take());
+  EXPECT_EQ(0, ov_mutex_acquire_nb(&mutex_));
   EXPECT_EQ(Messages{"LOG ov_mutex_acquire_nb failed.  Mutex is still owned by thread 4711"},
-            log.take());
+            log_.take());
 }
 
 TEST_F(ThreadsWinTest, FailedReleaseKeepsTheOwner) {
   for (const bool recursive : {false, true}) {
-    recursive ? ov_mutex_init_recursive(&mutex) : ov_mutex_init(&mutex);
-    ov_cond_init(&condition, &mutex);
-    ov_mutex_acquire(&mutex);
+    recursive ? ov_mutex_init_recursive(&mutex_) : ov_mutex_init(&mutex_);
+    ov_cond_init(&condition_, &mutex_);
+    ov_mutex_acquire(&mutex_);
     faults.releaseMutex = 288;
-    EXPECT_EQ(288, ov_mutex_release(&mutex));
+    EXPECT_EQ(288, ov_mutex_release(&mutex_));
     faults.releaseMutex = 0;
-    EXPECT_EQ(ov_thread_self(), mutex.owner);
+    EXPECT_EQ(ov_thread_self(), mutex_.owner);
     char line[160];
     snprintf(line, sizeof line,
              "LOG ov_mutex_release failed. err=288 &m->mutex=0x%p, m->mutex=0x%llx",
-             static_cast<void*>(&mutex.mutex), reinterpret_cast<unsigned long long>(mutex.mutex));
-    EXPECT_EQ(Messages{line}, log.take());
-    EXPECT_EQ(0, ov_mutex_release(&mutex));
+             static_cast<void*>(&mutex_.mutex), reinterpret_cast<unsigned long long>(mutex_.mutex));
+    EXPECT_EQ(Messages{line}, log_.take());
+    EXPECT_EQ(0, ov_mutex_release(&mutex_));
   }
 }
 
 TEST_F(ThreadsWinTest, FailedConditionWaitIsABadArgumentWithTheMutexHeld) {
-  ov_mutex_init(&mutex);
-  ov_cond_init(&condition, &mutex);
-  ov_mutex_acquire(&mutex);
+  ov_mutex_init(&mutex_);
+  ov_cond_init(&condition_, &mutex_);
+  ov_mutex_acquire(&mutex_);
   for (const DWORD result : {WAIT_FAILED, WAIT_ABANDONED, DWORD{77}}) {
     faults.signalAndWait = result;
     const int32_t limit[2] = {0, 1000};
-    EXPECT_EQ(22, ov_cond_timedwait(&condition, limit));
-    EXPECT_EQ(ov_thread_self(), mutex.owner);
-    EXPECT_EQ(0, condition.waiters);
+    EXPECT_EQ(22, ov_cond_timedwait(&condition_, limit));
+    EXPECT_EQ(ov_thread_self(), mutex_.owner);
+    EXPECT_EQ(0, condition_.waiters);
   }
   faults.signalAndWait = WAIT_OBJECT_0;
-  EXPECT_EQ(0, ov_mutex_release(&mutex));
+  EXPECT_EQ(0, ov_mutex_release(&mutex_));
 }
 
 TEST_F(ThreadsWinTest, ThreadThatCannotStart) {
@@ -263,7 +263,7 @@ TEST_F(ThreadsWinTest, ThreadThatCannotStart) {
   ov_thread thread;
   EXPECT_EQ(8, ov_thread_spawn(
                    &thread, [](void*) -> DWORD { return 0; }, nullptr));
-  EXPECT_EQ(Messages{"LOG ov_thread_spawn failed, err=8"}, log.take());
+  EXPECT_EQ(Messages{"LOG ov_thread_spawn failed, err=8"}, log_.take());
 }
 
 TEST_F(ThreadsWinTest, JoinThatFails) {
@@ -274,7 +274,7 @@ TEST_F(ThreadsWinTest, JoinThatFails) {
   faults.wait = WAIT_ABANDONED;
   EXPECT_EQ(128, ov_thread_join(&thread));
   EXPECT_EQ((Messages{"LOG ov_thread_join failed, err=5", "LOG ov_thread_join failed, err=128"}),
-            log.take());
+            log_.take());
 }
 
 }  // namespace

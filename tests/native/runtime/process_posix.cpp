@@ -1,5 +1,5 @@
 // What the base runtime tells of this process on a POSIX system, for sanitizer builds.
-#include <stdlib.h>
+#include <cstdlib>
 #include <unistd.h>
 
 #include "runtime/ov_errors.h"

@@ -1,9 +1,9 @@
 // The mutexes and conditions of the base runtime on POSIX threads, for sanitizer builds. The mutex
 // lives in the record, the condition on the heap behind the handle of the semaphore.
-#include <errno.h>
+#include <cerrno>
 #include <pthread.h>
-#include <stdlib.h>
-#include <time.h>
+#include <cstdlib>
+#include <ctime>
 
 #include <new>
 
@@ -31,7 +31,7 @@ pthread_cond_t* native(ov_cond* c) {
 ov_rc init(ov_mutex* m, bool recursive) {
   if (m == nullptr) return OV_EINVAL;
   *m = {};
-  m->recursive = recursive;
+  m->recursive = recursive ? 1 : 0;
   m->mutex = kClosedObject;
   pthread_mutexattr_t attributes;
   pthread_mutexattr_init(&attributes);

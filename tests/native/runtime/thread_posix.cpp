@@ -1,7 +1,7 @@
 // The threads of the base runtime on POSIX threads, for sanitizer builds.
-#include <errno.h>
+#include <cerrno>
 #include <pthread.h>
-#include <time.h>
+#include <ctime>
 
 #include <atomic>
 #include <memory>
@@ -114,7 +114,7 @@ uint32_t ov_thread_getid(const ov_thread* thread) {
 
 int32_t ov_thread_alive(const ov_thread* thread) {
   const std::shared_ptr<State>* const state = state_of(thread);
-  return state == nullptr || (*state)->ended.load();
+  return state == nullptr || (*state)->ended.load() ? 1 : 0;
 }
 
 void ov_thread_exit(void) {

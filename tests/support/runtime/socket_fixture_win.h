@@ -65,36 +65,36 @@ class SocketFixture : public ::testing::Test {
  protected:
   SocketFixture() { EXPECT_EQ(0, ov_sock_init()); }
   ~SocketFixture() override {
-    for (const ov_sock sock : opened) closesocket(sock);
+    for (const ov_sock sock : opened_) closesocket(sock);
     ov_sock_fini();
   }
 
   // Closed with the fixture, unless the test does it.
   ov_sock keep(ov_sock sock) {
     EXPECT_NE(kClosedSocket, sock);
-    opened.push_back(sock);
+    opened_.push_back(sock);
     return sock;
   }
   ov_sock make(int family, int type) { return keep(socket(family, type, 0)); }
   // A datagram socket with a port of its own.
-  ov_sock make_receiver(uint16_t family) {
+  ov_sock makeReceiver(uint16_t family) {
     const ov_sock sock = make(family, SOCK_DGRAM);
     ov_sock_addr addr = loopback(family);
     EXPECT_EQ(0, bind(sock, system_address(&addr), system_size(family)));
     return sock;
   }
   // A datagram socket that sends to the receiver.
-  ov_sock make_sender(ov_sock receiver) {
+  ov_sock makeSender(ov_sock receiver) {
     ov_sock_addr addr = own_address(receiver);
     const ov_sock sock = make(addr.family, SOCK_DGRAM);
     EXPECT_EQ(0, connect(sock, system_address(&addr), system_size(addr.family)));
     return sock;
   }
 
-  CapturedLog log;
+  CapturedLog log_;
 
  private:
-  std::vector<ov_sock> opened;
+  std::vector<ov_sock> opened_;
 };
 
 }  // namespace ov
