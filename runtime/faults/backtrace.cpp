@@ -2,6 +2,7 @@
 
 #include <cinttypes>
 
+#include "runtime/errors/saved_error.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_strings.h"
 
@@ -45,14 +46,19 @@ bool is_hard_fault(uint32_t code) {
     case 0xc000001d:  // illegal instruction
     case 0xc0000025:  // went on after a fault that allows no going on
     case 0xc0000026:  // a handler's answer was none
-    case 0xc00000fd:  // stack overflow
+    case kStackOverflow:
       return true;
     default:  // array bounds, arithmetic of all kinds, privileged instruction
       return code >= 0xc000008c && code <= 0xc0000096;
   }
 }
 
-void log_backtrace(const Backtrace& backtrace, bool (*find)(void*, uint32_t, Symbol*)) {
+FindSymbol symbol_finder(uint32_t code) {
+  const FindSymbol none = [](void*, uint32_t, Symbol*) { return true; };
+  return code == kStackOverflow ? none : &find_symbol;
+}
+
+void log_backtrace(const Backtrace& backtrace, FindSymbol find) {
   if (backtrace.count == 0) {
     ov_err("%s", "Backtrace unavailable.");
     return;
@@ -72,6 +78,7 @@ void log_backtrace(const Backtrace& backtrace, bool (*find)(void*, uint32_t, Sym
 }  // namespace ov
 
 void ov_log_btrace(void) {
+  const ov::SavedError keep;
   ov::Backtrace backtrace;
   ov::capture_backtrace(&backtrace, ov::kCalledFrames);
   ov::log_backtrace(backtrace);

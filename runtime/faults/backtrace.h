@@ -30,6 +30,8 @@ struct Symbol {
 // `second_release` is what tells the two systems of version 5.2 apart.
 int frame_limit(uint32_t major, uint32_t minor, bool second_release, int usual);
 
+constexpr uint32_t kStackOverflow = 0xc00000fd;
+
 // Whether a fault with this code of the platform is told in the log.
 bool is_hard_fault(uint32_t code);
 
@@ -38,9 +40,14 @@ void capture_backtrace(Backtrace* backtrace, int usual);
 // The platform's part: looks an address up; false when the look-up was not free within that time.
 bool find_symbol(void* address, uint32_t milliseconds, Symbol* symbol);
 
+using FindSymbol = bool (*)(void* address, uint32_t milliseconds, Symbol* symbol);
+
+// How the names are looked up for a fault with this code: not at all where the stack has run out,
+// since the debugging library needs more of it than is left.
+FindSymbol symbol_finder(uint32_t code);
+
 // Writes the backtrace as ERR lines: all addresses in one, then a line with the name for each
 // frame.
-void log_backtrace(const Backtrace& backtrace,
-                   bool (*find)(void*, uint32_t, Symbol*) = &find_symbol);
+void log_backtrace(const Backtrace& backtrace, FindSymbol find = &find_symbol);
 
 }  // namespace ov

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "runtime/faults/exception_codes.h"
+#include "tests/support/runtime/caller_state.h"
 #include "tests/support/runtime/captured_log.h"
 
 namespace {
@@ -137,6 +139,15 @@ TEST(BacktraceTest, BusyLookUpIsWaitedForOnce) {
   EXPECT_EQ(0u, waits[2]);
   EXPECT_EQ(0u, waits[3]);
   EXPECT_EQ(5u, log.take().size());
+}
+
+TEST(BacktraceTest, CallersErrorsAreTheSameBehindIt) {
+  const ov::CapturedLog log;
+  ov::set_caller_error(77);
+  errno = 5;
+  ov_log_btrace();
+  EXPECT_EQ(77u, ov::caller_error());
+  EXPECT_EQ(5, errno);
 }
 
 TEST(BacktraceTest, OfTheCallingThread) {

@@ -67,7 +67,7 @@ LONG CALLBACK log_fault(EXCEPTION_POINTERS* fault) {
   ov_err("Unhandled Exception %s(%u)", ov_exc2str(code), code);
   Backtrace backtrace;
   capture_backtrace(&backtrace, kFaultFrames);
-  log_backtrace(backtrace);
+  log_backtrace(backtrace, symbol_finder(code));
   ov_log_flush();
   return EXCEPTION_CONTINUE_SEARCH;
 }

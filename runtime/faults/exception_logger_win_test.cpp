@@ -510,6 +510,19 @@ TEST_F(ExceptionLoggerTest, FaultInTheSymbolLookUpIsToldWithoutNames) {
   }
 }
 
+// A stack that has run out has no room for the debugging library.
+TEST_F(ExceptionLoggerTest, NoNameIsLookedUpForAStackOverflow) {
+  platform.symbolLookUpFails = true;
+  ov::CapturedLog log;
+  const Catcher catcher;
+  raise(0xc00000fd);
+  EXPECT_EQ(1, faults_caught);
+  const Lines lines = log.take();
+  ASSERT_LE(3U, lines.size());
+  EXPECT_EQ("ERR Unhandled Exception STACK_OVERFLOW(3221225725)", lines[0]);
+  expectNoNames(lines, 2);
+}
+
 class FileLogFaultTest : public ExceptionLoggerTest {
  protected:
   void SetUp() override {

@@ -18,8 +18,13 @@ uint64_t coarse_milliseconds() {
   return GetTickCount64();
 }
 
+// Past the C library, which would put another carriage return in front of each line end while the
+// descriptor is in text mode, and the mode is the host program's. A program without a standard
+// error has a handle there that no write accepts.
 void write_standard_error(std::string_view text) {
-  _write(kStandardError, text.data(), static_cast<unsigned>(text.size()));
+  const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(kStandardError));
+  DWORD written = 0;
+  WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
 }
 
 ov_rc open_file_size(void* file, uint64_t* size) {

@@ -3,6 +3,10 @@
 
 #include <windows.h>
 
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <string>
@@ -51,6 +55,19 @@ BOOL WINAPI testGetFileSizeEx(HANDLE file, PLARGE_INTEGER size) {
   return get(file, size);
 }
 
+// Names that are found before those that are there.
+std::vector<std::wstring> more_names;
+
+// A directory of Wine's is one of the machine's, which holds no name of more than 255 bytes.
+BOOL WINAPI testFindNextFileW(HANDLE directory, LPWIN32_FIND_DATAW data) {
+  static const auto next = real<decltype(&FindNextFileW)>("FindNextFileW");
+  if (more_names.empty()) return next(directory, data);
+  *data = {};
+  more_names.back().copy(data->cFileName, MAX_PATH - 1);
+  more_names.pop_back();
+  return TRUE;
+}
+
 BOOL WINAPI testCreateHardLinkW(LPCWSTR link, LPCWSTR existing, LPSECURITY_ATTRIBUTES security) {
   ++link_calls;
   if (fails(link_error)) return FALSE;
@@ -65,6 +82,7 @@ extern "C" {
 decltype(&WriteFile) __imp_WriteFile = &testWriteFile;
 decltype(&GetFileSizeEx) __imp_GetFileSizeEx = &testGetFileSizeEx;
 decltype(&CreateHardLinkW) __imp_CreateHardLinkW = &testCreateHardLinkW;
+decltype(&FindNextFileW) __imp_FindNextFileW = &testFindNextFileW;
 }
 
 namespace {
@@ -85,6 +103,7 @@ class LogFailureTest : public testing::Test {
     write_error = size_error = link_error = -1;
     write_limit = MAXDWORD;
     write_calls = link_calls = 0;
+    more_names.clear();
   }
 
   std::string open() {
@@ -147,6 +166,34 @@ TEST_F(LogFailureTest, SizeThatCannotBeReadLeavesTheGeneration) {
   ov_log("still here");
   EXPECT_TRUE(TempFolder::read(file).ends_with("LOG still here\r\n"));
   EXPECT_FALSE(std::filesystem::exists(TempFolder::native(folder_.path("app.1.log"))));
+}
+
+TEST_F(LogFailureTest, NamesThatCannotBeToldDoNotHideTheGenerationsBehindThem) {
+  for (const char* name : {"app.3.log", "app.4.log"}) TempFolder::write(folder_.path(name), "");
+  more_names = {L"\xd800", std::wstring(255, L'\x4e00')};
+  open();
+  EXPECT_EQ(0U, more_names.size());
+  ov_log("text");
+  EXPECT_TRUE(TempFolder::read(folder_.path("app.4.log")).ends_with("LOG text\r\n"));
+}
+
+// What a test reads back has lost the carriage returns of whole line ends.
+TEST_F(LogFailureTest, LineEndsOfStandardErrorAreWholeInTextMode) {
+  const std::string file = folder_.path("stderr.txt");
+  const int saved = _dup(2);
+  const int target =
+      _wopen(TempFolder::native(file).c_str(), _O_CREAT | _O_WRONLY | _O_TEXT, _S_IWRITE);
+  ASSERT_LE(0, target);
+  _dup2(target, 2);
+  _close(target);
+  EXPECT_EQ(0, ov_log_init(2, "-"));
+  ov_log("one");
+  ov_log_cleanup();
+  const std::string missing = folder_.path("none");
+  EXPECT_NE(0, ov_log_init(2, (missing + "/app.log").c_str()));
+  _dup2(saved, 2);
+  _close(saved);
+  EXPECT_EQ("LOG one\r\nError opening log directory " + missing + "\r\n", TempFolder::read(file));
 }
 
 TEST_F(LogFailureTest, MissingHardLinkDoesNotStopTheLog) {

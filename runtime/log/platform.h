@@ -14,7 +14,7 @@ uint32_t process_id();
 // costs next to nothing to read.
 uint64_t coarse_milliseconds();
 
-// Writes to file descriptor 2; a failure is not told.
+// Writes to file descriptor 2, the bytes as they are; a failure is not told.
 void write_standard_error(std::string_view text);
 
 // Size of an open file, or the system's code. `file` is an ov_file.

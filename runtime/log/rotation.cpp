@@ -1,5 +1,6 @@
 // Choosing, opening and changing the generation that the log writes to.
 #include <cstdio>
+#include <optional>
 
 #include "runtime/log/file.h"
 #include "runtime/log/platform.h"
@@ -10,7 +11,7 @@ namespace {
 
 constexpr int32_t kLogFileMode = 0660;
 
-// Tells a failure of the log itself on standard error.
+// Tells a failure of the log itself on standard error; the lines end as those of the log do.
 OV_PRINTF(1, 2)
 void report(const char* format, ...) {
   char text[kLogPathRoom + 64];
@@ -24,19 +25,28 @@ void report(const char* format, ...) {
   }
 }
 
+// The digit of the next entry, -1 for one that is no generation; none at the end of the directory.
+std::optional<int> next_digit(ov_dir* dir, const LogGenerations& generations) {
+  ov_dirent entry;
+  entry.find = nullptr;
+  if (ov_dir_next(dir, &entry) == 0) return generations.digitOf(entry.name);
+  // An entry whose name does not fit or is ill-formed has its record all the same, and the next
+  // call goes on behind it. It is none of ours.
+  if (entry.find != nullptr) return -1;
+  return std::nullopt;
+}
+
 // The generations that there are.
 ov_rc find_generations(const LogGenerations& generations, LogGenerationSet* found) {
   char directory[kLogPathRoom];
   generations.directory(directory);
   ov_dir dir;
   if (const ov_rc error = ov_dir_open(directory, &dir)) {
-    report("Error opening log directory %s\n", directory);
+    report("Error opening log directory %s\r\n", directory);
     return error;
   }
-  ov_dirent entry;
-  while (ov_dir_next(&dir, &entry) == 0) {
-    const int digit = generations.digitOf(entry.name);
-    if (digit >= 0) found->set(static_cast<size_t>(digit));
+  while (const std::optional<int> digit = next_digit(&dir, generations)) {
+    if (*digit >= 0) found->set(static_cast<size_t>(*digit));
   }
   ov_dir_close(&dir);
   return 0;
@@ -91,7 +101,7 @@ ov_rc LogFile::openDigit(const LogGenerations& generations, int digit) {
   generations.pathOf(digit, generationPath_);
   ov_file_init(&file_);
   if (ov_file_openappend(generationPath_, &file_, kLogFileMode) != 0) {
-    report("Cannot open log file: %s\n", generationPath_);
+    report("Cannot open log file: %s\r\n", generationPath_);
     return OV_EINVAL;
   }
   open_ = true;

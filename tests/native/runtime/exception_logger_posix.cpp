@@ -4,6 +4,7 @@
 
 #include <execinfo.h>
 
+#include "runtime/errors/platform.h"
 #include "runtime/faults/backtrace.h"
 
 namespace ov {
@@ -16,6 +17,8 @@ void capture_backtrace(Backtrace* backtrace, int usual) {
 }
 
 bool find_symbol(void*, uint32_t, Symbol*) {
+  // As the debugging library leaves it behind.
+  set_last_error(126);
   return true;
 }
 
