@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -35,8 +36,10 @@ struct Aim {
   static Aim atLeast(double value) { return {Kind::kAtLeast, value}; }
 };
 
+// Of the value as it is printed.
 inline const char* verdict(double value, const Aim& aim) {
   if (aim.kind == Aim::Kind::kNone) return "-";
+  value = std::round(value * 100) / 100;
   const bool met = aim.kind == Aim::Kind::kAtMost ? value <= aim.value : value >= aim.value;
   return met ? "ok" : "over";
 }
