@@ -60,12 +60,35 @@ std::string filterSpec(const FileTypeFilter& filter) {
   return spec;
 }
 
+std::vector<FileTypeFilter> defaultFilters(const std::string& extension) {
+  constexpr size_t kLongestExtension = 4;
+  std::vector<FileTypeFilter> filters;
+  if (!extension.empty() && extension.size() <= kLongestExtension) {
+    filters.push_back({extension + " files", {extension}});
+  }
+  filters.push_back({"All files", {"*"}});
+  return filters;
+}
+
 int findFilterIndex(const std::vector<FileTypeFilter>& filters, const std::string& extension) {
   const auto hit = std::find_if(filters.begin(), filters.end(), [&](const FileTypeFilter& filter) {
     return std::find(filter.extensions.begin(), filter.extensions.end(), extension) !=
            filter.extensions.end();
   });
   return hit == filters.end() ? -1 : static_cast<int>(hit - filters.begin());
+}
+
+uint32_t initialFilter(const std::vector<FileTypeFilter>& filters, const std::string& extension) {
+  if (extension.empty()) return 1;
+  return static_cast<uint32_t>(std::max(1, findFilterIndex(filters, extension) + 1));
+}
+
+std::string filterLines(const std::vector<FileTypeFilter>& filters) {
+  std::string lines;
+  for (const FileTypeFilter& filter : filters) {
+    lines.append(filter.name).append("\n").append(filterSpec(filter)).append("\n");
+  }
+  return lines;
 }
 
 }  // namespace Vantrel::Web

@@ -65,5 +65,30 @@ TEST(FileTypesTest, AFilterIsFoundByTheWholeExtensionToTheByte) {
   EXPECT_EQ(findFilterIndex({}, "png"), -1);
 }
 
+TEST(FileTypesTest, ASaveDialogBeginsWithTheFilterOfTheExtensionOrTheFirst) {
+  const std::vector<FileTypeFilter> filters = {{"a", {"txt"}}, {"b", {"jpg"}}};
+  EXPECT_EQ(initialFilter(filters, "jpg"), 2u);
+  EXPECT_EQ(initialFilter(filters, "txt"), 1u);
+  EXPECT_EQ(initialFilter(filters, "JPG"), 1u);
+  EXPECT_EQ(initialFilter(filters, ""), 1u);
+  EXPECT_EQ(initialFilter({{"a", {"x"}}, {"b", {""}}}, ""), 1u);
+  EXPECT_EQ(initialFilter({}, "jpg"), 1u);
+}
+
+TEST(FileTypesTest, DefaultFiltersOfferAnExtensionOfOneToFourBytes) {
+  EXPECT_EQ(filterLines(defaultFilters("tar")), "tar files\n*.tar\nAll files\n*.*\n");
+  EXPECT_EQ(filterLines(defaultFilters("c")), "c files\n*.c\nAll files\n*.*\n");
+  EXPECT_EQ(filterLines(defaultFilters("jpeg")), "jpeg files\n*.jpeg\nAll files\n*.*\n");
+  EXPECT_EQ(filterLines(defaultFilters("jpeg2")), "All files\n*.*\n");
+  EXPECT_EQ(filterLines(defaultFilters("ééé")), "All files\n*.*\n");
+  EXPECT_EQ(filterLines(defaultFilters("")), "All files\n*.*\n");
+}
+
+TEST(FileTypesTest, LinesAreNameAndSpecificationOfEach) {
+  EXPECT_EQ(filterLines({}), "");
+  EXPECT_EQ(filterLines({{"Images", {"jpg", "png"}}, {"", {"txt"}}}),
+            "Images\n*.jpg;*.png\n\n*.txt\n");
+}
+
 }  // namespace
 }  // namespace Vantrel::Web

@@ -1,0 +1,210 @@
+// The platform's real dialogs, answered from another thread.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <shlobj.h>
+
+#include <filesystem>
+
+#include "dialogs/legacy_dialogs_win.h"
+#include "dialogs/modern_dialogs_win.h"
+#include "tests/support/dialog_driver_win.h"
+#include "tests/support/log_recorder.h"
+#include "tests/support/runtime/temp_folder.h"
+#include "text/wide_text.h"
+
+namespace Vantrel::Web {
+namespace {
+
+using ov::TempFolder;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+using TestSupport::DialogDriver;
+using TestSupport::LogRecorder;
+
+class ShownDialogsTest : public testing::Test {
+ protected:
+  ShownDialogsTest() {
+    for (const char* const name : {"a.txt", "größe.txt", "b.lnk"}) {
+      TempFolder::write(folder_.path(name), "x");
+    }
+    std::filesystem::create_directory(TempFolder::native(folder_.path("sub")));
+    TempFolder::write(folder_.path("sub/inner.txt"), "x");
+    SetCurrentDirectoryW(wide("").c_str());
+  }
+  ~ShownDialogsTest() override { SetCurrentDirectoryW(L"C:\\"); }
+
+  // A path below the folder as the platform writes it.
+  std::string path(const std::string& name) const {
+    std::string text = folder_.path(name);
+    for (char& byte : text) byte = byte == '/' ? '\\' : byte;
+    return text;
+  }
+  std::wstring wide(const std::string& name) const { return toWide(path(name)); }
+  std::wstring quoted(std::initializer_list<const char*> names) const {
+    std::wstring text;
+    for (const char* const name : names) text += L"\"" + wide(name) + L"\" ";
+    return text;
+  }
+
+  std::vector<std::string> legacyOpen(bool directories, bool files, bool multiple,
+                                      const DialogDriver::Action& action) {
+    const DialogDriver driver(action);
+    return WinOpenFileDialogImpl(nullptr, "Öffnen", directories, files, multiple, "").doShow();
+  }
+
+  TempFolder folder_;
+};
+
+TEST_F(ShownDialogsTest, ModernOpenGivesTheFileThatWasTyped) {
+  const DialogDriver driver(
+      [this](HWND dialog) { DialogDriver::accept(dialog, wide("größe.txt")); });
+  EXPECT_THAT(WinVistaOpenFileDialogImpl("Title", false, "", false).doShow(),
+              ElementsAre(path("größe.txt")));
+}
+
+TEST_F(ShownDialogsTest, ModernOpenGivesSeveralFiles) {
+  const DialogDriver driver([this](HWND dialog) {
+    DialogDriver::accept(dialog, quoted({"a.txt", "größe.txt"}));
+  });
+  EXPECT_THAT(
+      WinVistaOpenFileDialogImpl("", true, R"([{"filter_name":"T","extensions":["txt"]}])", false)
+          .doShow(),
+      UnorderedElementsAre(path("a.txt"), path("größe.txt")));
+}
+
+TEST_F(ShownDialogsTest, ModernOpenGivesAFolder) {
+  const DialogDriver driver([this](HWND dialog) { DialogDriver::accept(dialog, wide("sub")); });
+  EXPECT_THAT(WinVistaOpenFileDialogImpl("", false, "", true).doShow(), ElementsAre(path("sub")));
+}
+
+TEST_F(ShownDialogsTest, ModernDialogsGiveNothingForACancelAndForTheCross) {
+  const LogRecorder log;
+  for (const auto& end : {DialogDriver::cancel, DialogDriver::close}) {
+    {
+      const DialogDriver driver(end);
+      EXPECT_THAT(WinVistaOpenFileDialogImpl("", false, "", false).doShow(), IsEmpty());
+    }
+    const DialogDriver driver(end);
+    EXPECT_THAT(WinVistaSaveFileDialogImpl("", "name.txt", "").doShow(), IsEmpty());
+  }
+  EXPECT_THAT(log.lines("ERR"), IsEmpty());
+}
+
+TEST_F(ShownDialogsTest, ModernSaveGivesANewName) {
+  const DialogDriver driver([this](HWND dialog) { DialogDriver::accept(dialog, wide("ñew.txt")); });
+  EXPECT_THAT(WinVistaSaveFileDialogImpl("T", "x.txt", "").doShow(), ElementsAre(path("ñew.txt")));
+}
+
+TEST_F(ShownDialogsTest, ModernSaveAsksBeforeItGivesANameThatIsTaken) {
+  const DialogDriver driver([this](HWND dialog) {
+    DialogDriver::accept(dialog, wide("a.txt"));
+    DialogDriver::answer(dialog, IDYES);
+  });
+  EXPECT_THAT(WinVistaSaveFileDialogImpl("", "", "").doShow(), ElementsAre(path("a.txt")));
+}
+
+TEST_F(ShownDialogsTest, ModernSaveGoesOnWhenATakenNameIsRefused) {
+  const DialogDriver driver([this](HWND dialog) {
+    DialogDriver::accept(dialog, wide("a.txt"));
+    DialogDriver::answer(dialog, IDNO);
+    DialogDriver::cancel(dialog);
+  });
+  EXPECT_THAT(WinVistaSaveFileDialogImpl("", "", "").doShow(), IsEmpty());
+}
+
+TEST_F(ShownDialogsTest, LegacySaveGivesANewName) {
+  const DialogDriver driver([this](HWND dialog) { DialogDriver::accept(dialog, wide("ñew.txt")); });
+  EXPECT_THAT(WinSaveFileDialogImpl(nullptr, "T", "x.txt", "").doShow(),
+              ElementsAre(path("ñew.txt")));
+}
+
+TEST_F(ShownDialogsTest, LegacySaveBeginsWithTheSuggestedName) {
+  const DialogDriver driver(static_cast<void (*)(HWND)>(DialogDriver::accept));
+  EXPECT_THAT(WinSaveFileDialogImpl(nullptr, "", path("sübject.txt"), "").doShow(),
+              ElementsAre(path("sübject.txt")));
+}
+
+TEST_F(ShownDialogsTest, LegacyDialogsGiveNothingForACancel) {
+  {
+    const DialogDriver driver(DialogDriver::cancel);
+    EXPECT_THAT(WinSaveFileDialogImpl(nullptr, "", "", "").doShow(), IsEmpty());
+  }
+  {
+    const DialogDriver driver(DialogDriver::cancel);
+    EXPECT_THAT(WinBrowseFolderDialogImpl().doShow(), IsEmpty());
+  }
+  EXPECT_THAT(legacyOpen(true, true, true, DialogDriver::cancel), IsEmpty());
+}
+
+TEST_F(ShownDialogsTest, LegacyFolderDialogGivesTheFolder) {
+  const DialogDriver driver([this](HWND dialog) {
+    const std::wstring text = wide("sub");
+    SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
+    DialogDriver::accept(dialog);
+  });
+  EXPECT_THAT(WinBrowseFolderDialogImpl().doShow(), ElementsAre(path("sub")));
+}
+
+// The list shows a shortcut without its ending.
+TEST_F(ShownDialogsTest, LegacyOpenGivesFilesAndFoldersTogetherButNoShortcut) {
+  EXPECT_THAT(legacyOpen(true, true, true,
+                         [](HWND dialog) {
+                           // Wine tells no selection of folders alone while the name is empty.
+                           DialogDriver::type(dialog, L"x");
+                           EXPECT_EQ(DialogDriver::select(dialog, L"a.txt") +
+                                         DialogDriver::select(dialog, L"sub") +
+                                         DialogDriver::select(dialog, L"b"),
+                                     3);
+                           DialogDriver::accept(dialog);
+                         }),
+              UnorderedElementsAre(path("a.txt"), path("sub")));
+}
+
+TEST_F(ShownDialogsTest, LegacyOpenWithoutLeaveForFilesStaysOpenOverAFile) {
+  EXPECT_THAT(legacyOpen(true, false, true,
+                         [](HWND dialog) {
+                           EXPECT_EQ(DialogDriver::select(dialog, L"a.txt"), 1);
+                           DialogDriver::accept(dialog);
+                           Sleep(300);
+                           EXPECT_TRUE(IsWindow(dialog));
+                           DialogDriver::cancel(dialog);
+                         }),
+              IsEmpty());
+}
+
+TEST_F(ShownDialogsTest, LegacyOpenBeginsWhereTheLastChoiceWasMade) {
+  const auto choose = [](const wchar_t* name) {
+    return [name](HWND dialog) {
+      EXPECT_EQ(DialogDriver::select(dialog, name), 1);
+      DialogDriver::accept(dialog);
+    };
+  };
+  EXPECT_THAT(legacyOpen(false, true, false, choose(L"a.txt")), ElementsAre(path("a.txt")));
+  SetCurrentDirectoryW(wide("sub").c_str());
+  EXPECT_THAT(legacyOpen(false, true, false, choose(L"größe.txt")), ElementsAre(path("größe.txt")));
+  EXPECT_THAT(legacyOpen(false, true, false, DialogDriver::cancel), IsEmpty());
+  EXPECT_THAT(legacyOpen(false, true, false, choose(L"a.txt")), ElementsAre(path("a.txt")));
+}
+
+TEST_F(ShownDialogsTest, DialogsThatNeverShowLeaveNoHandleBehind) {
+  const auto handles = [] {
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return count + GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+  };
+  const auto round = [] {
+    EXPECT_THROW(WinVistaOpenFileDialogImpl("T", true, "{}", false).doShow(), std::runtime_error);
+    EXPECT_THROW(WinSaveFileDialogImpl(nullptr, "T", "n", "{}").doShow(), std::runtime_error);
+    EXPECT_THROW(WinOpenFileDialogImpl(nullptr, "T", true, true, true, "{}").doShow(),
+                 std::runtime_error);
+  };
+  for (int i = 0; i < 20; ++i) round();
+  const DWORD before = handles();
+  for (int i = 0; i < 300; ++i) round();
+  EXPECT_LE(handles(), before + 2);
+}
+
+}  // namespace
+}  // namespace Vantrel::Web

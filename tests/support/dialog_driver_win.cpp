@@ -1,0 +1,126 @@
+#include "tests/support/dialog_driver_win.h"
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <cwchar>
+
+namespace Vantrel::Web::TestSupport {
+
+namespace {
+
+constexpr DWORD kPause = 20;      // milliseconds between two looks
+constexpr DWORD kSettling = 200;  // from a dialog's first sight to its set-up's end
+constexpr int kLooks = 1000;      // before a dialog that does not come is given up
+constexpr int kNameEdit = 0x480;
+constexpr int kShellView = 0x461;
+constexpr int kShellList = 1;
+
+BOOL CALLBACK takeDialog(HWND window, LPARAM result) {
+  wchar_t name[16] = L"";
+  GetClassNameW(window, name, 16);
+  if (std::wcscmp(name, L"#32770") != 0 || !IsWindowVisible(window)) return TRUE;
+  *reinterpret_cast<HWND*>(result) = window;
+  return FALSE;
+}
+
+BOOL CALLBACK takeNameEdit(HWND window, LPARAM result) {
+  wchar_t name[16] = L"";
+  GetClassNameW(window, name, 16);
+  if (std::wcscmp(name, L"Edit") != 0) return TRUE;
+  // The edit of a name, which may stand in a combination box of that number.
+  if (GetDlgCtrlID(window) != kNameEdit && *reinterpret_cast<HWND*>(result) != nullptr) return TRUE;
+  *reinterpret_cast<HWND*>(result) = window;
+  return TRUE;
+}
+
+}  // namespace
+
+DialogDriver::DialogDriver(Action action)
+    : action_(std::move(action)), thread_(GetCurrentThreadId()) {
+  handle_ = CreateThread(nullptr, 0, run, this, 0, nullptr);
+}
+
+DialogDriver::~DialogDriver() {
+  WaitForSingleObject(handle_, INFINITE);
+  CloseHandle(handle_);
+  EXPECT_TRUE(found_) << "no dialog was shown";
+}
+
+DWORD WINAPI DialogDriver::run(void* self) {
+  auto* const driver = static_cast<DialogDriver*>(self);
+  const HWND dialog = driver->waitForDialog();
+  driver->found_ = dialog != nullptr;
+  if (dialog == nullptr) return 1;
+  Sleep(kSettling);
+  driver->action_(dialog);
+  return 0;
+}
+
+HWND DialogDriver::waitForDialog() const {
+  HWND dialog = nullptr;
+  for (int look = 0; look < kLooks && dialog == nullptr; ++look) {
+    EnumThreadWindows(thread_, takeDialog, reinterpret_cast<LPARAM>(&dialog));
+    if (dialog == nullptr) Sleep(kPause);
+  }
+  return dialog;
+}
+
+void DialogDriver::type(HWND dialog, const std::wstring& text) {
+  HWND edit = nullptr;
+  EnumChildWindows(dialog, takeNameEdit, reinterpret_cast<LPARAM>(&edit));
+  EXPECT_NE(edit, nullptr);
+  SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+void DialogDriver::accept(HWND dialog) {
+  PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+}
+
+void DialogDriver::accept(HWND dialog, const std::wstring& text) {
+  type(dialog, text);
+  accept(dialog);
+}
+
+void DialogDriver::cancel(HWND dialog) {
+  PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+}
+
+void DialogDriver::close(HWND dialog) {
+  PostMessageW(dialog, WM_CLOSE, 0, 0);
+}
+
+void DialogDriver::answer(HWND dialog, WORD button) {
+  HWND question = dialog;
+  for (int look = 0; look < kLooks && question == dialog; ++look) {
+    Sleep(kPause);
+    question = GetLastActivePopup(dialog);
+  }
+  EXPECT_NE(question, dialog) << "no question was asked";
+  if (question == dialog) return cancel(dialog);
+  Sleep(kSettling);
+  PostMessageW(question, WM_COMMAND, button, 0);
+}
+
+int DialogDriver::select(HWND dialog, const std::wstring& name) {
+  const HWND view = GetDlgItem(dialog, kShellView);
+  const HWND list = view != nullptr ? GetDlgItem(view, kShellList) : nullptr;
+  EXPECT_NE(list, nullptr);
+  const auto count = static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
+  int selected = 0;
+  for (int row = 0; row < count; ++row) {
+    wchar_t text[260] = L"";
+    LVITEMW item = {};
+    item.pszText = text;
+    item.cchTextMax = 260;
+    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    if (name != text) continue;
+    item.stateMask = LVIS_SELECTED;
+    item.state = LVIS_SELECTED;
+    SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    ++selected;
+  }
+  return selected;
+}
+
+}  // namespace Vantrel::Web::TestSupport

@@ -1,0 +1,50 @@
+// Answers a modal dialog of the calling thread from a thread of its own, as a user would.
+//
+//   DialogDriver driver([](HWND dialog) { DialogDriver::accept(dialog, L"a.txt"); });
+//   ... the call that shows the dialog ...
+//
+// Made and destroyed by the thread that shows the dialog; the action runs once, on the driver's
+// thread, when the dialog has been visible for a moment.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+namespace Vantrel::Web::TestSupport {
+
+class DialogDriver {
+ public:
+  using Action = std::function<void(HWND dialog)>;
+
+  explicit DialogDriver(Action action);
+  // Waits for the action's end; fails the test if no dialog came.
+  ~DialogDriver();
+  DialogDriver(const DialogDriver&) = delete;
+  DialogDriver& operator=(const DialogDriver&) = delete;
+
+  // Puts the text where the name of a file is typed.
+  static void type(HWND dialog, const std::wstring& text);
+  // The OK button, with or without a text first; the Cancel button; the cross.
+  static void accept(HWND dialog);
+  static void accept(HWND dialog, const std::wstring& text);
+  static void cancel(HWND dialog);
+  static void close(HWND dialog);
+  // Waits for a question that the dialog asks, and answers it with a button's number, such as
+  // IDYES.
+  static void answer(HWND dialog, WORD button);
+  // Selects the rows of the list of files that have this name; how many there were.
+  static int select(HWND dialog, const std::wstring& name);
+
+ private:
+  static DWORD WINAPI run(void* self);
+  HWND waitForDialog() const;
+
+  const Action action_;
+  const DWORD thread_;
+  HANDLE handle_ = nullptr;
+  bool found_ = false;
+};
+
+}  // namespace Vantrel::Web::TestSupport
