@@ -20,7 +20,6 @@
 #include "runtime/ov_paths.h"
 #include "runtime/ov_strings.h"
 #include "runtime/ov_uri.h"
-#include "service/http_reply_reader.h"
 #include "service/http_response.h"
 #include "service/url.h"
 #include "text/error_reply.h"

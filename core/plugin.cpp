@@ -7,7 +7,6 @@
 #include <cctype>
 #include <string_view>
 
-#include "core/plugin_platform.h"
 #include "core/version.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_sockets.h"

@@ -62,14 +62,14 @@ class Plugin {
   // and `response` is filled.
   bool validateRequestBody(const std::string& body, std::string& error) const;
   void vantrelHttpRequest(std::string& error, const std::string& method, const std::string& path,
-                          const std::string& body, std::unique_ptr<HttpResponse>& response);
+                          std::string body, std::unique_ptr<HttpResponse>& response);
   // Returns an error reply at once, leaving the callback unused, or an empty text; then the answer
   // comes through the callback.
   std::string vantrelHttpRequestAsync(const std::string& method, const std::string& path,
-                                      const std::string& body, std::unique_ptr<Callback> callback);
+                                      std::string body, std::unique_ptr<Callback> callback);
   // Sends without any check and without the client's key; every outcome goes through the callback.
   void httpRequestImplementation(const std::string& method, const std::string& path,
-                                 const std::string& body, std::unique_ptr<Callback> callback);
+                                 std::string body, std::unique_ptr<Callback> callback);
 
   // Direct start of transfers, by an xferreq document: true when the client replied.
   bool startDownload(const std::string& url);
@@ -97,6 +97,11 @@ class Plugin {
   TransfersPoller* getTransfersPoller() const { return transfersPoller_.get(); }
 
  private:
+  // What an instance asks of the platform. The first moves the process's working directory to the
+  // user's home, and a failure of it is one log line; the second is USER32's function, or null.
+  static void changeToHomeDirectory();
+  static void* findSetLayeredWindowAttributes();
+
   bool download(const std::vector<std::string>& sources, const std::string& destination);
   bool upload(const std::vector<std::string>& sources, const std::string& destinationUrl);
 

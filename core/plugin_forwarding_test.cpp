@@ -129,6 +129,29 @@ TEST_F(PluginForwardingTest, TheUncheckedRoadTellsAMissingUrlInsideTheCall) {
             std::vector<std::string>{"message: " + jsonErrorReply("Failed to get Vantrel URL")});
 }
 
+TEST_F(PluginForwardingTest, AMethodOrPathWithAControlCharacterMakesNoRequest) {
+  const std::string creating = jsonErrorReply("Error creating HTTP request");
+  const std::string bad = "POST /x HTTP/1.1\r\nContent-Length: 100000\r\nX: ";
+  plugin();
+  const size_t before = server_.requests(kPing).size();
+  for (const auto& [method, path] : {std::pair<std::string, std::string>{bad, "/p"},
+                                     {"POST", "/p\x7F"},
+                                     {"POST", std::string("/p\0", 3)},
+                                     {"PO\tST", "/p"}}) {
+    std::string error;
+    std::unique_ptr<HttpResponse> response;
+    plugin().vantrelHttpRequest(error, method, path, "{}", response);
+    EXPECT_EQ(error, creating);
+    EXPECT_FALSE(response);
+    EXPECT_EQ(plugin().vantrelHttpRequestAsync(method, path, "{}", callback()), creating);
+    plugin().httpRequestImplementation(method, path, "{}", callback());
+    EXPECT_EQ(answers_.get().back(), "message: " + creating);
+  }
+  EXPECT_EQ(answers_.get().size(), 4U);
+  // Only the synchronous road asks whether a client is there before it makes its request.
+  EXPECT_EQ(server_.connections(), before + 4);
+}
+
 TEST_F(PluginForwardingTest, TheClientsVersionIsHandedOnUnread) {
   server_.always("/v4/vantrel/version", Script::reply("{\"version\":\"3.7\"}"));
   EXPECT_EQ(plugin().queryVantrelVersion(), "{\"version\":\"3.7\"}");

@@ -3,9 +3,7 @@
 #include <memory>
 
 #include "runtime/ov_log.h"
-#include "service/launch.h"
 #include "service/vantrel_request.h"
-#include "text/error_texts.h"
 #include "text/text.h"
 
 namespace Vantrel::Web {
@@ -32,20 +30,10 @@ std::string Transfer::document() const {
 }
 
 bool Transfer::post() const {
-  if (!launchVantrel()) {
-    ov_err("%s", kErrorContacting);
-    return false;
-  }
-  std::unique_ptr<HttpRequest> request =
-      newVantrelRequest("POST", kTransfersPath, document(), kFormatXml);
-  if (!request) {
-    ov_err("%s", kErrorCreatingRequest);
-    return false;
-  }
-  const std::unique_ptr<HttpResponse> response = request->invoke();
-  request.reset();
-  if (!response) ov_err("%s", kErrorContacting);
-  return response != nullptr;
+  std::unique_ptr<HttpResponse> response;
+  const Contact contact = askVantrel("POST", kTransfersPath, document(), kFormatXml, response);
+  if (contact != Contact::kAnswered) ov_err("%s", contactError(contact));
+  return contact == Contact::kAnswered;
 }
 
 }  // namespace Vantrel::Web

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "service/service_url.h"
+#include "service/locations.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/scripted_server.h"

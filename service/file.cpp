@@ -1,13 +1,19 @@
 #include "service/file.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 
 namespace Vantrel::Web {
+
+namespace {
+
+constexpr uint32_t kFirstPiece = 4096;
+constexpr uint32_t kLargestPiece = 1U << 20;
+
+}  // namespace
 
 File::File(std::string filePath) : path_(std::move(filePath)) {
   if (const ov_rc code = ov_file_init(&handle_)) {
@@ -29,20 +35,23 @@ void File::open() {
   }
 }
 
-// The size has no limit of its own: the files are the user's, written by the client, and a size
-// that memory cannot hold is an exception that the callers log.
+// Reads in pieces that grow: to ask for the size first costs more than to read a small file. There
+// is no limit: the files are the user's, written by the client, and what memory cannot hold is an
+// exception that the callers log.
 std::string File::read() {
   if (!ov_file_valid(&handle_)) return {};
-  ov_stat record = {};
   std::string text;
-  if (ov_file_fstat(&handle_, &record) == 0) {
-    text.resize(static_cast<size_t>(record.size));
-    const uint64_t wanted = std::min<uint64_t>(record.size, std::numeric_limits<uint32_t>::max());
+  size_t length = 0;
+  for (uint32_t piece = kFirstPiece;; piece = std::min(piece * 2, kLargestPiece)) {
+    text.resize(length + piece);
     uint32_t count = 0;
-    ov_file_read(&handle_, text.data(), static_cast<uint32_t>(wanted), &count);
-    text.resize(count);
+    const ov_rc code = ov_file_read(&handle_, text.data() + length, piece, &count);
+    length += count;
+    // A file gives less than asked for at its end only.
+    if (code != 0 || count < piece) break;
   }
   close();
+  text.resize(length);
   return text.substr(0, text.find('\0'));
 }
 

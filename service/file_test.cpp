@@ -39,7 +39,13 @@ TEST_F(FileTest, TextEndsAtItsFirstNul) {
   EXPECT_EQ(readBack(std::string("\0cd", 3)), "");
 }
 
-TEST_F(FileTest, LargeFileIsReadInOnePiece) {
+TEST_F(FileTest, FileThatFillsItsPiecesIsReadToItsEnd) {
+  for (const size_t size : {4095U, 4096U, 4097U, 12288U, 12289U}) {
+    EXPECT_EQ(readBack(std::string(size, 'x')), std::string(size, 'x')) << size;
+  }
+}
+
+TEST_F(FileTest, LargeFileIsReadWhole) {
   const std::string text(5U << 20, 'x');
   EXPECT_EQ(readBack(text), text);
 }

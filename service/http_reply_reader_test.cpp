@@ -1,4 +1,4 @@
-#include "service/http_reply_reader.h"
+#include "service/http_response.h"
 
 #include <gtest/gtest.h>
 

@@ -6,8 +6,10 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "service/http_response.h"
+#include "service/tcp_socket.h"
 #include "threads/callback.h"
 
 namespace Vantrel::Web {
@@ -25,7 +27,7 @@ class HttpRequest {
 
   // Performs the exchange on the calling thread and blocks until it is over, without a time limit.
   // Null for every failure, the reason of which is in the log. At most once per object.
-  std::unique_ptr<HttpResponse> invoke();
+  std::unique_ptr<HttpResponse> invoke(const ConnectionPurpose& purpose = {});
 
   std::string host;
   uint16_t port;
@@ -36,7 +38,11 @@ class HttpRequest {
   std::string path;
 
  private:
-  std::string requestText() const;
+  std::string headText() const;
 };
+
+// Whether a method or a path can stand in the first line of a request: control characters would end
+// it, and add header lines of the page's own beside the client's key.
+bool fitsRequestLine(std::string_view text);
 
 }  // namespace Vantrel::Web

@@ -21,6 +21,15 @@ using TestSupport::ScriptedServer;
 constexpr char kShutdownLine[] =
     "DBG HttpRequest::invoke() - The peer has performed an orderly shutdown";
 
+TEST(RequestLineTest, ControlCharactersDoNotFit) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string text = std::string("/a") + static_cast<char>(byte) + "b";
+    EXPECT_EQ(fitsRequestLine(text), byte >= 0x20 && byte != 0x7F) << byte;
+  }
+  EXPECT_TRUE(fitsRequestLine(""));
+  EXPECT_TRUE(fitsRequestLine("POST /x HTTP/9.9 \"%s\" \xC3\xA4"));
+}
+
 class HttpRequestTest : public testing::Test {
  protected:
   // Performs an exchange that the server answers with `script`.

@@ -1,5 +1,7 @@
 #include "service/http_response.h"
 
+#include <algorithm>
+#include <limits>
 #include <string_view>
 
 #include "runtime/ov_strings.h"
@@ -9,6 +11,26 @@ namespace Vantrel::Web {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kLengthLabel = "Content-Length:";
+constexpr std::string_view kHeaderEnd = "\r\n\r\n";
+
+// The most that is set aside on a reply's word alone; a longer one grows as it arrives.
+constexpr uint64_t kMaxReserve = 64ULL << 20;
+
+// Searches from `from` on; what is not found moves `from` to where the search resumes when more
+// text has arrived. The cost of all searches together is linear.
+size_t findResumably(const std::string& text, std::string_view wanted, size_t& from) {
+  const size_t found = text.find(wanted, from);
+  if (found == std::string::npos && text.size() >= wanted.size()) {
+    from = std::max(from, text.size() - (wanted.size() - 1));
+  }
+  return found;
+}
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
 constexpr std::string_view kHeaderSeparator = ": ";
 
 // Takes the next line off the front of `text`, without its line end; false if there is none.
@@ -32,6 +54,56 @@ bool readStatus(std::string_view line, uint16_t& status) {
 }
 
 }  // namespace
+
+bool HttpReplyReader::feed(std::string_view piece) {
+  response_.append(piece.substr(0, piece.find('\0')));
+  if (lengthState_ == Length::kUnknown) {
+    if (!findLengthLine()) return false;
+    readLength();
+  }
+  if (lengthState_ == Length::kAbsent) return false;
+  // Of a reply that promises nothing not even the rest of the head is awaited.
+  if (contentLength_ == 0) return true;
+  if (!findHeaderEnd() || response_.size() - bodyStart_ < contentLength_) return false;
+  response_.resize(bodyStart_ + static_cast<size_t>(contentLength_));
+  return true;
+}
+
+// Whether the line of the length label is there with its line end.
+bool HttpReplyReader::findLengthLine() {
+  if (labelEnd_ == std::string::npos) {
+    const size_t label = findResumably(response_, kLengthLabel, labelSearch_);
+    if (label == std::string::npos) return false;
+    labelEnd_ = label + kLengthLabel.size();
+    lineEndSearch_ = labelEnd_;
+  }
+  return findResumably(response_, kLineEnd, lineEndSearch_) != std::string::npos;
+}
+
+// A length too large for 64 bits counts as the largest; a negative one as no length at all.
+void HttpReplyReader::readLength() {
+  lengthState_ = Length::kKnown;
+  // The line has its end, so this stops before the end of the text.
+  const char* at = response_.c_str() + labelEnd_;
+  while (*at == ' ' || *at == '\t') ++at;
+  const bool negative = *at == '-';
+  if (*at == '-' || *at == '+') ++at;
+  constexpr uint64_t kMax = std::numeric_limits<uint64_t>::max();
+  for (; isDigit(*at); ++at) {
+    const auto digit = static_cast<uint64_t>(*at - '0');
+    contentLength_ = contentLength_ > (kMax - digit) / 10 ? kMax : contentLength_ * 10 + digit;
+  }
+  if (negative && contentLength_ > 0) lengthState_ = Length::kAbsent;
+}
+
+bool HttpReplyReader::findHeaderEnd() {
+  if (bodyStart_ != std::string::npos) return true;
+  const size_t end = findResumably(response_, kHeaderEnd, headerEndSearch_);
+  if (end == std::string::npos) return false;
+  bodyStart_ = end + kHeaderEnd.size();
+  response_.reserve(bodyStart_ + static_cast<size_t>(std::min(contentLength_, kMaxReserve)));
+  return true;
+}
 
 std::unique_ptr<HttpResponse> parseHttpResponse(std::string text) {
   uint16_t status = 0;

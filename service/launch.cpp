@@ -6,10 +6,10 @@
 
 #include "runtime/ov_log.h"
 #include "runtime/ov_threads.h"
+#include "service/http_request.h"
 #include "service/locations.h"
-#include "service/ping.h"
-#include "service/process_start.h"
-#include "service/service_url.h"
+#include "service/platform.h"
+#include "service/vantrel_request.h"
 #include "threads/system_exception.h"
 
 namespace Vantrel::Web {
@@ -46,9 +46,9 @@ bool stillRuns(ov_process& process) {
 
 // Waits until the new process answers. The wait is counted in steps: a question that takes long
 // does not shorten the number of tries.
-bool waitForAnswer(ov_process& process, int32_t timeoutMs) {
+bool waitForAnswer(ov_process& process, int32_t timeoutMs, const ConnectionPurpose& purpose) {
   for (int64_t waited = 0; waited < timeoutMs;) {
-    if (pingVantrel()) {
+    if (pingVantrel(purpose)) {
       OV_DEBUG("Waited %dms for Vantrel to launch and write URL file",
                static_cast<int32_t>(waited));
       return true;
@@ -70,8 +70,27 @@ void setLaunchTimeout(int32_t milliseconds) {
   launchTimeoutMs = milliseconds;
 }
 
-bool launchVantrel() {
-  if (pingVantrel()) return true;
+bool pingVantrel(const ConnectionPurpose& purpose) {
+  for (;;) {
+    const Url url = vantrelUrl();
+    if (url.url.empty()) return false;
+    HttpRequest request(url.host, url.port(0));
+    request.path = std::string(kServicePath) + "/info/ping";
+    request.method = "GET";
+    if (request.invoke(purpose)) return true;
+    if (purpose.breaker != nullptr && purpose.breaker->broken()) return false;
+    clearVantrelUrl();
+    const Url reread = vantrelUrl();
+    // On another port the client has restarted; on the same one nobody answers.
+    if (reread.url.empty() || reread.port(0) == url.port(0)) return false;
+  }
+}
+
+bool launchVantrel(SocketBreaker* breaker) {
+  ConnectionPurpose purpose;
+  purpose.breaker = breaker;
+  if (pingVantrel(purpose)) return true;
+  if (breaker != nullptr && breaker->hasCut()) return false;
   const std::string path = vantrelExecutablePath();
   if (path.empty()) return false;
   ov_log("Launching Orvane Vantrel - Command: %s", path.c_str());
@@ -84,7 +103,8 @@ bool launchVantrel() {
   ov_log("Waiting %dms for Orvane Vantrel to launch", timeoutMs);
   // The question must go to the address that the new process writes.
   clearVantrelUrl();
-  return waitForAnswer(process.record, timeoutMs);
+  purpose.awaitsNewClient = true;
+  return waitForAnswer(process.record, timeoutMs, purpose);
 }
 
 void allowVantrelForeground() {

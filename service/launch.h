@@ -1,8 +1,10 @@
-// Starting the desktop client and waiting for it. Any thread; two threads that launch at the same
-// time may start two processes.
+// The question whether a desktop client answers, and starting one that does not. Any thread; two
+// threads that launch at the same time may start two processes.
 #pragma once
 
 #include <cstdint>
+
+#include "service/tcp_socket.h"
 
 namespace Vantrel::Web {
 
@@ -10,8 +12,15 @@ namespace Vantrel::Web {
 inline constexpr int32_t kDefaultLaunchTimeoutMs = 20000;
 void setLaunchTimeout(int32_t milliseconds);
 
+// True if the client at the known address gave any reply that parses. A failed exchange reads the
+// address again and repeats the question if the client has moved to another port. Blocks for the
+// exchange.
+bool pingVantrel(const ConnectionPurpose& purpose = {});
+
 // True when a client answers, after starting one if need be. Blocks for the wait and a little more.
-bool launchVantrel();
+// Once `breaker` (may be null) is broken, no client is started any more; a wait that has begun goes
+// on to its end.
+bool launchVantrel(SocketBreaker* breaker = nullptr);
 
 // Lets the client's windows come to the front. Never throws; failures are logged.
 void allowVantrelForeground();

@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "service/service_url.h"
-#include "service/testing.h"
+#include "service/locations.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/scripted_server.h"
@@ -61,7 +60,7 @@ TEST_F(LaunchTest, ClientThatAnswersIsNotStarted) {
 }
 
 TEST_F(LaunchTest, NothingInstalledIsFalseWithoutAWait) {
-  resetServiceCaches(files_.appDataDirectory());
+  TestSupport::resetServiceCaches(files_.appDataDirectory());
   EXPECT_FALSE(launchVantrel());
   EXPECT_TRUE(platform_.starts().empty());
   EXPECT_TRUE(platform_.sleeps().empty());
@@ -212,7 +211,7 @@ TEST_F(ForegroundTest, RefusalIsAWarning) {
 }
 
 TEST_F(ForegroundTest, UnreadableProcessIdIsAWarning) {
-  resetServiceCaches();
+  TestSupport::resetServiceCaches();
   platform_.appDataResult = -3;
   allowVantrelForeground();
   EXPECT_EQ(log_.lines("LOG"),

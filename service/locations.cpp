@@ -6,9 +6,8 @@
 #include "runtime/ov_paths.h"
 #include "runtime/ov_registry.h"
 #include "runtime/ov_strings.h"
-#include "service/caches.h"
 #include "service/file.h"
-#include "service/locations_platform.h"
+#include "service/platform.h"
 #include "threads/system_exception.h"
 
 namespace Vantrel::Web {
@@ -23,6 +22,10 @@ constexpr char kDataDirectorySuffix[] = "\\Orvane\\Orvane Vantrel";
 constexpr char kUrlFile[] = "/var/run/http.uri";
 constexpr char kProcessIdFile[] = "/var/run/process.pid";
 constexpr size_t kPathSize = 520;
+
+// Not local to its function: the guard of a local static makes the compiler's thread library keep a
+// record of the first thread that comes by, two handles with it, beyond the unload of the module.
+ServiceCaches processCaches;
 
 std::string cachedText(std::string ServiceCaches::*member) {
   ServiceCaches& caches = serviceCaches();
@@ -54,7 +57,28 @@ void readInstallDirectory(void* hive, const char* missingText, char (&directory)
   ov_str_ncat(directory, kInstallSubdirectory, sizeof directory);
 }
 
+// Reads the client's file into `url`, which is cleared.
+void readUrl(Url& url) {
+  const std::string path = vantrelUrlFile();
+  OV_DEBUG("Reading Orvane Vantrel URL from %s", path.c_str());
+  File file(path);
+  file.open();
+  const std::string text = file.read();
+  if (text.empty()) {
+    OV_DEBUG("Failed to read Orvane Vantrel URL from %s", path.c_str());
+  } else {
+    url.parse(text);
+    OV_DEBUG("Read Orvane Vantrel URL: %s", url.url.c_str());
+  }
+  // The key is logged with every new address.
+  vantrelUuid();
+}
+
 }  // namespace
+
+ServiceCaches& serviceCaches() {
+  return processCaches;
+}
 
 std::string plugin_app_data_dir() {
   std::string directory = cachedText(&ServiceCaches::appDataDirectory);
@@ -73,7 +97,12 @@ std::string plugin_app_data_dir() {
 std::string plugin_base_dir() {
   std::string directory = cachedText(&ServiceCaches::baseDirectory);
   if (!directory.empty()) return directory;
-  directory = plugin_app_data_dir() + kDataDirectorySuffix;
+  directory = plugin_app_data_dir();
+  // The root of a drive ends in a separator, and the platform's long form of a path allows no two.
+  while (!directory.empty() && (directory.back() == '\\' || directory.back() == '/')) {
+    directory.pop_back();
+  }
+  directory += kDataDirectorySuffix;
   cacheText(&ServiceCaches::baseDirectory, directory);
   return directory;
 }
@@ -123,6 +152,32 @@ std::string vantrelUuid() {
     ov_err("Failed to get Vantrel UUID: %s", error.what());
     return {};
   }
+}
+
+Url vantrelUrl() {
+  ServiceCaches& caches = serviceCaches();
+  uint64_t clearsBefore = 0;
+  Url url;
+  try {
+    {
+      const std::lock_guard lock(caches.mutex);
+      if (!caches.url.url.empty()) return caches.url;
+      clearsBefore = caches.urlClears;
+    }
+    readUrl(url);
+    const std::lock_guard lock(caches.mutex);
+    if (caches.urlClears == clearsBefore) caches.url = url;
+  } catch (const std::exception& error) {
+    ov_err("Failed to get Vantrel URL: %s", error.what());
+  }
+  return url;
+}
+
+void clearVantrelUrl() {
+  ServiceCaches& caches = serviceCaches();
+  const std::lock_guard lock(caches.mutex);
+  caches.url.clear();
+  ++caches.urlClears;
 }
 
 }  // namespace Vantrel::Web

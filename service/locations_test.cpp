@@ -7,8 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "service/service_url.h"
-#include "service/testing.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/service_files.h"
@@ -144,7 +142,7 @@ TEST_F(LocationsTest, MissingOrEmptyKeyFileIsAnEmptyKey) {
 class NoLocationTest : public testing::Test {
  protected:
   NoLocationTest() {
-    resetServiceCaches();
+    TestSupport::resetServiceCaches();
     platform_.appDataResult = -2147024893;
   }
 
@@ -175,7 +173,17 @@ TEST_F(NoLocationTest, FirstSuccessIsLoggedAndKept) {
   EXPECT_EQ(log_.text(), "LOG Application data directory: C:\\Users\\%s\n");
   platform_.appDataResult = -1;
   EXPECT_EQ(plugin_base_dir(), "C:\\Users\\%s\\Orvane\\Orvane Vantrel");
-  resetServiceCaches();
+  TestSupport::resetServiceCaches();
+}
+
+TEST_F(NoLocationTest, APathBelowTheRootOfADriveHasNoDoubledSeparator) {
+  platform_.appDataResult = 0;
+  for (const char* const root : {"D:\\", "D:/"}) {
+    platform_.appDataDirectory = root;
+    EXPECT_EQ(plugin_app_data_dir(), root);
+    EXPECT_EQ(vantrelUrlFile(), "D:\\Orvane\\Orvane Vantrel/var/run/http.uri");
+    TestSupport::resetServiceCaches();
+  }
 }
 
 TEST_F(NoLocationTest, KeyIsEmptyAndTheReasonReported) {

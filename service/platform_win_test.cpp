@@ -9,8 +9,7 @@
 
 #include "runtime/ov_threads.h"
 #include "service/locations.h"
-#include "service/process_start.h"
-#include "service/testing.h"
+#include "service/platform.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/service_files.h"
 #include "threads/system_exception.h"
@@ -45,14 +44,14 @@ namespace Vantrel::Web {
 namespace {
 
 TEST(AppDataWinTest, IsTheLocalFolderInUtf8) {
-  resetServiceCaches();
+  TestSupport::resetServiceCaches();
   TestSupport::LogRecorder log;
   EXPECT_EQ(plugin_app_data_dir(), "C:\\users\\J\xc3\xb6rg\\Local");
   EXPECT_EQ(log.text(), "LOG Application data directory: C:\\users\\J\xc3\xb6rg\\Local\n");
 }
 
 TEST(AppDataWinTest, FailureIsReportedAsASignedDecimal) {
-  resetServiceCaches();
+  TestSupport::resetServiceCaches();
   folderResult = static_cast<HRESULT>(0x80070003U);
   TestSupport::LogRecorder log;
   EXPECT_THROW(plugin_app_data_dir(), SystemException);

@@ -6,7 +6,7 @@
 
 #include "runtime/ov_log.h"
 #include "service/launch.h"
-#include "service/service_url.h"
+#include "service/locations.h"
 #include "text/error_texts.h"
 
 namespace Vantrel::Web {
@@ -51,7 +51,10 @@ std::unique_ptr<HttpRequest> RequestWorker::waitForRequest() {
 }
 
 void RequestWorker::processOneRequest(std::unique_ptr<HttpRequest> request) {
-  if (!launchVantrel()) {
+  ConnectionPurpose purpose;
+  purpose.breaker = &breaker_;
+  if (!launchVantrel(&breaker_)) {
+    if (breaker_.hasCut()) return;
     OV_DEBUG("RequestWorker::processOneRequest - Vantrel couldn't be launched, error");
     ov_err("%s", kErrorContacting);
     // Told without the lock and even after a stop.
@@ -60,23 +63,26 @@ void RequestWorker::processOneRequest(std::unique_ptr<HttpRequest> request) {
   }
   // The client may have moved since the request was made.
   request->port = vantrelUrl().port(0);
-  const std::unique_ptr<HttpResponse> response = request->invoke();
+  const std::unique_ptr<HttpResponse> response = request->invoke(purpose);
   if (request->callback) {
     // Under the lock, so that stop() cannot pass a delivery.
     const std::lock_guard lock(mutex_);
     if (!stopRequested_) request->callback->handleCallback(response.get());
   }
   request.reset();
-  if (!response) ov_err("%s", kErrorContacting);
+  if (!response && !breaker_.hasCut()) ov_err("%s", kErrorContacting);
 }
 
 void RequestWorker::stop() {
   const bool finished = done_;
   OV_DEBUG("RequestWorker::stop() - done?=%i", int{finished});
   if (finished) return;
-  const std::lock_guard lock(mutex_);
-  stopRequested_ = true;
-  condition_.signal();
+  {
+    const std::lock_guard lock(mutex_);
+    stopRequested_ = true;
+    condition_.signal();
+  }
+  breaker_.breakNow();
 }
 
 }  // namespace Vantrel::Web

@@ -24,7 +24,8 @@ class RequestWorker : public Worker {
 
   bool done() override { return done_; }
   void run() override;
-  // Once this has returned, no reply is delivered any more; a failed launch may still be told.
+  // Ends a connect, send or receive that is under way. Once this has returned, no reply is
+  // delivered any more; a failed launch may still be told.
   void stop() override;
 
  private:
@@ -36,6 +37,7 @@ class RequestWorker : public Worker {
   Condition condition_{mutex_};
   std::deque<std::unique_ptr<HttpRequest>> queue_;
   bool stopRequested_ = false;
+  SocketBreaker breaker_;
 };
 
 }  // namespace Vantrel::Web

@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "service/testing.h"
 #include "service/vantrel_request.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_recorder.h"
@@ -84,13 +83,13 @@ class RequestWorkerTest : public testing::Test {
     auto request = newVantrelRequest("POST", path, "{}", kFormatJson);
     ASSERT_TRUE(request);
     request->callback = std::make_unique<RecordingCallback>(answers_, path, throwing);
-    worker->addRequest(std::move(request));
+    worker_->addRequest(std::move(request));
   }
 
   void finish() {
-    worker->stop();
-    worker->join();
-    worker.reset();
+    worker_->stop();
+    worker_->join();
+    worker_.reset();
   }
 
   const TestSupport::ServiceFiles files_;
@@ -98,14 +97,14 @@ class RequestWorkerTest : public testing::Test {
   TestSupport::LogRecorder log_;
   ScriptedServer server_;
   Answers answers_;
-  std::unique_ptr<RequestWorker> worker = std::make_unique<RequestWorker>();
+  std::unique_ptr<RequestWorker> worker_ = std::make_unique<RequestWorker>();
 };
 
 TEST_F(RequestWorkerTest, AnswersInOrderOfArrival) {
   for (const char* path : {"/1", "/2", "/3"}) server_.always(path, Script::reply(path));
   add("/1");
   add("/2");
-  worker->start();
+  worker_->start();
   add("/3");
   ASSERT_TRUE(answers_.waitForDestroyed(3));
   finish();
@@ -116,7 +115,7 @@ TEST_F(RequestWorkerTest, AnswersInOrderOfArrival) {
 
 TEST_F(RequestWorkerTest, ErrorStatusReachesTheCallbackAsAReply) {
   server_.always("/1", Script().send(TestSupport::httpReply("{\"e\":1}", "500 Error")));
-  worker->start();
+  worker_->start();
   add("/1");
   ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
@@ -125,7 +124,7 @@ TEST_F(RequestWorkerTest, ErrorStatusReachesTheCallbackAsAReply) {
 
 TEST_F(RequestWorkerTest, NoReplyIsNullAndReported) {
   server_.always("/1", Script());
-  worker->start();
+  worker_->start();
   add("/1");
   add("/2");
   ASSERT_TRUE(answers_.waitForDestroyed(2));
@@ -136,7 +135,7 @@ TEST_F(RequestWorkerTest, NoReplyIsNullAndReported) {
 
 TEST_F(RequestWorkerTest, GarbageReplyIsNull) {
   server_.always("/1", Script().send("garbage"));
-  worker->start();
+  worker_->start();
   add("/1");
   ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
@@ -146,8 +145,8 @@ TEST_F(RequestWorkerTest, GarbageReplyIsNull) {
 TEST_F(RequestWorkerTest, ClientThatCannotBeStartedIsNullAndReported) {
   add("/1");
   files_.removeUrl();
-  resetServiceCaches(files_.appDataDirectory());
-  worker->start();
+  TestSupport::resetServiceCaches(files_.appDataDirectory());
+  worker_->start();
   ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
   EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:null"});
@@ -162,7 +161,7 @@ TEST_F(RequestWorkerTest, ClientThatMovedIsReachedAtItsNewPort) {
   moved.otherwise(Script::reply("moved"));
   server_.otherwise(Script());
   files_.writeUrl(moved.url() + "\nkey");
-  worker->start();
+  worker_->start();
   ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
   EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:moved"});
@@ -171,12 +170,12 @@ TEST_F(RequestWorkerTest, ClientThatMovedIsReachedAtItsNewPort) {
 TEST_F(RequestWorkerTest, ClientIsStartedForAQueuedRequest) {
   add("/1");
   files_.removeUrl();
-  resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
+  TestSupport::resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
   platform_.onStart = [this](const std::string&) {
     files_.writeUrl(server_.url() + "\nkey");
     return 0;
   };
-  worker->start();
+  worker_->start();
   ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
   EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:{}"});
@@ -184,8 +183,8 @@ TEST_F(RequestWorkerTest, ClientIsStartedForAQueuedRequest) {
 }
 
 TEST_F(RequestWorkerTest, RequestWithoutACallbackIsPerformed) {
-  worker->start();
-  worker->addRequest(newVantrelRequest("GET", "/quiet", "", kFormatJson));
+  worker_->start();
+  worker_->addRequest(newVantrelRequest("GET", "/quiet", "", kFormatJson));
   add("/2");
   ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
@@ -193,7 +192,7 @@ TEST_F(RequestWorkerTest, RequestWithoutACallbackIsPerformed) {
 }
 
 TEST_F(RequestWorkerTest, CallbackThatThrowsCostsOnlyItsOwnAnswer) {
-  worker->start();
+  worker_->start();
   add("/1", true);
   add("/2");
   ASSERT_TRUE(answers_.waitForDestroyed(2));
@@ -204,16 +203,16 @@ TEST_F(RequestWorkerTest, CallbackThatThrowsCostsOnlyItsOwnAnswer) {
 
 TEST_F(RequestWorkerTest, StopDuringAnExchangeDropsItsReplyAndTheRest) {
   server_.always("/1", Script().hold().send(TestSupport::httpReply("late")));
-  worker->start();
+  worker_->start();
   add("/1");
   add("/2");
   add("/3");
   ASSERT_TRUE(server_.waitForRequests("/1", 1));
-  worker->stop();
+  worker_->stop();
   server_.release();
-  worker->join();
+  worker_->join();
   EXPECT_EQ(answers_.destroyed(), 1);
-  worker.reset();
+  worker_.reset();
   EXPECT_TRUE(answers_.all().empty());
   EXPECT_EQ(answers_.destroyed(), 3);
   EXPECT_TRUE(server_.requests("/2").empty());
@@ -221,15 +220,53 @@ TEST_F(RequestWorkerTest, StopDuringAnExchangeDropsItsReplyAndTheRest) {
   EXPECT_EQ(log_.countContaining("] - size=2"), 1U);
 }
 
+TEST_F(RequestWorkerTest, StopEndsAnExchangeWithASilentClient) {
+  server_.always("/1", Script().hold());
+  worker_->start();
+  add("/1");
+  ASSERT_TRUE(server_.waitForRequests("/1", 1));
+  worker_->stop();
+  worker_->join();
+  EXPECT_TRUE(answers_.all().empty());
+  EXPECT_EQ(answers_.destroyed(), 1);
+  EXPECT_TRUE(log_.lines("ERR").empty()) << log_.text();
+}
+
+TEST_F(RequestWorkerTest, StopEndsAQuestionToASilentClientAndStartsNoOther) {
+  add("/1");
+  TestSupport::resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
+  server_.always("/v5/vantrel/info/ping", Script().hold());
+  worker_->start();
+  ASSERT_TRUE(server_.waitForRequests("/v5/vantrel/info/ping", 1));
+  worker_->stop();
+  worker_->join();
+  EXPECT_TRUE(platform_.starts().empty());
+  EXPECT_TRUE(answers_.all().empty());
+}
+
+TEST_F(RequestWorkerTest, StopEndsASendToAClientThatReadsNothing) {
+  auto request = newVantrelRequest("POST", "/1", std::string(64U << 20, 'x'), kFormatJson);
+  request->callback = std::make_unique<RecordingCallback>(answers_, "/1", false);
+  worker_->addRequest(std::move(request));
+  server_.nextConnection(Script::reply("{}"));
+  server_.nextConnection(Script().hold());
+  worker_->start();
+  while (server_.connections() < 2) std::this_thread::yield();
+  worker_->stop();
+  worker_->join();
+  EXPECT_TRUE(answers_.all().empty());
+  EXPECT_EQ(answers_.destroyed(), 1);
+}
+
 TEST_F(RequestWorkerTest, StopDuringALaunchStillTellsTheFailure) {
   add("/1");
   files_.removeUrl();
-  resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
+  TestSupport::resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
   platform_.onStart = [this](const std::string&) {
-    worker->stop();
+    worker_->stop();
     return 2;
   };
-  worker->start();
+  worker_->start();
   ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
   EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:null"});
@@ -237,11 +274,11 @@ TEST_F(RequestWorkerTest, StopDuringALaunchStillTellsTheFailure) {
 
 TEST_F(RequestWorkerTest, StopBeforeTheStartServesNothing) {
   add("/1");
-  worker->stop();
-  worker->start();
-  worker->join();
-  EXPECT_TRUE(worker->done());
-  worker.reset();
+  worker_->stop();
+  worker_->start();
+  worker_->join();
+  EXPECT_TRUE(worker_->done());
+  worker_.reset();
   EXPECT_TRUE(answers_.all().empty());
   EXPECT_EQ(answers_.destroyed(), 1);
 }
@@ -254,13 +291,13 @@ TEST_F(RequestWorkerTest, NeverStartedWorkerDestroysItsQueueUnheard) {
 }
 
 TEST_F(RequestWorkerTest, LogTellsEachStepOfItsLife) {
-  worker->start();
-  worker->stop();
-  worker->join();
-  EXPECT_TRUE(worker->done());
-  EXPECT_FALSE(worker->hasThread());
-  worker->stop();
-  worker.reset();
+  worker_->start();
+  worker_->stop();
+  worker_->join();
+  EXPECT_TRUE(worker_->done());
+  EXPECT_FALSE(worker_->hasThread());
+  worker_->stop();
+  worker_.reset();
   EXPECT_EQ(log_.countContaining("DBG RequestWorker() ["), 1U);
   EXPECT_EQ(log_.count("DBG RequestWorker::run()"), 1U);
   EXPECT_EQ(log_.count("DBG RequestWorker::run() - done"), 1U);
@@ -270,7 +307,7 @@ TEST_F(RequestWorkerTest, LogTellsEachStepOfItsLife) {
 }
 
 TEST_F(RequestWorkerTest, RequestsFromManyThreadsAreAllAnswered) {
-  worker->start();
+  worker_->start();
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([this] {

@@ -1,5 +1,5 @@
 // The cached address and the question whether a client answers there.
-#include "service/service_url.h"
+#include "service/locations.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "service/ping.h"
+#include "service/launch.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/service_files.h"

@@ -2,6 +2,7 @@
 // lines. Codes are the platform's own.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -13,13 +14,27 @@ inline constexpr uint32_t kInvalidAddress = 0xFFFFFFFFU;
 // A new IPv4 stream socket, or kClosedSocket.
 uint64_t createTcp();
 
-// Connects to an address in network byte order. 0, or the code of the failure (may be 0 too, when
-// the platform names none; `connected` tells).
-bool connectTcp(uint64_t handle, uint32_t address, uint16_t port, int32_t* code);
+// How a connection is made.
+struct Connecting {
+  // A refusal on the loopback is believed at once. Only for a client that was just started and does
+  // not listen yet: a client whose queue is full for a moment refuses too.
+  bool quickRefusal = false;
+  // Ends the attempt when it becomes true; null for an attempt that nobody ends.
+  const std::atomic<bool>* giveUp = nullptr;
+};
+
+// Connects to an address in network byte order. On false `code` holds the code of the failure, or 0
+// when the platform names none.
+bool connectTcp(uint64_t handle, uint32_t address, uint16_t port, const Connecting& how,
+                int32_t* code);
 
 // Number of bytes, 0 for the peer's close, or -1 with the code of the failure.
 int32_t receive(uint64_t handle, char* buffer, int32_t size, int32_t* code);
 int32_t transmit(uint64_t handle, const char* buffer, int32_t size, int32_t* code);
+
+// Ends what another thread waits for on the socket, and all that it would wait for later. The
+// socket stays open.
+void shutDown(uint64_t handle);
 
 // Closes; 0 or a code.
 int32_t closeSocket(uint64_t* handle);

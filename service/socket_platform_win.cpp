@@ -29,12 +29,50 @@ bool isLoopback(uint32_t address) {
 }
 
 // The platform retries a refused connection on the loopback for two seconds, which would turn each
-// question whether the client is up into a long wait. If this fails, connecting is slow but right.
+// question whether a new client is up into a long wait. If this fails, connecting is slow but
+// right. Wine refuses at once in any case, so that the difference is only to be seen on Windows.
 void failFastOnLoopback(SOCKET socket, uint32_t address) {
   if (!isLoopback(address)) return;
   InitialRto rto;
   DWORD unused = 0;
   WSAIoctl(socket, SIO_TCP_INITIAL_RTO, &rto, sizeof rto, nullptr, 0, &unused, nullptr, nullptr);
+}
+
+// How long an attempt goes on at most after it was given up.
+constexpr long kSliceUs = 20000;
+
+// Waits for the end of an attempt that is under way; its code.
+int waitForConnection(SOCKET socket, const std::atomic<bool>& giveUp) {
+  while (!giveUp) {
+    fd_set connected;
+    FD_ZERO(&connected);
+    FD_SET(socket, &connected);
+    fd_set failed = connected;
+    const timeval slice = {0, kSliceUs};
+    const int ready = select(0, nullptr, &connected, &failed, &slice);
+    if (ready < 0) return WSAGetLastError();
+    if (ready == 0) continue;
+    int code = 0;
+    int size = sizeof code;
+    getsockopt(socket, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&code), &size);
+    return code;
+  }
+  return WSAEINTR;
+}
+
+// A blocking connect cannot be ended from outside without closing its socket, so that one which
+// must end is made without blocking.
+int connectUntil(SOCKET socket, const sockaddr_in& target, const std::atomic<bool>& giveUp) {
+  u_long nonBlocking = 1;
+  ioctlsocket(socket, FIONBIO, &nonBlocking);
+  int code = 0;
+  if (connect(socket, reinterpret_cast<const sockaddr*>(&target), sizeof target) != 0) {
+    code = WSAGetLastError();
+    if (code == WSAEWOULDBLOCK) code = waitForConnection(socket, giveUp);
+  }
+  nonBlocking = 0;
+  ioctlsocket(socket, FIONBIO, &nonBlocking);
+  return code;
 }
 
 }  // namespace
@@ -43,12 +81,17 @@ uint64_t createTcp() {
   return socket(AF_INET, SOCK_STREAM, 0);
 }
 
-bool connectTcp(uint64_t handle, uint32_t address, uint16_t port, int32_t* code) {
-  failFastOnLoopback(handle, address);
+bool connectTcp(uint64_t handle, uint32_t address, uint16_t port, const Connecting& how,
+                int32_t* code) {
+  if (how.quickRefusal) failFastOnLoopback(handle, address);
   sockaddr_in target = {};
   target.sin_family = AF_INET;
   target.sin_addr.s_addr = address;
   target.sin_port = htons(port);
+  if (how.giveUp != nullptr) {
+    *code = connectUntil(handle, target, *how.giveUp);
+    return *code == 0;
+  }
   if (connect(handle, reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0) return true;
   const auto lastError = static_cast<int32_t>(GetLastError());
   *code = lastError != 0 ? lastError : errno;
@@ -65,6 +108,13 @@ int32_t transmit(uint64_t handle, const char* buffer, int32_t size, int32_t* cod
   const int count = send(handle, buffer, size, 0);
   if (count < 0) *code = WSAGetLastError();
   return count;
+}
+
+// Wine ends a call that is under way by the shutdown alone. On Windows a receive may go on after
+// it, so that it is cancelled as well; calls to come fail by the shutdown.
+void shutDown(uint64_t handle) {
+  shutdown(handle, SD_BOTH);
+  CancelIoEx(reinterpret_cast<HANDLE>(static_cast<uintptr_t>(handle)), nullptr);
 }
 
 int32_t closeSocket(uint64_t* handle) {

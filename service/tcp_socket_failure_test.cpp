@@ -10,8 +10,11 @@
 #include <vector>
 
 #include "service/http_request.h"
+#include "service/launch.h"
 #include "service/socket_platform.h"
+#include "tests/support/fake_platform.h"
 #include "tests/support/log_recorder.h"
+#include "tests/support/service_files.h"
 
 namespace Vantrel::Web {
 
@@ -26,6 +29,8 @@ struct Platform {
   int resolves = 0;
   bool connects = true;
   uint32_t connectedAddress = 0;
+  std::vector<bool> quickRefusals;  // of each attempt
+  std::vector<uint64_t> shutDowns;
   uint16_t connectedPort = 0;
   int32_t code = 0;
   int32_t count = 0;
@@ -33,6 +38,7 @@ struct Platform {
   bool memoryEnds = false;
   std::string reply;
   std::string sent;
+  int sends = 0;
   int32_t closeCode = 0;
   std::vector<uint64_t> closed;
 };
@@ -47,7 +53,8 @@ uint64_t createTcp() {
   return platform.created;
 }
 
-bool connectTcp(uint64_t, uint32_t address, uint16_t port, int32_t* code) {
+bool connectTcp(uint64_t, uint32_t address, uint16_t port, const Connecting& how, int32_t* code) {
+  platform.quickRefusals.push_back(how.quickRefusal);
   platform.connectedAddress = address;
   platform.connectedPort = port;
   *code = platform.code;
@@ -66,10 +73,15 @@ int32_t receive(uint64_t, char* buffer, int32_t size, int32_t* code) {
 
 int32_t transmit(uint64_t, const char* buffer, int32_t size, int32_t* code) {
   *code = platform.code;
+  ++platform.sends;
   if (platform.sendLimit == 0) return platform.count;
   const int32_t count = std::min(platform.sendLimit, size);
   platform.sent.append(buffer, static_cast<size_t>(count));
   return count;
+}
+
+void shutDown(uint64_t handle) {
+  platform.shutDowns.push_back(handle);
 }
 
 int32_t closeSocket(uint64_t* handle) {
@@ -125,6 +137,68 @@ TEST_F(TcpSocketFailureTest, ResolvingHostIsLookedUpTwiceAndConnectedOnce) {
   EXPECT_EQ(platform.connectedAddress, 0x04030201U);
   EXPECT_EQ(platform.connectedPort, 8080);
   EXPECT_EQ(log_.text(), "");
+}
+
+TEST_F(TcpSocketFailureTest, AnAddressIsNotLookedUp) {
+  TcpSocket socket;
+  EXPECT_EQ(socket.connect("1.2.3.4", 80), 0);
+  EXPECT_EQ(platform.resolves, 0);
+  EXPECT_EQ(platform.connectedAddress, 0x04030201U);
+}
+
+TEST_F(TcpSocketFailureTest, WhatIsNoPlainAddressIsLookedUp) {
+  for (const char* const host : {"1.2.3", "1.2.3.04", "1.2.3.256", "1.2.3.4.", ".1.2.3",
+                                 "1.2.3.1000", "1..2.3", "1.2.3.4 ", "0x1.2.3.4", ""}) {
+    platform.resolves = 0;
+    TcpSocket socket;
+    EXPECT_EQ(socket.connect(host, 80), 0) << host;
+    EXPECT_EQ(platform.resolves, 2) << host;
+  }
+}
+
+TEST_F(TcpSocketFailureTest, OnlyAConnectionToANewClientBelievesARefusalAtOnce) {
+  TcpSocket plain;
+  EXPECT_EQ(plain.connect("1.2.3.4", 80), 0);
+  ConnectionPurpose purpose;
+  purpose.awaitsNewClient = true;
+  TcpSocket awaiting;
+  EXPECT_EQ(awaiting.connect("1.2.3.4", 80, purpose), 0);
+  EXPECT_EQ(platform.quickRefusals, (std::vector<bool>{false, true}));
+}
+
+TEST_F(TcpSocketFailureTest, ABreakShutsTheTiedSocketDownAndConnectsNoOther) {
+  SocketBreaker breaker;
+  ConnectionPurpose purpose;
+  purpose.breaker = &breaker;
+  {
+    TcpSocket socket;
+    EXPECT_EQ(socket.connect("1.2.3.4", 80, purpose), 0);
+  }
+  {
+    TcpSocket socket;
+    EXPECT_EQ(socket.connect("1.2.3.4", 80, purpose), 0);
+    EXPECT_TRUE(platform.shutDowns.empty());
+    breaker.breakNow();
+    EXPECT_EQ(platform.shutDowns, std::vector<uint64_t>{77});
+  }
+  EXPECT_TRUE(breaker.broken());
+  EXPECT_TRUE(breaker.hasCut());
+  TcpSocket late;
+  EXPECT_NE(late.connect("1.2.3.4", 80, purpose), 0);
+  EXPECT_EQ(platform.quickRefusals.size(), 2U);
+}
+
+TEST_F(TcpSocketFailureTest, ABreakBetweenExchangesCutsNone) {
+  SocketBreaker breaker;
+  ConnectionPurpose purpose;
+  purpose.breaker = &breaker;
+  {
+    TcpSocket socket;
+    EXPECT_EQ(socket.connect("1.2.3.4", 80, purpose), 0);
+  }
+  breaker.breakNow();
+  EXPECT_TRUE(platform.shutDowns.empty());
+  EXPECT_FALSE(breaker.hasCut());
 }
 
 TEST_F(TcpSocketFailureTest, UnresolvableHostIsToldThreeTimesAndConnectedAllTheSame) {
@@ -259,6 +333,49 @@ TEST_F(ExchangeFailureTest, EndOfMemoryIsAFailedExchange) {
   EXPECT_EQ(log_.lines("ERR").size(), 1U);
   EXPECT_EQ(log_.countContaining("ERR HttpRequest::invoke() - "), 1U);
   EXPECT_EQ(platform.closed.size(), 1U);
+}
+
+TEST_F(ExchangeFailureTest, OnlyALongBodyLeavesApartFromItsHead) {
+  for (const size_t size : {size_t{16384}, size_t{16385}, size_t{100000}}) {
+    platform = Platform();
+    platform.reply = "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n";
+    platform.sendLimit = 1 << 20;
+    HttpRequest request("host", 80);
+    request.setBody(std::string(size, 'b'));
+    ASSERT_TRUE(request.invoke());
+    EXPECT_EQ(platform.sends, size <= 16384 ? 1 : 2) << size;
+    EXPECT_EQ(platform.sent.substr(platform.sent.size() - size - 4),
+              "\r\n\r\n" + std::string(size, 'b'));
+  }
+}
+
+class LaunchConnectionTest : public TcpSocketFailureTest {
+ protected:
+  LaunchConnectionTest() {
+    files_.writeUrl("http://1.2.3.4:80\nkey");
+    setLaunchTimeout(200);
+    platform.connects = false;
+  }
+
+  const TestSupport::ServiceFiles files_{"orvanevantrel.exe"};
+  TestSupport::FakePlatform system_;
+};
+
+TEST_F(LaunchConnectionTest, OnlyAJustStartedClientIsBelievedToRefuse) {
+  EXPECT_FALSE(launchVantrel());
+  EXPECT_EQ(system_.starts().size(), 1U);
+  EXPECT_EQ(platform.quickRefusals, (std::vector<bool>{false, true, true}));
+}
+
+TEST_F(LaunchConnectionTest, AWaitGoesOnToItsEndBesideABreak) {
+  SocketBreaker breaker;
+  system_.onStart = [&breaker](const std::string&) {
+    breaker.breakNow();
+    return 0;
+  };
+  EXPECT_FALSE(launchVantrel(&breaker));
+  EXPECT_EQ(system_.sleeps().size(), 2U);
+  EXPECT_FALSE(breaker.hasCut());
 }
 
 }  // namespace

@@ -51,8 +51,7 @@ void TransfersPoller::removeListener(TransferEventListener* listener) {
 void TransfersPoller::run() {
   OV_DEBUG("%p TransferPoller::run()", static_cast<void*>(this));
   while (!stopRequested_) {
-    ov_thread_sleep(static_cast<uint32_t>(pollIntervalMs_));
-    if (stopRequested_) break;
+    if (stopSignal_.waitFor(pollIntervalMs_) || stopRequested_) break;
     // What memory or a listener throws costs this one poll, not the thread.
     try {
       pollOnce();
@@ -68,7 +67,9 @@ void TransfersPoller::pollOnce() {
   std::unique_ptr<HttpRequest> request = newVantrelRequest(
       "POST", std::string(kServicePath) + kActivityPath, requestBody(), kFormatJson);
   if (!request) return;
-  std::unique_ptr<HttpResponse> response = request->invoke();
+  ConnectionPurpose purpose;
+  purpose.breaker = &breaker_;
+  std::unique_ptr<HttpResponse> response = request->invoke(purpose);
   request.reset();
   if (!response) return;
   const std::string reply = response->takeBody();
@@ -114,7 +115,10 @@ void TransfersPoller::notifyListeners(const std::string& text) {
 void TransfersPoller::stop() {
   const bool finished = done_;
   OV_DEBUG("%p TransferPoller::stop() - done?=%i", static_cast<void*>(this), int{finished});
-  if (!finished) stopRequested_ = true;
+  if (finished) return;
+  stopRequested_ = true;
+  stopSignal_.post();
+  breaker_.breakNow();
 }
 
 }  // namespace Vantrel::Web

@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "service/transfer_event_listener.h"
+#include "service/tcp_socket.h"
 #include "threads/mutex.h"
+#include "threads/semaphore.h"
 #include "threads/worker.h"
 
 namespace Vantrel::Web {
@@ -29,7 +31,7 @@ class TransfersPoller : public Worker {
 
   bool done() override { return done_; }
   void run() override;
-  // Nothing wakes the thread: it ends after its present sleep or exchange.
+  // Ends the present pause or exchange; the thread then leaves without another request.
   void stop() override;
 
  private:
@@ -45,6 +47,8 @@ class TransfersPoller : public Worker {
   Mutex mutex_;  // guards listeners, and is held during delivery
   int32_t pollIntervalMs_ = 1000;
   std::atomic<bool> stopRequested_{false};
+  Semaphore stopSignal_;
+  SocketBreaker breaker_;
 };
 
 }  // namespace Vantrel::Web

@@ -289,6 +289,25 @@ TEST_F(TransfersPollerTest, StopDuringASleepSendsNoFurtherRequest) {
   EXPECT_EQ(platform_.sleeps().size(), 1U);
 }
 
+TEST_F(TransfersPollerTest, StopEndsThePause) {
+  platform_.pausesAreEndless = true;
+  poller_.start();
+  while (platform_.sleeps().empty()) std::this_thread::yield();
+  poller_.stop();
+  poller_.join();
+  EXPECT_EQ(server_.connections(), 0U);
+}
+
+TEST_F(TransfersPollerTest, StopEndsAnExchangeWithASilentClient) {
+  server_.always(kPath, Script().hold());
+  poller_.start();
+  ASSERT_TRUE(server_.waitForRequests(kPath, 1));
+  poller_.stop();
+  poller_.join();
+  EXPECT_TRUE(listener_.all().empty());
+  EXPECT_EQ(server_.requests(kPath).size(), 1U);
+}
+
 TEST_F(TransfersPollerTest, StopDuringAnExchangeDropsItsReply) {
   server_.always(kPath, Script().hold().send(TestSupport::httpReply("{}")));
   poller_.start();

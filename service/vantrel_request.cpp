@@ -1,7 +1,10 @@
 #include "service/vantrel_request.h"
 
+#include <utility>
+
+#include "service/launch.h"
 #include "service/locations.h"
-#include "service/service_url.h"
+#include "text/error_texts.h"
 
 namespace Vantrel::Web {
 
@@ -15,13 +18,37 @@ std::unique_ptr<HttpRequest> newVantrelRequest(int format) {
 }
 
 std::unique_ptr<HttpRequest> newVantrelRequest(const std::string& method, const std::string& path,
-                                               const std::string& body, int format) {
+                                               std::string body, int format) {
+  if (!fitsRequestLine(method) || !fitsRequestLine(path)) return nullptr;
   auto request = newVantrelRequest(format);
   if (!request) return nullptr;
   request->method = method;
   request->path = path;
-  request->setBody(body);
+  request->setBody(std::move(body));
   return request;
+}
+
+const char* contactError(Contact contact) {
+  switch (contact) {
+    case Contact::kAnswered:
+      return "";
+    case Contact::kNoRequest:
+      return kErrorCreatingRequest;
+    case Contact::kNoClient:
+    case Contact::kNoAnswer:
+      break;
+  }
+  return kErrorContacting;
+}
+
+Contact askVantrel(const std::string& method, const std::string& path, std::string body, int format,
+                   std::unique_ptr<HttpResponse>& response) {
+  response.reset();
+  if (!launchVantrel()) return Contact::kNoClient;
+  const auto request = newVantrelRequest(method, path, std::move(body), format);
+  if (!request) return Contact::kNoRequest;
+  response = request->invoke();
+  return response ? Contact::kAnswered : Contact::kNoAnswer;
 }
 
 }  // namespace Vantrel::Web

@@ -50,6 +50,13 @@ TEST_F(VantrelRequestTest, GoesToTheAddressOfTheFile) {
   EXPECT_FALSE(request->callback);
 }
 
+TEST_F(VantrelRequestTest, LineOfThePagesOwnMakesNoRequest) {
+  files_.writeUrl("http://127.0.0.1:33001\nkey\n");
+  EXPECT_FALSE(newVantrelRequest("GET /x HTTP/1.1\r\nA: b", "/p", "", kFormatJson));
+  EXPECT_FALSE(newVantrelRequest("GET", "/p\nA: b", "", kFormatJson));
+  EXPECT_TRUE(newVantrelRequest("GET", "/p ?\"<>", "line\r\nend", kFormatJson));
+}
+
 TEST_F(VantrelRequestTest, KeyIsThatOfTheMomentEvenForACachedAddress) {
   files_.writeUrl("http://127.0.0.1:1\nold");
   newVantrelRequest(kFormatJson);

@@ -4,27 +4,19 @@
 #include <utility>
 
 #include "runtime/ov_log.h"
-#include "service/launch.h"
 #include "service/vantrel_request.h"
-#include "text/error_texts.h"
 
 namespace Vantrel::Web {
 
 Window::Window(std::string windowName) : name_(std::move(windowName)) {}
 
 bool Window::display(const std::string& argument) {
-  if (!launchVantrel()) {
-    ov_err("%s", kErrorContacting);
-    return false;
-  }
-  const std::unique_ptr<HttpRequest> request =
-      newVantrelRequest("GET", "/windows/" + name_ + "/" + argument, "", kFormatXml);
-  if (!request) {
-    ov_err("%s", kErrorCreatingRequest);
-    return false;
-  }
-  if (request->invoke()) return true;
-  ov_err("Error displaying window: %s", kErrorContacting);
+  std::unique_ptr<HttpResponse> response;
+  const Contact contact =
+      askVantrel("GET", "/windows/" + name_ + "/" + argument, "", kFormatXml, response);
+  if (contact == Contact::kAnswered) return true;
+  const char* const prefix = contact == Contact::kNoAnswer ? "Error displaying window: " : "";
+  ov_err("%s%s", prefix, contactError(contact));
   return false;
 }
 

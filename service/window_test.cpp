@@ -6,8 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "service/service_url.h"
-#include "service/testing.h"
+#include "service/locations.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/scripted_server.h"
@@ -58,7 +57,7 @@ TEST_F(WindowTest, ErrorStatusIsSuccess) {
 
 TEST_F(WindowTest, ClientThatDoesNotRunIsStartedAndAskedInTheSameCall) {
   files_.removeUrl();
-  resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
+  TestSupport::resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
   platform_.onStart = [this](const std::string&) {
     files_.writeUrl(server_.url() + "\nkey");
     return 0;

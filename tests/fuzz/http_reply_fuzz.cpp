@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <string>
 
-#include "service/http_reply_reader.h"
 #include "service/http_response.h"
 #include "tests/support/slow_reply_reader.h"
 

@@ -7,8 +7,8 @@
 
 #include "runtime/ov_process.h"
 #include "runtime/ov_registry.h"
-#include "service/locations_platform.h"
-#include "service/process_start.h"
+#include "runtime/ov_threads.h"
+#include "service/platform.h"
 
 namespace Vantrel::Web {
 
@@ -125,6 +125,17 @@ ov_rc __wrap_ov_thread_sleep(uint32_t milliseconds) {
   if (FakePlatform* fake = current; fake != nullptr) return fake->sleep(milliseconds);
   Vantrel::Web::TestSupport::shortSleep();
   return 0;
+}
+
+constexpr int32_t kEndlessMs = 24 * 3600 * 1000;  // longer than any test
+
+ov_rc __real_ov_sem_trywait(ov_sem* semaphore, int32_t milliseconds);
+
+ov_rc __wrap_ov_sem_trywait(ov_sem* semaphore, int32_t milliseconds) {
+  FakePlatform* fake = current;
+  const bool endless = fake != nullptr && fake->pausesAreEndless;
+  if (fake != nullptr) fake->sleep(static_cast<uint32_t>(milliseconds));
+  return __real_ov_sem_trywait(semaphore, endless ? kEndlessMs : 1);
 }
 
 ov_rc __wrap_ov_reg_get(void* hive, const char* key, const char* name, char* out,

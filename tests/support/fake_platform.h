@@ -5,6 +5,7 @@
 // thread; the functions are set before any other thread runs.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -37,6 +38,8 @@ class FakePlatform {
   std::function<ov_rc(int32_t* state, int32_t* exitCode)> onExited;
   std::function<ov_rc(uint32_t milliseconds)> onSleep;
   std::function<ov_rc(int32_t processId)> onForeground;
+  // Whether only its end ends a pause of the poller; otherwise it is a short sleep.
+  std::atomic<bool> pausesAreEndless{false};
 
   // What was asked for so far.
   std::vector<std::string> starts() const;

@@ -5,7 +5,8 @@
 #include <random>
 #include <sstream>
 
-#include "service/testing.h"
+#include "service/launch.h"
+#include "service/locations.h"
 
 namespace Vantrel::Web::TestSupport {
 
@@ -16,6 +17,18 @@ void writeFile(const std::string& path, const std::string& text) {
 }
 
 }  // namespace
+
+void resetServiceCaches(const std::string& appDataDirectory, const std::string& executablePath) {
+  ServiceCaches& caches = serviceCaches();
+  {
+    const std::lock_guard lock(caches.mutex);
+    caches.appDataDirectory = appDataDirectory;
+    caches.baseDirectory.clear();
+    caches.executablePath = executablePath;
+    caches.url.clear();
+  }
+  setLaunchTimeout(kDefaultLaunchTimeoutMs);
+}
 
 std::string makeTemporaryDirectory() {
   std::random_device random;

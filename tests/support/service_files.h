@@ -32,6 +32,12 @@ class ServiceFiles {
   std::string directory_;
 };
 
+// Makes what the service client keeps as in a freshly loaded library: forgets the directories, the
+// executable's path, the service's address and the launch wait. A text that is not empty takes the
+// place of what would be found. No other thread uses the service client meanwhile.
+void resetServiceCaches(const std::string& appDataDirectory = {},
+                        const std::string& executablePath = {});
+
 // A new, empty directory of the platform's temporary files.
 std::string makeTemporaryDirectory();
 

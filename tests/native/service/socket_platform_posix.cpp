@@ -23,7 +23,9 @@ uint64_t createTcp() {
   return created < 0 ? kClosedSocket : static_cast<uint64_t>(created);
 }
 
-bool connectTcp(uint64_t handle, uint32_t address, uint16_t port, int32_t* code) {
+// The platform refuses at once in any case, and a shutdown from outside ends an attempt.
+bool connectTcp(uint64_t handle, uint32_t address, uint16_t port, const Connecting&,
+                int32_t* code) {
   sockaddr_in target = {};
   target.sin_family = AF_INET;
   target.sin_addr.s_addr = address;
@@ -45,6 +47,10 @@ int32_t transmit(uint64_t handle, const char* buffer, int32_t size, int32_t* cod
   const ssize_t count = send(descriptor(handle), buffer, static_cast<size_t>(size), MSG_NOSIGNAL);
   if (count < 0) *code = errno;
   return static_cast<int32_t>(count);
+}
+
+void shutDown(uint64_t handle) {
+  shutdown(descriptor(handle), SHUT_RDWR);
 }
 
 int32_t closeSocket(uint64_t* handle) {

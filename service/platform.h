@@ -1,4 +1,4 @@
-// The platform calls with which the desktop client is started.
+// What finding and starting the desktop client asks of the platform.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +7,10 @@
 #include "runtime/ov_process.h"
 
 namespace Vantrel::Web {
+
+// Writes the user's local application data directory as UTF-8. Negative on failure: the platform's
+// result. May throw std::runtime_error if the name cannot be converted.
+int32_t localAppDataDirectory(std::string* directory);
 
 // A process that we started. Its handles are closed with the object; the process runs on.
 class StartedProcess {

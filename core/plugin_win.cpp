@@ -1,4 +1,4 @@
-#include "core/plugin_platform.h"
+#include "core/plugin.h"
 
 #include <windows.h>
 
@@ -6,7 +6,7 @@
 
 namespace Vantrel::Web {
 
-void changeToHomeDirectory() {
+void Plugin::changeToHomeDirectory() {
   constexpr DWORD kLength = 260;
   wchar_t home[kLength];
   // A value that does not fit gives the length it needs, which must not be taken for an offset.
@@ -25,7 +25,7 @@ void changeToHomeDirectory() {
   }
 }
 
-void* findSetLayeredWindowAttributes() {
+void* Plugin::findSetLayeredWindowAttributes() {
   const HMODULE user32 = GetModuleHandleW(L"USER32.DLL");
   if (user32 == nullptr) return nullptr;
   return reinterpret_cast<void*>(GetProcAddress(user32, "SetLayeredWindowAttributes"));

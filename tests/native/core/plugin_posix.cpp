@@ -1,12 +1,12 @@
 // What the core asks of the platform, for native test builds: nothing of it matters there.
 
-#include "core/plugin_platform.h"
+#include "core/plugin.h"
 
 namespace Vantrel::Web {
 
-void changeToHomeDirectory() {}
+void Plugin::changeToHomeDirectory() {}
 
-void* findSetLayeredWindowAttributes() {
+void* Plugin::findSetLayeredWindowAttributes() {
   return nullptr;
 }
 

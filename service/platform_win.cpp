@@ -1,12 +1,14 @@
-#include "service/process_start.h"
+#include "service/platform.h"
 
 #include <windows.h>
+#include <shlobj.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <iterator>
 
 #include "runtime/ov_strings.h"
+#include "text/wide_text.h"
 
 namespace Vantrel::Web {
 
@@ -25,6 +27,13 @@ void closeHandle(void*& handle) {
 }
 
 }  // namespace
+
+int32_t localAppDataDirectory(std::string* directory) {
+  wchar_t wide[MAX_PATH] = L"";
+  const HRESULT result = SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, 0, wide);
+  if (result >= 0) *directory = toUtf8(wide);
+  return result;
+}
 
 StartedProcess::StartedProcess() : record() {
   record.user_token = INVALID_HANDLE_VALUE;

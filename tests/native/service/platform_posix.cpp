@@ -1,4 +1,4 @@
-#include "service/process_start.h"
+#include "service/platform.h"
 
 #include <spawn.h>
 #include <sys/wait.h>
@@ -8,6 +8,11 @@
 extern char** environ;
 
 namespace Vantrel::Web {
+
+// Tests preset the directory; one that was not preset cannot be found.
+int32_t localAppDataDirectory(std::string*) {
+  return -1;
+}
 
 StartedProcess::StartedProcess() : record() {}
 
