@@ -41,6 +41,9 @@ void failFastOnLoopback(SOCKET socket, uint32_t address) {
 // How long an attempt goes on at most after it was given up.
 constexpr long kSliceUs = 20000;
 
+// The header gives an unsigned number for a signed parameter.
+constexpr auto kNonBlockingCommand = static_cast<long>(FIONBIO);
+
 // Waits for the end of an attempt that is under way; its code.
 int waitForConnection(SOCKET socket, const std::atomic<bool>& giveUp) {
   while (!giveUp) {
@@ -48,7 +51,7 @@ int waitForConnection(SOCKET socket, const std::atomic<bool>& giveUp) {
     FD_ZERO(&connected);
     FD_SET(socket, &connected);
     fd_set failed = connected;
-    const timeval slice = {0, kSliceUs};
+    timeval slice = {0, kSliceUs};
     const int ready = select(0, nullptr, &connected, &failed, &slice);
     if (ready < 0) return WSAGetLastError();
     if (ready == 0) continue;
@@ -64,14 +67,14 @@ int waitForConnection(SOCKET socket, const std::atomic<bool>& giveUp) {
 // must end is made without blocking.
 int connectUntil(SOCKET socket, const sockaddr_in& target, const std::atomic<bool>& giveUp) {
   u_long nonBlocking = 1;
-  ioctlsocket(socket, FIONBIO, &nonBlocking);
+  ioctlsocket(socket, kNonBlockingCommand, &nonBlocking);
   int code = 0;
   if (connect(socket, reinterpret_cast<const sockaddr*>(&target), sizeof target) != 0) {
     code = WSAGetLastError();
     if (code == WSAEWOULDBLOCK) code = waitForConnection(socket, giveUp);
   }
   nonBlocking = 0;
-  ioctlsocket(socket, FIONBIO, &nonBlocking);
+  ioctlsocket(socket, kNonBlockingCommand, &nonBlocking);
   return code;
 }
 
