@@ -1,7 +1,9 @@
 // Base64 in the standard alphabet.
 #include "runtime/strings/base64.h"
 
+#include <algorithm>
 #include <cstring>
+#include <optional>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
@@ -32,6 +34,29 @@ char* base64_encode_by_table(const Base64Alphabet& alphabet, const uint8_t* src,
     *dst++ = alphabet.pairs[bits & 0x3f][1];
   }
   return dst;
+}
+
+size_t base64_decode_run(const Base64Alphabet& alphabet, const char* src, size_t len,
+                         uint8_t* dst) {
+  const size_t done = base64_can_shuffle() ? base64_decode_by_shuffle(alphabet, src, len, dst) : 0;
+  return done + base64_decode_by_table(alphabet, src + done, len - done, dst + done / 4 * 3);
+}
+
+size_t base64_decode_by_table(const Base64Alphabet& alphabet, const char* src, size_t len,
+                              uint8_t* dst) {
+  size_t done = 0;
+  for (; len - done >= 4; done += 4, dst += 3) {
+    const uint32_t first = alphabet.value(src[done]);
+    const uint32_t second = alphabet.value(src[done + 1]);
+    const uint32_t third = alphabet.value(src[done + 2]);
+    const uint32_t fourth = alphabet.value(src[done + 3]);
+    // The value for "none" has bits that no other has.
+    if ((first | second | third | fourth) > kBase64Last) break;
+    dst[0] = static_cast<uint8_t>(first << 2 | second >> 4);
+    dst[1] = static_cast<uint8_t>(second << 4 | third >> 2);
+    dst[2] = static_cast<uint8_t>(third << 6 | fourth);
+  }
+  return done;
 }
 
 }  // namespace ov
@@ -69,20 +94,56 @@ struct Output {
   }
 };
 
-// Decodes groups of four up to the end or to a group that begins with padding. With `skipping`,
-// blanks and line ends between the symbols are passed over.
-ov_rc decode_groups(const char* src, const char* end, bool skipping, Output out, size_t* outLen) {
-  char four[4];
+// Fetches the next four characters, without blanks and line ends if `skipping`; padding stands for
+// what the text no longer has.
+void fetch_group(const char** src, const char* end, bool skipping, char (&four)[4]) {
   size_t filled = 0;
-  for (; src != end; ++src) {
-    if (skipping && is_skipped(*src)) continue;
-    four[filled++] = *src;
-    if (filled < sizeof four) continue;
-    filled = 0;
-    if (four[0] == kPadding) break;
+  for (; *src != end && filled < sizeof four; ++*src) {
+    if (!skipping || !is_skipped(**src)) four[filled++] = **src;
+  }
+  while (filled < sizeof four) four[filled++] = kPadding;
+}
+
+// Decodes the whole groups of symbols that follow each other, as far as there is room for them.
+void decode_run(const char** src, const char* end, Output* out) {
+  const size_t room = static_cast<size_t>(out->end - out->cursor) / 3 * 4;
+  const size_t length = std::min(static_cast<size_t>(end - *src), room);
+  const size_t done = ov::base64_decode_run(kStandard, *src, length, out->cursor);
+  *src += done;
+  out->cursor += done / 4 * 3;
+}
+
+// Decodes groups of four up to the end or to a group that begins with padding. `fetch` takes the
+// next group where it is not one of four symbols in a row.
+template <typename Fetch>
+ov_rc decode_groups(const char* src, const char* end, Output out, size_t* outLen, Fetch fetch) {
+  for (;;) {
+    decode_run(&src, end, &out);
+    char four[4];
+    fetch(&src, end, four);
+    if (four[0] == kPadding) return out.finish(outLen);
     if (const ov_rc error = ov_str_base64_chars_to_buf(four, &out.cursor, out.end)) return error;
   }
-  return out.finish(outLen);
+}
+
+// Number of characters but blanks and line ends; none, with a log line, for a text with others that
+// are no symbols and no padding.
+std::optional<size_t> count_symbols(const char* src, const char* end) {
+  size_t count = 0;
+  while (src != end) {
+    const size_t plain = ov::base64_symbol_blocks(kStandard, src, static_cast<size_t>(end - src));
+    src += plain;
+    count += plain;
+    for (size_t i = 0; i < ov::kBase64Block && src != end; ++i, ++src) {
+      if (is_skipped(*src)) continue;
+      if (!in_alphabet(*src) && *src != kPadding) {
+        ov_err("ov_str_base64_to_buf(): illegal input char %c", *src);
+        return std::nullopt;
+      }
+      ++count;
+    }
+  }
+  return count;
 }
 
 }  // namespace
@@ -99,31 +160,19 @@ ov_rc ov_str_buf_to_base64(const void* src, size_t len, char* dst, size_t dstSiz
 ov_rc ov_str_base64_to_buf(const char* src, size_t len, void* dst, size_t dstSize, size_t* outLen) {
   if (src == nullptr || dst == nullptr) return OV_EINVAL;
   const char* end = src + decoder_length(src, len);
-  size_t count = 0;
-  for (const char* at = src; at != end; ++at) {
-    if (is_skipped(*at)) continue;
-    if (!in_alphabet(*at) && *at != kPadding) {
-      ov_err("ov_str_base64_to_buf(): illegal input char %c", *at);
-      return OV_EINVAL;
-    }
-    ++count;
-  }
-  if (count % 4 != 0) return OV_EINVAL;
-  if (dstSize <= count / 4 * 3) return OV_EBUFFER;
-  return decode_groups(src, end, true, Output(dst, dstSize), outLen);
+  const std::optional<size_t> count = count_symbols(src, end);
+  if (!count || *count % 4 != 0) return OV_EINVAL;
+  if (dstSize <= *count / 4 * 3) return OV_EBUFFER;
+  return decode_groups(
+      src, end, Output(dst, dstSize), outLen,
+      [](const char** at, const char* last, char(&four)[4]) { fetch_group(at, last, true, four); });
 }
 
 ov_rc ov_str_mime_base64_to_buf(const char* src, size_t len, void* dst, size_t dstSize,
                                 size_t* outLen) {
   if (src == nullptr || dst == nullptr) return OV_EINVAL;
   const char* end = src + decoder_length(src, len);
-  Output out(dst, dstSize);
-  for (;;) {
-    char four[4];
-    ov_str_base64_next_chars(&src, end, four);
-    if (four[0] == kPadding) return out.finish(outLen);
-    if (const ov_rc error = ov_str_base64_chars_to_buf(four, &out.cursor, out.end)) return error;
-  }
+  return decode_groups(src, end, Output(dst, dstSize), outLen, &ov_str_base64_next_chars);
 }
 
 ov_rc ov_str_base64_to_buf_impl(const char* src, size_t len, void* dst, size_t dstSize,
@@ -133,7 +182,9 @@ ov_rc ov_str_base64_to_buf_impl(const char* src, size_t len, void* dst, size_t d
   const size_t length = decoder_length(src, len);
   if (length % 4 != 0) return OV_EINVAL;
   if (dstSize <= length / 4 * 3) return OV_EBUFFER;
-  return decode_groups(src, src + length, false, Output(dst, dstSize), outLen);
+  return decode_groups(
+      src, src + length, Output(dst, dstSize), outLen,
+      [](const char** at, const char* end, char(&four)[4]) { fetch_group(at, end, false, four); });
 }
 
 ov_rc ov_str_base64_chars_to_buf(const char four[4], uint8_t** cursor, uint8_t* end) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -72,6 +73,55 @@ TEST(Base64EncoderTest, ShufflesEncodeEveryPairOfValuesInEveryPlace) {
                 ov::base64_encode_by_shuffle(
                     alphabet, reinterpret_cast<const uint8_t*>(bytes.data()), 16, text.data()));
       ASSERT_EQ(expected, text);
+    }
+  }
+}
+
+// One way of the decoder on a text whose last groups may hold other characters.
+void compare_decoder(const std::string& symbols, std::string text, std::mt19937& random,
+                     size_t block,
+                     size_t (*decode_with)(const ov::Base64Alphabet&, const char*, size_t,
+                                           uint8_t*)) {
+  const ov::Base64Alphabet alphabet(symbols[62], symbols[63]);
+  size_t good = text.size() / block * block;
+  if (!text.empty() && random() % 2 == 0) {
+    const size_t fault = random() % text.size();
+    do {
+      text[fault] = static_cast<char>(random());
+    } while (symbols.find(text[fault]) != std::string::npos);
+    good = std::min(good, fault / block * block);
+  }
+  const std::vector<char> exact(text.begin(), text.end());
+  std::vector<uint8_t> bytes(good / 4 * 3 + 1, '#');
+  ASSERT_EQ(good, decode_with(alphabet, exact.data(), exact.size(), bytes.data()));
+  ASSERT_EQ('#', bytes.back());
+  const std::string decoded(bytes.begin(), bytes.end() - 1);
+  ASSERT_EQ(text.substr(0, good), slow_encode(decoded, symbols, false));
+}
+
+TEST(Base64DecoderTest, EveryWayOfTheDecoderStopsAtTheGroupAtFault) {
+  ASSERT_TRUE(ov::base64_can_shuffle()) << "this processor cannot show it";
+  std::mt19937 random(29);
+  for (int round = 0; round < 4000; ++round) {
+    const std::string& symbols = round % 2 == 0 ? kStandardAlphabet : kUrlAlphabet;
+    std::string text(random() % 120, 'A');
+    for (char& c : text) c = symbols[random() % 64];
+    ASSERT_NO_FATAL_FAILURE(compare_decoder(symbols, text, random, 4, &ov::base64_decode_by_table));
+    ASSERT_NO_FATAL_FAILURE(compare_decoder(symbols, text, random, 4, &ov::base64_decode_run));
+    ASSERT_NO_FATAL_FAILURE(
+        compare_decoder(symbols, text, random, 16, &ov::base64_decode_by_shuffle));
+  }
+}
+
+TEST(Base64DecoderTest, BlocksOfSymbolsEndAtAnyOtherByteInAnyPlace) {
+  const ov::Base64Alphabet alphabet('+', '/');
+  for (int byte = 0; byte < 256; ++byte) {
+    for (size_t place = 0; place < 48; ++place) {
+      std::string text(48, 'z');
+      text[place] = static_cast<char>(byte);
+      const bool symbol = kStandardAlphabet.find(text[place]) != std::string::npos;
+      ASSERT_EQ(symbol ? 48 : place / 16 * 16,
+                ov::base64_symbol_blocks(alphabet, text.data(), text.size()));
     }
   }
 }

@@ -25,7 +25,9 @@ ov_rc ov_str_base64url_to_buf(const char* src, size_t len, void* dst, size_t dst
   auto* out = static_cast<uint8_t*>(dst);
   const uint8_t* const begin = out;
   uint32_t bits = 0;
-  for (size_t i = 0; i < len; ++i) {
+  const size_t run = ov::base64_decode_run(kForUrls, src, len, out);
+  out += run / 4 * 3;
+  for (size_t i = run; i < len; ++i) {
     const uint8_t value = kForUrls.value(src[i]);
     if (value == ov::kBase64None) return OV_EINVAL;
     bits = bits << 6 | value;
