@@ -31,32 +31,47 @@ __attribute__((target("ssse3"))) __m128i split(__m128i bytes) {
   return _mm_or_si128(even, odd);
 }
 
-// All ones where the byte is between the two symbols, themselves included.
-__m128i between(__m128i bytes, char first, char last) {
-  return _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(first - 1))),
-                       _mm_cmpgt_epi8(_mm_set1_epi8(static_cast<char>(last + 1)), bytes));
-}
-
+// The values of 16 symbols.
 struct Values {
   __m128i bytes;
-  bool good;  // all 16 are symbols
+  __m128i known;  // all ones for each byte that is a symbol
 };
 
-// The values of 16 symbols: each byte and the distance that its kind has to its value.
-Values read_symbols(const ov::Base64Alphabet& alphabet, const char* src) {
+// What is the same for all blocks of a text.
+struct LastSymbols {
+  __m128i symbol62, symbol63;
+  explicit LastSymbols(const ov::Base64Alphabet& alphabet)
+      : symbol62(_mm_set1_epi8(alphabet.symbol62)), symbol63(_mm_set1_epi8(alphabet.symbol63)) {}
+};
+
+// All ones where the byte lies between the two symbols, themselves included.
+[[gnu::always_inline]] inline __m128i between(__m128i symbols, char first, char last) {
+  const __m128i above = _mm_cmpgt_epi8(symbols, _mm_set1_epi8(static_cast<char>(first - 1)));
+  return _mm_andnot_si128(_mm_cmpgt_epi8(symbols, _mm_set1_epi8(last)), above);
+}
+
+// Each value is the byte and the distance of its kind from its value. In line, or each block would
+// pay for saving the registers.
+[[gnu::always_inline]] inline Values read_symbols(const LastSymbols& last, const char* src) {
   const __m128i symbols = _mm_loadu_si128(reinterpret_cast<const __m128i*>(src));
-  const auto kind = [&symbols](char first, char last, int value, __m128i* known) {
-    const __m128i here = between(symbols, first, last);
-    *known = _mm_or_si128(*known, here);
-    return _mm_and_si128(here, _mm_set1_epi8(static_cast<char>(value - first)));
-  };
-  __m128i known = _mm_setzero_si128();
-  __m128i distance = kind('A', 'Z', 0, &known);
-  distance = _mm_or_si128(distance, kind('a', 'z', 26, &known));
-  distance = _mm_or_si128(distance, kind('0', '9', 52, &known));
-  distance = _mm_or_si128(distance, kind(alphabet.symbol62, alphabet.symbol62, 62, &known));
-  distance = _mm_or_si128(distance, kind(alphabet.symbol63, alphabet.symbol63, 63, &known));
-  return {_mm_add_epi8(symbols, distance), _mm_movemask_epi8(known) == 0xffff};
+  const __m128i upper = between(symbols, 'A', 'Z');
+  const __m128i lower = between(symbols, 'a', 'z');
+  const __m128i digit = between(symbols, '0', '9');
+  const __m128i is62 = _mm_cmpeq_epi8(symbols, last.symbol62);
+  const __m128i is63 = _mm_cmpeq_epi8(symbols, last.symbol63);
+  const __m128i letters = _mm_or_si128(_mm_and_si128(upper, _mm_set1_epi8(-'A')),
+                                       _mm_and_si128(lower, _mm_set1_epi8(26 - 'a')));
+  const __m128i plain =
+      _mm_add_epi8(symbols, _mm_or_si128(letters, _mm_and_si128(digit, _mm_set1_epi8(52 - '0'))));
+  const __m128i last_two = _mm_or_si128(is62, is63);
+  // 62, and one more for the last symbol, whose mask is -1.
+  const __m128i values62 = _mm_sub_epi8(_mm_set1_epi8(62), is63);
+  return {_mm_or_si128(_mm_andnot_si128(last_two, plain), _mm_and_si128(last_two, values62)),
+          _mm_or_si128(_mm_or_si128(upper, lower), _mm_or_si128(digit, last_two))};
+}
+
+[[gnu::always_inline]] inline bool all_known(const Values& values) {
+  return _mm_movemask_epi8(values.known) == 0xffff;
 }
 
 }  // namespace
@@ -92,9 +107,10 @@ __attribute__((target("ssse3"))) size_t base64_encode_by_shuffle(const Base64Alp
 }
 
 size_t base64_symbol_blocks(const Base64Alphabet& alphabet, const char* src, size_t len) {
+  const LastSymbols last(alphabet);
   size_t done = 0;
   for (; len - done >= kBlockSymbols; done += kBlockSymbols) {
-    if (!read_symbols(alphabet, src + done).good) break;
+    if (!all_known(read_symbols(last, src + done))) break;
   }
   return done;
 }
@@ -102,18 +118,19 @@ size_t base64_symbol_blocks(const Base64Alphabet& alphabet, const char* src, siz
 __attribute__((target("ssse3"))) size_t base64_decode_by_shuffle(const Base64Alphabet& alphabet,
                                                                  const char* src, size_t len,
                                                                  uint8_t* dst) {
+  const LastSymbols last(alphabet);
   size_t done = 0;
   for (; len - done >= kBlockSymbols; done += kBlockSymbols, dst += kBlockBytes) {
-    const Values values = read_symbols(alphabet, src + done);
-    if (!values.good) break;
+    const Values values = read_symbols(last, src + done);
+    if (!all_known(values)) break;
     // Two values become 12 bits, two of those 24, and the three bytes of each 24 move together.
     const __m128i pairs = _mm_maddubs_epi16(values.bytes, _mm_set1_epi32(0x01400140));
     const __m128i groups = _mm_madd_epi16(pairs, _mm_set1_epi32(0x00011000));
     const __m128i order = _mm_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1);
     const __m128i bytes = _mm_shuffle_epi8(groups, order);
     _mm_storel_epi64(reinterpret_cast<__m128i*>(dst), bytes);
-    const int last = _mm_cvtsi128_si32(_mm_srli_si128(bytes, 8));
-    std::memcpy(dst + 8, &last, sizeof last);
+    const int end = _mm_cvtsi128_si32(_mm_srli_si128(bytes, 8));
+    std::memcpy(dst + 8, &end, sizeof end);
   }
   return done;
 }

@@ -5,22 +5,11 @@
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_strings.h"
+#include "runtime/strings/utf8_ascii.h"
 #include "runtime/strings/utf8_sequence.h"
+#include "runtime/strings/utf_blocks.h"
 
 namespace {
-
-constexpr uint32_t kLastCodePoint = 0x10ffff;
-constexpr uint32_t kFirstSupplementary = 0x10000;
-
-constexpr bool is_surrogate(uint32_t value) {
-  return value >= 0xd800 && value <= 0xdfff;
-}
-constexpr bool is_high_surrogate(uint32_t value) {
-  return value >= 0xd800 && value <= 0xdbff;
-}
-constexpr bool is_low_surrogate(uint32_t value) {
-  return value >= 0xdc00 && value <= 0xdfff;
-}
 
 // Counts what it is given; the first pass of a conversion.
 struct Counter {
@@ -37,9 +26,9 @@ struct Writer {
 // Puts the units of UTF-16, or the code point itself where the unit holds it.
 template <typename Unit, typename Output>
 void put_units(uint32_t code_point, Output& output) {
-  if (sizeof(Unit) > 2 || code_point < kFirstSupplementary) return output.put(code_point);
-  output.put(0xd800 + ((code_point - kFirstSupplementary) >> 10));
-  output.put(0xdc00 + (code_point & 0x3ff));
+  if (sizeof(Unit) > 2 || code_point < ov::kFirstSupplementary) return output.put(code_point);
+  output.put(ov::high_surrogate(code_point));
+  output.put(ov::low_surrogate(code_point));
 }
 
 template <typename Output>
@@ -48,7 +37,7 @@ void put_utf8(uint32_t code_point, Output& output) {
   if (code_point < 0x800) {
     output.put(0xc0 | code_point >> 6);
   } else {
-    if (code_point < kFirstSupplementary) {
+    if (code_point < ov::kFirstSupplementary) {
       output.put(0xe0 | code_point >> 12);
     } else {
       output.put(0xf0 | code_point >> 18);
@@ -81,54 +70,90 @@ uint32_t value_of(Unit unit) {
   return std::bit_cast<std::make_unsigned_t<Unit>>(unit);
 }
 
+// Wide characters that hold a code point each.
 template <typename Unit, typename Output>
-bool units_to_utf8(const Unit* text, bool lenient, Output& output) {
+bool code_points_to_utf8(const Unit* text, bool lenient, Output& output) {
   for (; *text != 0; ++text) {
-    uint32_t code_point = value_of(*text);
-    if (sizeof(Unit) == 2 && is_high_surrogate(code_point) && is_low_surrogate(value_of(text[1]))) {
-      const uint32_t low = value_of(*++text);
-      code_point = kFirstSupplementary + ((code_point & 0x3ff) << 10) + (low & 0x3ff);
-    }
-    if (code_point > kLastCodePoint || (is_surrogate(code_point) && !lenient)) return false;
+    const uint32_t code_point = value_of(*text);
+    const bool ill = code_point > ov::kLastCodePoint || (ov::is_surrogate(code_point) && !lenient);
+    if (ill) return false;
     put_utf8(code_point, output);
   }
   output.put(0);
   return true;
 }
 
+// Takes the need in and tells whether there is as much room.
+ov_rc take_room(size_t need, size_t* bytes) {
+  const size_t available = *bytes;
+  *bytes = need;
+  return need > available ? OV_ERANGE : 0;
+}
+
 // Runs `pass` once to test and count and once to write.
 template <typename Unit, typename Pass>
-ov_rc convert(const void* src, Unit* dst, size_t* bytes, Pass pass) {
-  if (!src || !bytes || (!dst && *bytes != 0)) return OV_EINVAL;
+ov_rc convert(Unit* dst, size_t* bytes, Pass pass) {
   Counter counter;
   if (!pass(counter)) return OV_EINVAL;
-  const size_t available = *bytes;
-  *bytes = counter.count * sizeof(Unit);
-  if (*bytes > available) return OV_ERANGE;
+  if (const ov_rc error = take_room(counter.count * sizeof(Unit), bytes)) return error;
   Writer<Unit> writer{dst};
   pass(writer);
   return 0;
 }
 
+ov_rc utf8_to_utf16_by_blocks(const char* src, bool lenient, ov::Utf16Unit* dst, size_t* bytes) {
+  const auto* const text = reinterpret_cast<const uint8_t*>(src);
+  const size_t length = ov::text_length(text);
+  const auto [good, units] = ov::utf8_measure(text, length, lenient);
+  if (!good) return OV_EINVAL;
+  if (const ov_rc error = take_room((units + 1) * sizeof *dst, bytes)) return error;
+  ov::utf8_convert(text, length, dst, units);
+  dst[units] = 0;
+  return 0;
+}
+
+ov_rc utf16_to_utf8_by_blocks(const ov::Utf16Unit* src, bool lenient, char* dst, size_t* bytes) {
+  const size_t length = ov::text_length(src);
+  const auto [good, count] = ov::utf16_measure(src, length, lenient);
+  if (!good) return OV_EINVAL;
+  if (const ov_rc error = take_room(count + 1, bytes)) return error;
+  ov::utf16_convert(src, length, reinterpret_cast<uint8_t*>(dst), count);
+  dst[count] = 0;
+  return 0;
+}
+
+bool are_good(const void* src, const void* dst, const size_t* bytes) {
+  return src != nullptr && bytes != nullptr && (dst != nullptr || *bytes == 0);
+}
+
 template <typename Unit>
 ov_rc from_utf8(const char* src, int32_t flags, Unit* dst, size_t* bytes) {
-  return convert(src, dst, bytes, [src, flags](auto& output) {
+  if (!are_good(src, dst, bytes)) return OV_EINVAL;
+  if (sizeof(Unit) == sizeof(ov::Utf16Unit) && ov::utf8_can_measure()) {
+    return utf8_to_utf16_by_blocks(src, flags != 0, reinterpret_cast<ov::Utf16Unit*>(dst), bytes);
+  }
+  return convert(dst, bytes, [src, flags](auto& output) {
     return utf8_to_units<Unit>(src, flags != 0, output);
   });
 }
 
 template <typename Unit>
 ov_rc to_utf8(const Unit* src, int32_t flags, char* dst, size_t* bytes) {
-  return convert(src, dst, bytes,
-                 [src, flags](auto& output) { return units_to_utf8(src, flags != 0, output); });
+  if (!are_good(src, dst, bytes)) return OV_EINVAL;
+  if constexpr (sizeof(Unit) == sizeof(ov::Utf16Unit)) {
+    const auto* const units = reinterpret_cast<const ov::Utf16Unit*>(src);
+    return utf16_to_utf8_by_blocks(units, flags != 0, dst, bytes);
+  } else {
+    return convert(dst, bytes, [src, flags](auto& output) {
+      return code_points_to_utf8(src, flags != 0, output);
+    });
+  }
 }
 
 }  // namespace
 
 size_t ov_utf16_len(const uint16_t* text) {
-  size_t length = 0;
-  while (text != nullptr && text[length] != 0) ++length;
-  return length;
+  return text != nullptr ? ov::text_length(text) : 0;
 }
 
 ov_rc ov_utf8_to_utf16(const char* src, int32_t flags, uint16_t* dst, size_t* bytes) {

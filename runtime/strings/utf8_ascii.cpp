@@ -28,7 +28,40 @@ OV_READS_WHOLE_BLOCKS uint32_t other_bytes(const uint8_t* block) {
   return static_cast<uint32_t>(_mm_movemask_epi8(_mm_or_si128(bytes, zeros)));
 }
 
+// A bit for each byte of the block that is 0, and two for each unit that is.
+OV_READS_WHOLE_BLOCKS uint32_t zero_bytes(const void* block) {
+  const __m128i zeros = _mm_cmpeq_epi8(*static_cast<const __m128i*>(block), _mm_setzero_si128());
+  return static_cast<uint32_t>(_mm_movemask_epi8(zeros));
+}
+
+OV_READS_WHOLE_BLOCKS uint32_t zero_units(const void* block) {
+  const __m128i zeros = _mm_cmpeq_epi16(*static_cast<const __m128i*>(block), _mm_setzero_si128());
+  return static_cast<uint32_t>(_mm_movemask_epi8(zeros));
+}
+
+template <auto zeros_in, typename Unit>
+size_t length_of(const Unit* text) {
+  size_t length = 0;
+  for (; reinterpret_cast<uintptr_t>(text + length) % kBlockSize != 0; ++length) {
+    if (text[length] == 0) return length;
+  }
+  for (;; length += kBlockSize / sizeof(Unit)) {
+    if (const uint32_t zeros = zeros_in(text + length); zeros != 0) {
+      return length + static_cast<size_t>(std::countr_zero(zeros)) / sizeof(Unit);
+    }
+  }
+}
+
 }  // namespace
+
+size_t ov::text_length(const uint8_t* text) {
+  return length_of<&zero_bytes>(text);
+}
+
+size_t ov::text_length(const Utf16Unit* text) {
+  // A unit at an odd address is in two blocks; it is no unit of a compiler's.
+  return length_of<&zero_units>(text);
+}
 
 size_t ov::utf8_ascii_run(const uint8_t* text, size_t max) {
   size_t run = 0;

@@ -1,13 +1,19 @@
-// The part of UTF-8 text that needs no look at sequences.
+// What is found out about a text by whole blocks, with no look at sequences.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+
+#include "runtime/strings/utf_blocks.h"
 
 namespace ov {
 
 // Number of bytes at the start, of at most `max`, that are ASCII and not the terminator. Text with
 // a terminator may pass any `max`.
 size_t utf8_ascii_run(const uint8_t* text, size_t max);
+
+// Bytes or units before the terminator.
+size_t text_length(const uint8_t* text);
+size_t text_length(const Utf16Unit* text);
 
 }  // namespace ov

@@ -1,4 +1,4 @@
-// The rules of one UTF-8 sequence, by which all the UTF functions go.
+// The rules of one UTF-8 sequence and of surrogates, by which all the UTF functions go.
 #pragma once
 
 #include <cstddef>
@@ -52,6 +52,29 @@ constexpr size_t utf8_good_bytes(const uint8_t* text, size_t available, bool sur
     if (!good) return i;
   }
   return length;
+}
+
+constexpr uint32_t kLastCodePoint = 0x10ffff;
+constexpr uint32_t kFirstSupplementary = 0x10000;
+
+constexpr bool is_surrogate(uint32_t value) {
+  return value >= 0xd800 && value <= 0xdfff;
+}
+constexpr bool is_high_surrogate(uint32_t value) {
+  return value >= 0xd800 && value <= 0xdbff;
+}
+constexpr bool is_low_surrogate(uint32_t value) {
+  return value >= 0xdc00 && value <= 0xdfff;
+}
+
+constexpr uint32_t high_surrogate(uint32_t code_point) {
+  return 0xd800 + ((code_point - kFirstSupplementary) >> 10);
+}
+constexpr uint32_t low_surrogate(uint32_t code_point) {
+  return 0xdc00 + (code_point & 0x3ff);
+}
+constexpr uint32_t code_point_of_pair(uint32_t high, uint32_t low) {
+  return kFirstSupplementary + ((high & 0x3ff) << 10) + (low & 0x3ff);
 }
 
 }  // namespace ov

@@ -237,6 +237,45 @@ TEST(UtfTest, NothingIsReadBehindTheEndOfReadableMemory) {
   }
 }
 
+// Texts of several blocks, of which each sequence may be in two, with a fault or none.
+TEST(UtfTest, LongTextsAgreeWithTheTableAndComeBack) {
+  std::mt19937 random(31);
+  int good = 0;
+  for (int round = 0; round < 20000; ++round) {
+    std::string text;
+    const uint32_t limit = std::vector<uint32_t>{0x7f, 0x7ff, 0xffff, 0x10ffff}[random() % 4];
+    while (text.size() < 80) {
+      const uint32_t c = 1 + random() % limit;
+      if (!is_surrogate(c)) text += encode(random() % 3 == 0 ? 'a' : c);
+    }
+    if (round % 2 == 0) text[random() % text.size()] = static_cast<char>(1 + random() % 255);
+    const bool expected = slow_well_formed_length(text) == text.size();
+    good += expected ? 1 : 0;
+    const std::optional<Units> units = to_utf16(text, 0);
+    ASSERT_EQ(expected, units.has_value()) << round;
+    if (!expected) continue;
+    ASSERT_EQ(units, to_utf16(text, 1));
+    ASSERT_EQ(text, to_utf8(*units, 0));
+  }
+  EXPECT_LT(10000, good);
+  EXPECT_GT(20000, good);
+}
+
+TEST(UtfTest, SurrogatesInAnyPlaceOfALongTextGoThroughOnlyIfAllowed) {
+  for (size_t before = 0; before < 40; ++before) {
+    for (const uint32_t surrogate : {0xd800u, 0xdbffu, 0xdc00u, 0xdfffu}) {
+      const std::string text = std::string(before, 'a') + encode(surrogate) + "\xc3\xa9";
+      EXPECT_EQ(std::nullopt, to_utf16(text, 0));
+      Units expected(before, 'a');
+      expected.push_back(static_cast<uint16_t>(surrogate));
+      expected.push_back(0xe9);
+      EXPECT_EQ(expected, to_utf16(text, 1));
+      EXPECT_EQ(std::nullopt, to_utf8(expected, 0));
+      EXPECT_EQ(text, to_utf8(expected, 1));
+    }
+  }
+}
+
 TEST(UtfTest, RandomUnitsAgreeWithPairingThemByHand) {
   std::mt19937 random(17);
   for (int round = 0; round < 50000; ++round) {
