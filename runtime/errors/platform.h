@@ -1,4 +1,5 @@
-// What the base runtime needs of the platform's errors. Any thread may call it.
+// What the base runtime needs of the platform's errors, and the mark of a handle that there is not.
+// Any thread may call it.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +8,9 @@
 #include "runtime/ov_types.h"
 
 namespace ov {
+
+// The value of a handle that is closed: all ones.
+inline void* const kClosedHandle = reinterpret_cast<void*>(~uintptr_t{0});
 
 // The calling thread's last error of the system.
 uint32_t last_error();

@@ -3,12 +3,10 @@
 
 #include <cstdint>
 
+#include "runtime/errors/platform.h"
 #include "runtime/ov_files.h"
 
 namespace ov {
-
-// The value of a handle that is closed: all ones.
-inline void* const kClosedHandle = reinterpret_cast<void*>(~uintptr_t{0});
 
 // Codes that the platform gives for something that is not there, and for a path that does not lead
 // to a directory.

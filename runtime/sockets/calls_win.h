@@ -1,16 +1,20 @@
-// What the Windows sources of the sockets share: an owned socket, codes, and address records in the
-// system's form. Not part of the public header.
+// What the Windows sources of the sockets share: an owned socket, codes, address records in the
+// system's form, look-ups of addresses, and the call that receives a message with its control data.
+// Not part of the public header.
 #pragma once
 
 #include <winsock2.h>
+#include <mswsock.h>
 #include <ws2tcpip.h>
 
+#include <atomic>
 #include <cstring>
-
+#include <memory>
 #include <utility>
 
 #include "runtime/errors/last_code.h"
 #include "runtime/ov_sockets.h"
+#include "runtime/sockets/names.h"
 
 namespace ov {
 
@@ -77,5 +81,26 @@ inline ov_sock_addr to_record(const sockaddr* address) {
   memcpy(&addr, address, static_cast<size_t>(address_size(address->sa_family)));
   return addr;
 }
+
+struct FreeAddresses {
+  void operator()(addrinfo* head) const { freeaddrinfo(head); }
+};
+
+// The head of the list of results.
+using AddressList = std::unique_ptr<addrinfo, FreeAddresses>;
+
+// Looks a host and a port up; each may be null. The list is not empty on success.
+inline ov_rc look_up(const char* node, const char* service, const addrinfo& hints,
+                     AddressList* list) {
+  addrinfo* head = nullptr;
+  const int result = getaddrinfo(node, service, &hints, &head);
+  if (result != 0) return lookup_code(result, WSAGetLastError());
+  list->reset(head);
+  return head == nullptr ? WSAHOST_NOT_FOUND : 0;
+}
+
+// The system's call that receives a message with its control data; null until a socket has asked
+// for it; the same for all sockets.
+extern std::atomic<LPFN_WSARECVMSG> receive_message;
 
 }  // namespace ov

@@ -1,10 +1,43 @@
-// Start and end of sockets, and the plain calls on one.
-#include <winsock2.h>
+// Start and end of sockets, and the plain calls on one, with arrays of buffers too.
+#include <cstdint>
+#include <limits>
 
 #include "runtime/ov_errors.h"
-#include "runtime/ov_sockets.h"
+#include "runtime/sockets/calls_win.h"
 
 static_assert(sizeof(ov_sock) == sizeof(SOCKET) && INVALID_SOCKET == ~ov_sock{0});
+
+namespace {
+
+// The platform's constants are unsigned, its function takes them signed.
+constexpr int32_t kBlockingCommand = static_cast<int32_t>(FIONBIO);
+constexpr int32_t kWaitingCommand = static_cast<int32_t>(FIONREAD);
+
+ov_rc set_nonblocking(ov_sock* sock, uint32_t on) {
+  return ov_sock_ioctl(sock, kBlockingCommand, &on);
+}
+
+bool lacks(const ov_sock* sock, const WSABUF* buffers, int32_t n, const uint32_t* bytes) {
+  return sock == nullptr || bytes == nullptr || n < 0 || (buffers == nullptr && n > 0);
+}
+
+uint32_t room(const WSABUF* buffers, int32_t n) {
+  uint64_t sum = 0;
+  for (int32_t i = 0; i < n; ++i) sum += buffers[i].len;
+  constexpr uint64_t kMost = std::numeric_limits<uint32_t>::max();
+  return static_cast<uint32_t>(sum < kMost ? sum : kMost);
+}
+
+ov_rc receive(const ov_sock* sock, WSABUF* buffers, int32_t n, uint32_t* bytes, DWORD flags) {
+  DWORD moved = 0;
+  const int result =
+      WSARecv(*sock, buffers, static_cast<DWORD>(n), &moved, &flags, nullptr, nullptr);
+  const ov_rc error = ov::socket_code(result);
+  *bytes = error == 0 ? static_cast<uint32_t>(moved) : 0;
+  return error;
+}
+
+}  // namespace
 
 ov_rc ov_sock_init(void) {
   constexpr WORD kVersion = 514;  // 2.2
@@ -42,18 +75,6 @@ ov_rc ov_sock_ioctl(ov_sock* sock, int32_t command, uint32_t* argument) {
   return 0;
 }
 
-namespace {
-
-// The platform's constants are unsigned, its function takes them signed.
-constexpr int32_t kBlockingCommand = static_cast<int32_t>(FIONBIO);
-constexpr int32_t kWaitingCommand = static_cast<int32_t>(FIONREAD);
-
-ov_rc set_nonblocking(ov_sock* sock, uint32_t on) {
-  return ov_sock_ioctl(sock, kBlockingCommand, &on);
-}
-
-}  // namespace
-
 ov_rc ov_sock_set_blocking(ov_sock* sock) {
   return set_nonblocking(sock, 0);
 }
@@ -74,6 +95,28 @@ ov_rc ov_sock_get_tcp_inq_size(ov_sock* sock, int32_t* size) {
   uint32_t waiting = 0;
   const ov_rc error = ov_sock_ioctl(sock, kWaitingCommand, &waiting);
   if (error == 0) *size = static_cast<int32_t>(waiting);
+  return error;
+}
+
+ov_rc ov_sock_readv(ov_sock* sock, WSABUF* buffers, int32_t n, uint32_t* bytes) {
+  if (lacks(sock, buffers, n, bytes)) return OV_EINVAL;
+  return receive(sock, buffers, n, bytes, 0);
+}
+
+ov_rc ov_sock_peekv(ov_sock* sock, WSABUF* buffers, int32_t n, uint32_t* bytes) {
+  if (lacks(sock, buffers, n, bytes)) return OV_EINVAL;
+  const ov_rc error = receive(sock, buffers, n, bytes, MSG_PEEK);
+  if (error != WSAEMSGSIZE) return error;
+  *bytes = room(buffers, n);  // a message that is longer has filled them all
+  return 0;
+}
+
+ov_rc ov_sock_writev(ov_sock* sock, WSABUF* buffers, int32_t n, uint32_t* bytes) {
+  if (lacks(sock, buffers, n, bytes)) return OV_EINVAL;
+  DWORD moved = 0;
+  const int result = WSASend(*sock, buffers, static_cast<DWORD>(n), &moved, 0, nullptr, nullptr);
+  const ov_rc error = ov::socket_code(result);
+  *bytes = error == 0 ? static_cast<uint32_t>(moved) : 0;
   return error;
 }
 

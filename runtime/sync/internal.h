@@ -5,12 +5,10 @@
 
 #include <atomic>
 
+#include "runtime/errors/platform.h"
 #include "runtime/ov_threads.h"
 
 namespace ov {
-
-// The value of a handle that is closed: all ones.
-inline void* const kClosedObject = reinterpret_cast<void*>(~uintptr_t{0});
 
 // Codes of the family.
 constexpr ov_rc kNotOwner = 1;

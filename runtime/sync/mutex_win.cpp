@@ -65,7 +65,7 @@ ov_rc ov_mutex_init(ov_mutex* m) {
   if (m == nullptr) return OV_EINVAL;
   *m = {};
   InitializeCriticalSection(section(m));
-  m->mutex = kClosedObject;
+  m->mutex = kClosedHandle;
   return 0;
 }
 
@@ -78,7 +78,7 @@ ov_rc ov_mutex_init_recursive(ov_mutex* m) {
 ov_rc ov_mutex_destroy(ov_mutex* m) {
   if (m == nullptr) return OV_EINVAL;
   DeleteCriticalSection(section(m));
-  if (m->mutex == kClosedObject) return 0;
+  if (m->mutex == kClosedHandle) return 0;
   const ov_rc error = code_of(CloseHandle(m->mutex));
   if (error != 0) ov_log("ov_mutex_destroy, CloseHandle failed, err=%d", error);
   return error;

@@ -12,7 +12,7 @@ using namespace ov;
 namespace {
 
 bool is_open(const ov_thread* thread) {
-  return thread != nullptr && thread->handle != kClosedObject && thread->handle != nullptr;
+  return thread != nullptr && thread->handle != kClosedHandle && thread->handle != nullptr;
 }
 
 ov_rc join_failed(ov_rc error) {
@@ -55,7 +55,7 @@ ov_rc ov_thread_join(ov_thread* thread) {
     return join_failed(result == WAIT_FAILED ? last_code() : static_cast<ov_rc>(result));
   }
   CloseHandle(thread->handle);
-  thread->handle = kClosedObject;
+  thread->handle = kClosedHandle;
   return 0;
 }
 

@@ -32,7 +32,7 @@ ov_rc init(ov_mutex* m, bool recursive) {
   if (m == nullptr) return OV_EINVAL;
   *m = {};
   m->recursive = recursive ? 1 : 0;
-  m->mutex = kClosedObject;
+  m->mutex = kClosedHandle;
   pthread_mutexattr_t attributes;
   pthread_mutexattr_init(&attributes);
   pthread_mutexattr_settype(&attributes,

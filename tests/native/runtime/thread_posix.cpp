@@ -48,7 +48,7 @@ void* run(void* argument) {
 
 std::shared_ptr<State>* state_of(const ov_thread* thread) {
   const bool open =
-      thread != nullptr && thread->handle != nullptr && thread->handle != kClosedObject;
+      thread != nullptr && thread->handle != nullptr && thread->handle != kClosedHandle;
   return open ? static_cast<std::shared_ptr<State>*>(thread->handle) : nullptr;
 }
 
@@ -92,7 +92,7 @@ ov_rc ov_thread_join(ov_thread* thread) {
     return error;
   }
   delete state;
-  thread->handle = kClosedObject;
+  thread->handle = kClosedHandle;
   return 0;
 }
 

@@ -1,7 +1,6 @@
-// Datagrams with the address that they were sent to.
-#include "runtime/sockets/dstaddr_win.h"
-
+// Datagrams with the time of their arrival, and with the address that they were sent to.
 #include "runtime/ov_log.h"
+#include "runtime/ov_time.h"
 #include "runtime/sockets/calls_win.h"
 
 namespace ov {
@@ -11,6 +10,26 @@ std::atomic<LPFN_WSARECVMSG> receive_message = nullptr;
 }  // namespace ov
 
 namespace {
+
+// Precisions of the caller's timer. The first is the lowest, which the caller should have replaced.
+constexpr int32_t kLowest = 1;
+constexpr int32_t kMiddle = 2;
+constexpr int32_t kHighest = 3;
+
+constexpr int32_t kFailed = -1;
+
+bool lacks(const ov_sock* sock, const void* buffer, int32_t size) {
+  return sock == nullptr || buffer == nullptr || size < 0;
+}
+
+// The number of bytes, or less than 0 with the code in `*error`.
+int32_t receive(const ov_sock* sock, void* buffer, int32_t size, ov_rc* error) {
+  *error = OV_EINVAL;
+  if (lacks(sock, buffer, size)) return kFailed;
+  const int32_t bytes = recv(*sock, static_cast<char*>(buffer), size, 0);
+  if (bytes < 0) *error = ov::last_code();
+  return bytes;
+}
 
 static_assert(SIO_GET_EXTENSION_FUNCTION_POINTER == 0xC8000006);
 
@@ -82,6 +101,33 @@ void log_destination(const ov_sock_addr* dst) {
 }
 
 }  // namespace
+
+int32_t ov_sock_send_udp_ts(ov_sock* sock, const void* buffer, int32_t size, ov_timeval*,
+                            int32_t level) {
+  if (level == kLowest) OV_DEBUG("Warning: pre-specified timer precision level incorrect");
+  const bool sent =
+      !lacks(sock, buffer, size) && send(*sock, static_cast<const char*>(buffer), size, 0) == size;
+  if (sent) return size;
+  OV_DEBUG("ov_send_udp_pkt_ts(sock_snd_dat,snd_buf), send");
+  return kFailed;
+}
+
+int32_t ov_sock_recv_udp_ts(ov_sock* sock, void* buffer, int32_t size, ov_timeval* time,
+                            int32_t level) {
+  if (level == kLowest) return 0;
+  if (level != kMiddle && level != kHighest) {
+    OV_DEBUG("invalid timer precision level");
+    return kFailed;
+  }
+  ov_rc error = 0;
+  const int32_t bytes = receive(sock, buffer, size, &error);
+  if (bytes < 0) {
+    OV_DEBUG("recv(udp_fd) bytes=%d size=%d error=%d", bytes, size, error);
+    return kFailed;
+  }
+  if (time != nullptr) ov_time_gettimeofday(time);
+  return bytes;
+}
 
 ov_rc ov_sock_set_recvmsg_dstaddr(ov_sock* sock, int32_t isIpv6) {
   if (sock == nullptr) return OV_EINVAL;

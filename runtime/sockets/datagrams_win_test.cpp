@@ -1,4 +1,4 @@
-#include "runtime/sockets/dstaddr_win.h"
+#include "runtime/sockets/calls_win.h"
 
 #include <ws2tcpip.h>
 
