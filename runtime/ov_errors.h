@@ -60,6 +60,15 @@ OV_BEGIN_DECLS
 #define OV_ERR_END 28711
 #define OV_ERR_COUNT 39
 
+/* Numbers of the platform's waits and sockets that functions here name. */
+#define OV_ENOTOWNER 1
+#define OV_EABANDONED 128
+#define OV_EWAITTIMEOUT 258
+#define OV_EWOULDBLOCK 10035
+#define OV_EMSGSIZE 10040
+#define OV_ENOTCONN 10057
+#define OV_ETIMEDOUT 10060
+
 /* Messages of the private codes, indexed by code minus OV_ERR_FIRST, and their number. */
 OV_DATA const int32_t g_ov_err_count;
 OV_DATA const char* const g_ov_err_table[OV_ERR_COUNT];

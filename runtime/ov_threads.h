@@ -1,9 +1,11 @@
 /* Mutexes, conditions and threads of the base runtime. Part of ov_runtime.h.
 
-   Records are the caller's. Results are 0 or an error code: the system's, or one of those named at
-   the functions. Any thread may call anything here, but init and destroy must not overlap a use. */
+   Records are the caller's. Results are 0 or an error code: the system's, or one of those of
+   ov_errors.h that are named at the functions; a null record gives OV_EINVAL. Any thread may call
+   anything here, but init and destroy must not overlap a use. */
 #pragma once
 
+#include "runtime/ov_errors.h"
 #include "runtime/ov_types.h"
 
 OV_BEGIN_DECLS
@@ -53,20 +55,20 @@ ov_rc ov_mutex_init_recursive(ov_mutex* m);
 /* Frees what the record holds; nobody may hold the mutex. */
 ov_rc ov_mutex_destroy(ov_mutex* m);
 
-/* Allocates and initialises; 8 when out of memory. ov_mutex_dispose destroys, frees and sets null;
-   it tolerates null and a pointer to null. */
+/* Allocates and initialises; OV_ENOMEM when out of memory. ov_mutex_dispose destroys, frees and
+   sets null; it tolerates null and a pointer to null. */
 ov_rc ov_mutex_create(ov_mutex** out);
 void ov_mutex_dispose(ov_mutex** m);
 
 /* Waits for the mutex. A holder of a non-recursive mutex who acquires it again ends the process.
-   128 says that the last holder's thread ended while it held the lock. */
+   OV_EABANDONED says that the last holder's thread ended while it held the lock. */
 ov_rc ov_mutex_acquire(ov_mutex* m);
 
-/* The same without waiting: 10035 if the mutex is held (258 once a condition is tied to it), 183 if
-   the caller holds it and it is not recursive. */
+/* The same without waiting: OV_EWOULDBLOCK if the mutex is held (OV_EWAITTIMEOUT once a condition
+   is tied to it), OV_EEXIST if the caller holds it and it is not recursive. */
 ov_rc ov_mutex_acquire_nb(ov_mutex* m);
 
-/* Gives the mutex back; 1 if the caller does not hold it. */
+/* Gives the mutex back; OV_ENOTOWNER if the caller does not hold it. */
 ov_rc ov_mutex_release(ov_mutex* m);
 
 /* Ties a condition to a mutex, best right after ov_mutex_init: a thread that waits for the mutex at
@@ -80,8 +82,9 @@ ov_rc ov_cond_destroy(ov_cond* c);
  */
 ov_rc ov_cond_wait(ov_cond* c);
 
-/* The same with a relative time limit of {seconds, microseconds}; null waits without limit. 10060
-   when the time ran out, 22 when the wait failed; the mutex is held again in every case. */
+/* The same with a relative time limit of {seconds, microseconds}; null waits without limit.
+   OV_ETIMEDOUT when the time ran out, OV_EINVAL when the wait failed; the mutex is held again in
+   every case. */
 ov_rc ov_cond_timedwait(ov_cond* c, const int32_t sec_usec[2]);
 
 /* The same in milliseconds; a negative time waits without limit. */
@@ -105,12 +108,15 @@ ov_rc ov_sem_destroy(ov_sem* s);
 ov_rc ov_sem_post(ov_sem* s);
 
 /* Lowers the count by one, waiting while it is 0: without limit, or at most so many milliseconds,
-   and then 10035. */
+   and then OV_EWOULDBLOCK. -1 waits without limit too. */
 ov_rc ov_sem_wait(ov_sem* s);
 ov_rc ov_sem_trywait(ov_sem* s, int32_t milliseconds);
 
 /* Opens or makes the lock of this name, for the machine or for the session. It has no owner: any
-   thread may release it. */
+   thread may release it. The system knows it as the semaphore "Global\ov_mutex_NAME", or with
+   "Local\", where case counts and backslashes of the name have become slashes, so that a path may
+   be a name; the whole takes 519 bytes of UTF-8 at most, else OV_EBUFFER. A machine's lock may take
+   a privilege to make. On failure the record is null. */
 ov_rc ov_named_mutex_init(ov_named_mutex* m, const char* name);
 ov_rc ov_named_local_mutex_init(ov_named_mutex* m, const char* name);
 
@@ -118,16 +124,19 @@ ov_rc ov_named_local_mutex_init(ov_named_mutex* m, const char* name);
 ov_rc ov_named_mutex_destroy(ov_named_mutex* m);
 ov_rc ov_named_mutex_force_destroy(ov_named_mutex* m);
 
-/* Waits for the lock; 258, without waiting, from the second form if it is held. */
+/* Wait for the lock and give it back; the second form does not wait and gives OV_EWAITTIMEOUT if it
+   is held. OV_EBADF for a lock that is closed. */
 ov_rc ov_named_mutex_acquire(ov_named_mutex* m);
 ov_rc ov_named_mutex_acquire_nb(ov_named_mutex* m);
 ov_rc ov_named_mutex_release(ov_named_mutex* m);
 
-/* Starts a thread. With a null record it is detached, otherwise it is to be joined. 22 for a null
-   function. */
+/* Starts a thread. With a null record it is detached, otherwise it is to be joined, and the record
+   is filled before the thread runs. OV_EINVAL for a null function. */
 ov_rc ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument);
 
-/* Waits for the end of the thread and frees its handle; 6 for a thread that was joined before. */
+/* Waits for the end of the thread and frees its handle; OV_EBADF for a thread that was joined
+ * before.
+ */
 ov_rc ov_thread_join(ov_thread* thread);
 
 /* Sleeps. 0. */

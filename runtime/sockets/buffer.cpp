@@ -8,7 +8,6 @@ namespace ov {
 namespace {
 
 constexpr ov_rc kInterrupted = 4;
-constexpr ov_rc kWouldBlock = 10035;
 
 enum class Wait { kReady, kTimeUp, kFailed };
 
@@ -26,7 +25,7 @@ Wait wait_ready(Transport& transport, int64_t* slices) {
 }
 
 ov_rc failure(ov_rc error, uint32_t count) {
-  if (error == kWouldBlock) return count > 0 ? 0 : kWouldBlock;
+  if (error == OV_EWOULDBLOCK) return count > 0 ? 0 : OV_EWOULDBLOCK;
   ov_err("ov_buf_io: IO error (errno=%d)", error);
   return error;
 }

@@ -113,7 +113,7 @@ ov_rc ov_cond_wait(ov_cond* c) {
 ov_rc ov_cond_timedwait(ov_cond* c, const int32_t sec_usec[2]) {
   if (c == nullptr) return OV_EINVAL;
   const DWORD result = wait_for_signal(c, sec_usec == nullptr ? INFINITE : kernel_time(sec_usec));
-  if (result == WAIT_TIMEOUT) return kTimedOut;
+  if (result == WAIT_TIMEOUT) return OV_ETIMEDOUT;
   return result == WAIT_OBJECT_0 ? 0 : OV_EINVAL;
 }
 

@@ -10,13 +10,6 @@
 
 namespace ov {
 
-// Codes of the family.
-constexpr ov_rc kNotOwner = 1;
-constexpr ov_rc kAbandoned = 128;
-constexpr ov_rc kWaitTimeout = 258;
-constexpr ov_rc kWouldBlock = 10035;
-constexpr ov_rc kTimedOut = 10060;
-
 // Fields that one thread reads while another may write them.
 inline std::atomic_ref<uint32_t> owner_of(ov_mutex* m) {
   return std::atomic_ref(m->owner);

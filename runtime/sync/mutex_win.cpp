@@ -15,7 +15,7 @@ using namespace ov;
 
 static_assert(sizeof(ov_critical_section) == sizeof(CRITICAL_SECTION));
 static_assert(alignof(ov_critical_section) == alignof(CRITICAL_SECTION));
-static_assert(kAbandoned == WAIT_ABANDONED && kWaitTimeout == WAIT_TIMEOUT);
+static_assert(OV_EABANDONED == WAIT_ABANDONED && OV_EWAITTIMEOUT == WAIT_TIMEOUT);
 
 std::atomic<void (*)()> ov::reacquire_hook{nullptr};
 
@@ -43,7 +43,7 @@ ov_rc acquire_kernel_mutex(ov_mutex* m, DWORD milliseconds, const char* name) {
   }
   if (result == WAIT_ABANDONED) {
     ov_log("%s: wait abandoned", name);
-    return kAbandoned;
+    return OV_EABANDONED;
   }
   if (result != WAIT_OBJECT_0) {
     ov_log("%s: unknown err=%d:", name, static_cast<int>(result));
@@ -147,7 +147,7 @@ ov_rc ov_mutex_acquire_nb(ov_mutex* m) {
   if (m == nullptr) return OV_EINVAL;
   if (m->recursive == 0 && owner_of(m).load() == ov_thread_self()) return OV_EEXIST;
   if (switched_of(m).load() == 0) {
-    if (!TryEnterCriticalSection(section(m))) return kWouldBlock;
+    if (!TryEnterCriticalSection(section(m))) return OV_EWOULDBLOCK;
     if (switched_of(m).load() == 0) {
       note_acquired(m);
       return 0;
@@ -161,7 +161,7 @@ ov_rc ov_mutex_release(ov_mutex* m) {
   if (m == nullptr) return OV_EINVAL;
   if (!is_held_by_self(m)) {
     ov_log("Attempt to release mutex by non-owner thread");
-    return kNotOwner;
+    return OV_ENOTOWNER;
   }
   note_released(m);
   if (switched_of(m).load() == 0) {

@@ -76,4 +76,16 @@ TEST_F(SemaphoresSystemTest, NamedLockMayBeNamedByAPath) {
   EXPECT_EQ(0, ov_named_mutex_destroy(&b));
 }
 
+TEST_F(SemaphoresSystemTest, NamedLockMayHaveANameOfAnyLanguage) {
+  ov_named_mutex a;
+  ASSERT_EQ(0, ov_named_local_mutex_init(&a, "\xD0\x96\xC3\xA4\xE6\x97\xA5"));
+  const HANDLE same = CreateSemaphoreW(nullptr, 1, 1, L"Local\\ov_mutex_\u0416\u00E4\u65E5");
+  EXPECT_EQ(DWORD{ERROR_ALREADY_EXISTS}, GetLastError());
+  CloseHandle(same);
+  EXPECT_EQ(0, ov_named_mutex_destroy(&a));
+  EXPECT_EQ(22, ov_named_local_mutex_init(&a, "\xFF"));
+  EXPECT_EQ(nullptr, a);
+  EXPECT_EQ(Messages{"LOG ov_named_mutex_init failed, err=22"}, log_.take());
+}
+
 }  // namespace

@@ -23,7 +23,7 @@ ov_rc wait_for(ov_sem* s, DWORD milliseconds) {
   const bool open = *s != nullptr && *s != kClosedHandle;
   const DWORD result = open ? WaitForSingleObject(*s, milliseconds) : WAIT_FAILED;
   if (result == WAIT_OBJECT_0) return 0;
-  if (result == WAIT_TIMEOUT) return kWouldBlock;
+  if (result == WAIT_TIMEOUT) return OV_EWOULDBLOCK;
   auto error = static_cast<ov_rc>(result);
   if (result == WAIT_FAILED) error = open ? last_code() : OV_EBADF;
   ov_log("ov_sem_wait, not signalled, err=%d", error);
@@ -45,7 +45,10 @@ ov_rc init(ov_named_mutex* m, const char* space, const char* name) {
   // A path used as a name must not look like further namespaces.
   ov_path_convert_path_to_forward_slashes(text, sizeof text);
   text[strlen(space)] = '\\';
-  *m = CreateSemaphoreA(nullptr, 1, 1, text);
+  wchar_t wide[OV_PATH_SIZE];
+  size_t bytes = sizeof wide;
+  if (const ov_rc unread = ov_utf8_to_wchar(text, wide, &bytes)) return init_failed(unread);
+  *m = CreateSemaphoreW(nullptr, 1, 1, wide);
   return *m != nullptr ? 0 : init_failed(last_code());
 }
 
@@ -62,7 +65,7 @@ ov_rc acquire(ov_named_mutex* m, DWORD milliseconds, const char* name) {
   }
   if (result == WAIT_ABANDONED) {
     ov_log("%s: wait abandoned", name);
-    return kAbandoned;
+    return OV_EABANDONED;
   }
   ov_log("%s: unknown err=%d:", name, static_cast<int>(result));
   return static_cast<ov_rc>(result);

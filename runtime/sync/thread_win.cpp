@@ -15,6 +15,13 @@ bool is_open(const ov_thread* thread) {
   return thread != nullptr && thread->handle != kClosedHandle && thread->handle != nullptr;
 }
 
+constexpr DWORD kResumeFailed = ~DWORD{0};
+
+ov_rc spawn_failed(ov_rc error) {
+  ov_log("ov_thread_spawn failed, err=%d", error);
+  return error;
+}
+
 ov_rc join_failed(ov_rc error) {
   ov_log("ov_thread_join failed, err=%d", error);
   return error;
@@ -28,19 +35,22 @@ ov_rc ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument) 
     return OV_EINVAL;
   }
   DWORD id = 0;
-  const HANDLE handle = CreateThread(nullptr, 0, function, argument, 0, &id);
-  if (handle == nullptr) {
-    const ov_rc error = last_code();
-    ov_log("ov_thread_spawn failed, err=%d", error);
-    return error;
-  }
+  // A thread that has a record is let go when that is filled, for it may read it at once.
+  const DWORD flags = thread == nullptr ? 0 : CREATE_SUSPENDED;
+  const HANDLE handle = CreateThread(nullptr, 0, function, argument, flags, &id);
+  if (handle == nullptr) return spawn_failed(last_code());
   if (thread == nullptr) {
     CloseHandle(handle);
-  } else {
-    thread->handle = handle;
-    thread->id = static_cast<uint32_t>(id);
+    return 0;
   }
-  return 0;
+  thread->handle = handle;
+  thread->id = static_cast<uint32_t>(id);
+  if (ResumeThread(handle) != kResumeFailed) return 0;
+  const ov_rc error = spawn_failed(last_code());
+  TerminateThread(handle, 0);  // it has not run, and so holds nothing
+  CloseHandle(handle);
+  thread->handle = kClosedHandle;
+  return error;
 }
 
 ov_rc ov_thread_join(ov_thread* thread) {

@@ -340,6 +340,28 @@ TEST(ThreadTest, SpawnAndJoin) {
   EXPECT_EQ(~uintptr_t{0}, reinterpret_cast<uintptr_t>(thread.handle));
 }
 
+// A thread that reads the record it is joined by, at once.
+struct SelfReader {
+  ov_thread thread = {};
+  ov_thread seen = {};
+  static decltype(ov_thread_fn{}(nullptr)) run(void* argument) {
+    auto* const reader = static_cast<SelfReader*>(argument);
+    reader->seen = reader->thread;
+    return 0;
+  }
+};
+
+TEST(ThreadTest, RecordIsFilledWhenTheThreadRuns) {
+  for (int round = 0; round < 200; ++round) {
+    SelfReader reader;
+    ASSERT_EQ(0, ov_thread_spawn(&reader.thread, &SelfReader::run, &reader));
+    const ov_thread given = reader.thread;
+    ASSERT_EQ(0, ov_thread_join(&reader.thread));
+    ASSERT_EQ(given.id, reader.seen.id);
+    ASSERT_EQ(given.handle, reader.seen.handle);
+  }
+}
+
 TEST(ThreadTest, AliveTellsThatTheThreadIsOver) {
   Visit visit;
   visit.go = true;

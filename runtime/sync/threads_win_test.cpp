@@ -21,6 +21,7 @@ struct Faults {
   DWORD createSemaphore = 0;
   DWORD createEvent = 0;
   DWORD createThread = 0;
+  DWORD resumeThread = 0;
   DWORD closeHandle = 0;
   DWORD wait = WAIT_OBJECT_0;  // the result of the next wait for one object
   DWORD waitError = 0;
@@ -55,9 +56,24 @@ HANDLE WINAPI createEvent(LPSECURITY_ATTRIBUTES, BOOL, BOOL, LPCWSTR) {
   return CreateEventExW(nullptr, nullptr, 0, EVENT_ALL_ACCESS);
 }
 
-HANDLE WINAPI createThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE, LPVOID, DWORD,
-                           LPDWORD) {
-  return fail(faults.createThread);
+// A thread that may run does so to its end before its creator goes on.
+HANDLE WINAPI createThread(LPSECURITY_ATTRIBUTES attributes, SIZE_T stack,
+                           LPTHREAD_START_ROUTINE function, LPVOID argument, DWORD flags,
+                           LPDWORD id) {
+  static const auto real = reinterpret_cast<decltype(&CreateThread)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "CreateThread")));
+  if (faults.createThread != 0) return fail(faults.createThread);
+  const HANDLE thread = real(attributes, stack, function, argument, flags, id);
+  if ((flags & CREATE_SUSPENDED) == 0) WaitForSingleObjectEx(thread, INFINITE, FALSE);
+  return thread;
+}
+
+DWORD WINAPI resumeThread(HANDLE thread) {
+  static const auto real = reinterpret_cast<decltype(&ResumeThread)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "ResumeThread")));
+  if (faults.resumeThread == 0) return real(thread);
+  fail(faults.resumeThread);
+  return ~DWORD{0};
 }
 
 BOOL WINAPI closeHandle(HANDLE handle) {
@@ -90,6 +106,7 @@ decltype(&ReleaseMutex) __imp_ReleaseMutex = releaseMutex;
 decltype(&CreateSemaphoreW) __imp_CreateSemaphoreW = createSemaphore;
 decltype(&CreateEventW) __imp_CreateEventW = createEvent;
 decltype(&CreateThread) __imp_CreateThread = createThread;
+decltype(&ResumeThread) __imp_ResumeThread = resumeThread;
 decltype(&CloseHandle) __imp_CloseHandle = closeHandle;
 decltype(&WaitForSingleObject) __imp_WaitForSingleObject = waitForSingleObject;
 decltype(&SignalObjectAndWait) __imp_SignalObjectAndWait = signalObjectAndWait;
@@ -264,6 +281,34 @@ TEST_F(ThreadsWinTest, ThreadThatCannotStart) {
   EXPECT_EQ(8, ov_thread_spawn(
                    &thread, [](void*) -> DWORD { return 0; }, nullptr));
   EXPECT_EQ(Messages{"LOG ov_thread_spawn failed, err=8"}, log_.take());
+}
+
+// What a thread has seen of its own record.
+struct Seen {
+  ov_thread thread = {};
+  uint32_t id = 0;
+  static DWORD run(void* argument) {
+    auto* const seen = static_cast<Seen*>(argument);
+    seen->id = seen->thread.id;
+    return 0;
+  }
+};
+
+TEST_F(ThreadsWinTest, RecordIsFilledBeforeTheThreadCanReadIt) {
+  Seen seen;
+  ASSERT_EQ(0, ov_thread_spawn(&seen.thread, Seen::run, &seen));
+  EXPECT_EQ(0, ov_thread_join(&seen.thread));
+  EXPECT_EQ(seen.thread.id, seen.id);
+}
+
+TEST_F(ThreadsWinTest, ThreadThatCannotBeLetGo) {
+  faults.resumeThread = 5;
+  Seen seen;
+  EXPECT_EQ(5, ov_thread_spawn(&seen.thread, Seen::run, &seen));
+  EXPECT_EQ(Messages{"LOG ov_thread_spawn failed, err=5"}, log_.take());
+  EXPECT_EQ(INVALID_HANDLE_VALUE, seen.thread.handle);
+  EXPECT_EQ(1, faults.closed);
+  EXPECT_EQ(0U, seen.id);
 }
 
 TEST_F(ThreadsWinTest, JoinThatFails) {

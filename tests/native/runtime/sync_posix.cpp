@@ -103,16 +103,16 @@ ov_rc ov_mutex_acquire_nb(ov_mutex* m) {
     note_acquired(m);
     return 0;
   }
-  if (switched_of(m).load() == 0) return kWouldBlock;
-  ov_log("ov_mutex_acquire_nb: unknown err=%d:", kWaitTimeout);
-  return kWaitTimeout;
+  if (switched_of(m).load() == 0) return OV_EWOULDBLOCK;
+  ov_log("ov_mutex_acquire_nb: unknown err=%d:", OV_EWAITTIMEOUT);
+  return OV_EWAITTIMEOUT;
 }
 
 ov_rc ov_mutex_release(ov_mutex* m) {
   if (m == nullptr) return OV_EINVAL;
   if (!is_held_by_self(m)) {
     ov_log("Attempt to release mutex by non-owner thread");
-    return kNotOwner;
+    return OV_ENOTOWNER;
   }
   note_released(m);
   return pthread_mutex_unlock(native(m));
@@ -164,7 +164,7 @@ ov_rc ov_cond_timedwait(ov_cond* c, const int32_t sec_usec[2]) {
   end.tv_nsec %= 1000000000;
   const int error = wait_released(
       c, [c, &end] { return pthread_cond_timedwait(native(c), native(c->mutex), &end); });
-  if (error == ETIMEDOUT) return kTimedOut;
+  if (error == ETIMEDOUT) return OV_ETIMEDOUT;
   return error == 0 ? 0 : OV_EINVAL;
 }
 

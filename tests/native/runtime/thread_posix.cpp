@@ -22,6 +22,7 @@ thread_local uint32_t self_id = 0;
 // Shared by a thread and the record that joins it.
 struct State {
   pthread_t native;
+  std::atomic<bool> filled{false};  // the record is, and the thread may run
   std::atomic<bool> ended{false};
 };
 
@@ -42,6 +43,7 @@ void* run(void* argument) {
   const std::unique_ptr<Start> start(static_cast<Start*>(argument));
   const EndMark mark(start->state);  // also when ov_thread_exit unwinds
   self_id = start->id;
+  start->state->filled.wait(false);
   start->function(start->argument);
   return nullptr;
 }
@@ -76,6 +78,8 @@ ov_rc ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument) 
     thread->handle = new std::shared_ptr<State>(state);
     thread->id = id;
   }
+  state->filled = true;
+  state->filled.notify_one();
   return 0;
 }
 
