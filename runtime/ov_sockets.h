@@ -1,6 +1,12 @@
-/* Sockets of the base runtime. Part of ov_runtime.h. Results are 0 or an error code. */
+/* Sockets of the base runtime. Part of ov_runtime.h.
+
+   Results are 0 or an error code: the system's, or one of those of ov_errors.h that are named here;
+   a null pointer that is not said to be allowed gives OV_EINVAL. What a function stores is there on
+   success only, unless it says more, and no argument may overlap another but in ov_sock_copy_addr
+   and the two comparisons. */
 #pragma once
 
+#include "runtime/ov_errors.h"
 #include "runtime/ov_time.h"
 #include "runtime/ov_types.h"
 
@@ -50,7 +56,8 @@ ov_rc ov_sock_peekv(ov_sock* sock, struct _WSABUF* buffers, int32_t n, uint32_t*
 /* Receive or send `length` bytes; `*count` is what was moved, on failure too. The plain forms block
    until it is done. The others stop after `seconds` (0 for no limit): running out of time and a
    peer that closes are success with a short count. A last wait that succeeds is followed by calls
-   that block. On a non-blocking socket with nothing moved 10035; 22 for negative seconds. */
+   that block. On a non-blocking socket with nothing moved OV_EWOULDBLOCK; OV_EINVAL for negative
+   seconds, and `*count` is as it was. */
 ov_rc ov_buf_read(ov_sock* sock, void* buffer, uint32_t length, uint32_t* count);
 ov_rc ov_buf_write(ov_sock* sock, const void* buffer, uint32_t length, uint32_t* count);
 ov_rc ov_buf_read_tmout(ov_sock* sock, void* buffer, uint32_t length, uint32_t* count,
@@ -59,10 +66,12 @@ ov_rc ov_buf_write_tmout(ov_sock* sock, const void* buffer, uint32_t length, uin
                          int32_t seconds);
 
 /* A connected pair of TCP sockets on the loopback address, tried again while its port is in use.
-   The caller closes both; all ones on failure. */
+   The caller closes both; all ones on failure. OV_ETIMEDOUT when the two did not meet within 5
+   seconds. */
 ov_rc ov_sock_pair(ov_sock sockets[2]);
 
-/* Send and receive one datagram on a connected socket: its size in bytes, or -1. `level` is the
+/* Send and receive one datagram on a connected socket: its size in bytes, or -1, and then nothing
+   of use is in `buffer` and nothing was stored in `*time`, which may be null. `level` is the
    precision of the caller's timer, 1 to 3. Sending uses no time and all levels mean the same, with
    a debug line at level 1. Receiving stores the time of arrival in `*time` at levels 2 and 3;
    level 1 gives 0 without receiving, other levels -1. */
@@ -135,7 +144,11 @@ ov_rc ov_sock_get_tcp_outq_size(ov_sock* sock, int32_t* value);
 ov_rc ov_sock_get_timestamp(ov_sock* sock, int32_t* value);
 ov_rc ov_sock_set_timestamp(ov_sock* sock, int32_t* value);
 
-/* An address; all zero for none. `family` is 2 for IPv4 and 23 for IPv6; `port` and `ipv4` are in
+/* Families of addresses. */
+#define OV_SOCK_IPV4 2
+#define OV_SOCK_IPV6 23
+
+/* An address; all zero for none. `family` is one of the two; `port` and `ipv4` are in
    network order. */
 typedef struct {
   uint16_t family;
@@ -145,17 +158,18 @@ typedef struct {
   uint32_t scope_id;
 } ov_sock_addr;
 
-/* Copies what the family uses and tells the family by `*isIpv6`, which may be null. 22 for another
-   family. */
+/* Copies what the family uses and leaves the rest of `*to` alone; tells the family by `*isIpv6`,
+   which may be null. The two records may be one or overlap. OV_EINVAL for another family. */
 ov_rc ov_sock_copy_addr(ov_sock_addr* to, const ov_sock_addr* from, int32_t* isIpv6);
 
 /* The port as it is stored, in network order; 0 for an unknown family. */
 uint16_t ov_sock_get_port(const ov_sock_addr* addr);
 
-/* Stores a port given in the machine's order; 22 for an unknown family. */
+/* Stores a port given in the machine's order; OV_EINVAL for an unknown family. */
 ov_rc ov_sock_set_port(ov_sock_addr* addr, uint16_t port);
 
-/* Stores the number behind the "%" of an IPv6 text; 22 when there is none. */
+/* Stores the number behind the "%" of an IPv6 text; OV_EINVAL when there is none, and for one that
+   is no number of 32 bits. */
 ov_rc ov_sock_set_scope_id(ov_sock_addr* addr, const char* text);
 
 /* Compare the address, or port and address; `*answer` is 1 or 0. */
@@ -170,24 +184,26 @@ int32_t ov_sock_is_valid_mcast_addr(const ov_sock_addr* addr);
 /* `*answer` is 1 for IPv4 in 192.168.0.0/16, 172.16.0.0/12 or 10.0.0.0/8; else 0. */
 ov_rc ov_sock_is_private_network(const ov_sock_addr* addr, int32_t* answer);
 
-/* Numeric text from the address of that family (2 or 23) in `source`, and back. The text needs
-   `size` bytes, else 122; 65 hold every one. Reading stores the whole record, with a port or scope
-   that the text may have. */
+/* Numeric text from the address of that family in `source`, and back. The text needs
+   `size` bytes, else OV_ERANGE; 65 hold every one. Reading stores the whole record, with a port or
+   scope that the text may have. */
 ov_rc ov_sock_ntop(int32_t family, const ov_sock_addr* source, char* text, size_t size);
 ov_rc ov_sock_pton(int32_t family, const char* text, ov_sock_addr* destination);
 
 /* Reads IPv4 or IPv6 text: stores family and address and leaves port and scope alone; `isIpv6` may
-   be null. The second tells the family only; 22 for other text. */
+   be null. The second tells the family only; OV_EINVAL for other text. */
 ov_rc ov_sock_store_ipaddr(const char* text, ov_sock_addr* addr, int32_t* isIpv6);
 ov_rc ov_sock_ip6_or_ip4(const char* text, int32_t* isIpv6);
 
-/* Numeric text of an address; 22 for a size of 64 or less or an unknown family. The second also
-   tells the family, unless `isIpv6` is null. */
+/* Numeric text of an address; OV_EINVAL for a size of 64 or less or an unknown family. The second
+   also tells the family, unless `isIpv6` is null. */
 ov_rc ov_sock_get_ipaddrstr(const ov_sock_addr* addr, char* text, size_t size);
 ov_rc ov_sock_copy_ipaddrstr(const ov_sock_addr* addr, char* text, size_t size, int32_t* isIpv6);
 
 /* Looks up "host", "host:port" or "[IPv6]:port" and stores family, port and address of the first
-   result; without a port it is 0. 22 when the first result is of another family. */
+   result; without a port it is 0. The other fields keep what they held, which may be any scope:
+   zero the record first. OV_EINVAL when the first result is of another family. A failure leaves the
+   record alone. */
 ov_rc ov_sock_resolve_addr(const char* text, ov_sock_addr* addr);
 
 /* `*answer` is 1 for "localhost", "127.0.0.1", "::1" and a host with an address of this machine's
@@ -198,12 +214,17 @@ ov_rc ov_sock_is_localhost(const char* text, int32_t* answer);
 ov_rc ov_sock_is_local_address(const ov_sock_addr* addr, int32_t* answer);
 ov_rc ov_sock_is_local_interface_address(const ov_sock_addr* addr, int32_t* answer);
 
-/* The first IPv4 address of an adapter that is neither null nor loopback. 1 when no adapter has an
-   IPv4 address, 2 when all are null or loopback. */
+/* Results of ov_sock_get_1host_ipaddr beside the system's codes. */
+#define OV_SOCK_NO_ADDRESS 1
+#define OV_SOCK_NO_HOST_ADDRESS 2
+
+/* The first IPv4 address of an adapter that is neither null nor loopback. OV_SOCK_NO_ADDRESS when
+   no adapter has an IPv4 address, OV_SOCK_NO_HOST_ADDRESS when all are null or loopback. */
 ov_rc ov_sock_get_1host_ipaddr(ov_sock_addr* addr);
 
-/* Hardware address of the adapter with that address, as in "00:1b:44:11:3a:b7" (18 bytes). 22 for a
-   null or loopback address and one that no adapter has. `sock` is not read. */
+/* Hardware address of the adapter with that address, as in "00:1b:44:11:3a:b7" (18 bytes, else
+   OV_EBUFFER). OV_EINVAL for a null or loopback address and one that no adapter has. `sock` is not
+   read. */
 ov_rc ov_sock_get_mac_addr(ov_sock* sock, const ov_sock_addr* addr, char* text, size_t size);
 
 /* A socket that listens at, or is connected to, the first result of a look-up with which that
@@ -221,9 +242,9 @@ ov_rc ov_sock_create_client2(const char* local, const char* node, const char* se
 ov_rc ov_sock_set_recvmsg_dstaddr(ov_sock* sock, int32_t isIpv6);
 
 /* Receives one datagram: its size, its sender (`from` may be null), and the address that it was
-   sent to, without a port. 10040 when it is longer than `size`. 22 when the system did not tell the
-   destination, as for a socket that is not prepared; if it is prepared in another way, the
-   datagram, its size and sender are there all the same. */
+   sent to, without a port. OV_EMSGSIZE when it is longer than `size`. OV_EINVAL when the system did
+   not tell the destination, as for a socket that is not prepared; if it is prepared in another way,
+   the datagram, its size and sender are there all the same. */
 ov_rc ov_sock_recvmsg_dstaddr(ov_sock* sock, void* buffer, uint32_t size, uint32_t* bytes,
                               ov_sock_addr* from, ov_sock_addr* dst, int32_t isIpv6);
 

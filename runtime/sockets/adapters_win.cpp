@@ -97,13 +97,11 @@ ov_rc ov_sock_is_localhost(const char* text, int32_t* answer) {
 }
 
 ov_rc ov_sock_get_1host_ipaddr(ov_sock_addr* addr) {
-  constexpr ov_rc kNoAddress = 1;
-  constexpr ov_rc kNoneOfUse = 2;
   if (addr == nullptr) return OV_EINVAL;
-  ov_rc result = kNoAddress;
+  ov_rc result = OV_SOCK_NO_ADDRESS;
   const ov_rc error = find_address([&](const IP_ADAPTER_ADDRESSES&, const ov_sock_addr& own) {
     if (own.family != AF_INET) return false;
-    result = is_null_or_loopback(&own) ? kNoneOfUse : 0;
+    result = is_null_or_loopback(&own) ? OV_SOCK_NO_HOST_ADDRESS : 0;
     if (result == 0) *addr = own;
     return result == 0;
   });

@@ -11,20 +11,18 @@ static_assert(sizeof(ov_sock_addr) == 28 && offsetof(ov_sock_addr, ipv6) == 8);
 
 namespace {
 
-constexpr uint16_t kIpv4 = 2;
-constexpr uint16_t kIpv6 = 23;
 constexpr size_t kIpv4Size = 16;
 
 bool is_known(const ov_sock_addr* addr) {
-  return addr != nullptr && (addr->family == kIpv4 || addr->family == kIpv6);
+  return addr != nullptr && (addr->family == OV_SOCK_IPV4 || addr->family == OV_SOCK_IPV6);
 }
 
 bool is_ipv4(const ov_sock_addr* addr) {
-  return addr != nullptr && addr->family == kIpv4;
+  return addr != nullptr && addr->family == OV_SOCK_IPV4;
 }
 
 bool is_ipv6(const ov_sock_addr* addr) {
-  return addr != nullptr && addr->family == kIpv6;
+  return addr != nullptr && addr->family == OV_SOCK_IPV6;
 }
 
 // The four bytes in the order in which they are written.

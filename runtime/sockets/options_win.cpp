@@ -25,12 +25,6 @@ ov_rc get(const ov_sock* sock, int level, int number, Value* value) {
   return getsockopt(*sock, level, number, data, &bytes) == 0 ? 0 : WSAGetLastError();
 }
 
-// A call that this platform cannot make is a failed assertion.
-ov_rc no_counterpart() {
-  ov::count_failed_assert();
-  return 0;
-}
-
 }  // namespace
 
 ov_rc ov_sock_set_rcvbuf(ov_sock* sock, int64_t* value) {
@@ -161,63 +155,30 @@ ov_rc ov_sock_drp_ip_mcast_membership(ov_sock* sock, int32_t* value) {
   return set(sock, IPPROTO_IP, IP_DROP_MEMBERSHIP, value, sizeof(ip_mreq));
 }
 
+// One function with twenty names: what has no counterpart on this platform does nothing.
 ov_rc ov_sock_get_bindtodevice(ov_sock*, int32_t*) {
-  return no_counterpart();
+  ov::count_failed_assert();
+  return 0;
 }
-ov_rc ov_sock_set_bindtodevice(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_get_ip_mtudiscover(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_get_ip_rcverr(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_set_ip_rcverr(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_get_ip_tos(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_set_ip_tos(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_get_priority(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_set_priority(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_get_tcp_keepcnt(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_set_tcp_keepcnt(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_get_tcp_keepidl(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_set_tcp_keepidl(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_get_tcp_keepitvl(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_set_tcp_keepitvl(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_get_tcp_linger(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_set_tcp_linger(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_get_tcp_outq_size(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_get_timestamp(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
-ov_rc ov_sock_set_timestamp(ov_sock*, int32_t*) {
-  return no_counterpart();
-}
+#define OV_SOCK_SAME(name) \
+  ov_rc name(ov_sock*, int32_t*) __attribute__((alias("ov_sock_get_bindtodevice")))
+OV_SOCK_SAME(ov_sock_set_bindtodevice);
+OV_SOCK_SAME(ov_sock_get_ip_mtudiscover);
+OV_SOCK_SAME(ov_sock_get_ip_rcverr);
+OV_SOCK_SAME(ov_sock_set_ip_rcverr);
+OV_SOCK_SAME(ov_sock_get_ip_tos);
+OV_SOCK_SAME(ov_sock_set_ip_tos);
+OV_SOCK_SAME(ov_sock_get_priority);
+OV_SOCK_SAME(ov_sock_set_priority);
+OV_SOCK_SAME(ov_sock_get_tcp_keepcnt);
+OV_SOCK_SAME(ov_sock_set_tcp_keepcnt);
+OV_SOCK_SAME(ov_sock_get_tcp_keepidl);
+OV_SOCK_SAME(ov_sock_set_tcp_keepidl);
+OV_SOCK_SAME(ov_sock_get_tcp_keepitvl);
+OV_SOCK_SAME(ov_sock_set_tcp_keepitvl);
+OV_SOCK_SAME(ov_sock_get_tcp_linger);
+OV_SOCK_SAME(ov_sock_set_tcp_linger);
+OV_SOCK_SAME(ov_sock_get_tcp_outq_size);
+OV_SOCK_SAME(ov_sock_get_timestamp);
+OV_SOCK_SAME(ov_sock_set_timestamp);
+#undef OV_SOCK_SAME

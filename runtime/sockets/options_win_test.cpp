@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "runtime/ov_sockets.h"
+#include "tests/support/runtime/socket_fixture_win.h"
 
 namespace {
 
@@ -77,6 +78,16 @@ decltype(&getsockopt) __imp_getsockopt = getOption;
 }
 
 namespace {
+
+TEST(SocketNothingTest, IsOneFunctionWithTwentyNames) {
+  // The compiler takes functions of two names for two.
+  const volatile ov::SocketCall first = ov::kSocketNothing[0];
+  for (const volatile ov::SocketCall call : ov::kSocketNothing) {
+    const ov::SocketCall a = first;
+    const ov::SocketCall b = call;
+    EXPECT_EQ(a, b);
+  }
+}
 
 class SocketOptionsTest : public ::testing::Test {
  protected:

@@ -21,6 +21,19 @@ using Messages = std::vector<std::string>;
 
 constexpr ov_sock kClosedSocket = ~ov_sock{0};
 
+using SocketCall = ov_rc (*)(ov_sock*, int32_t*);
+
+// The calls that have no counterpart on this platform.
+constexpr SocketCall kSocketNothing[] = {
+    ov_sock_get_bindtodevice, ov_sock_set_bindtodevice, ov_sock_get_ip_mtudiscover,
+    ov_sock_get_ip_rcverr,    ov_sock_set_ip_rcverr,    ov_sock_get_ip_tos,
+    ov_sock_set_ip_tos,       ov_sock_get_priority,     ov_sock_set_priority,
+    ov_sock_get_tcp_keepcnt,  ov_sock_set_tcp_keepcnt,  ov_sock_get_tcp_keepidl,
+    ov_sock_set_tcp_keepidl,  ov_sock_get_tcp_keepitvl, ov_sock_set_tcp_keepitvl,
+    ov_sock_get_tcp_linger,   ov_sock_set_tcp_linger,   ov_sock_get_tcp_outq_size,
+    ov_sock_get_timestamp,    ov_sock_set_timestamp,
+};
+
 // The function of that name and type in a library of the system.
 template <typename Function>
 Function system_function(const char* library, const char* name) {
