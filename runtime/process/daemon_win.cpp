@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 
 #include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
@@ -16,6 +17,9 @@ using namespace ov;
 
 namespace {
 
+// In characters: the longest name that the service manager takes, with the terminator.
+constexpr size_t kNameSize = 257;
+
 // Set once and for good: a process is a service at most once.
 std::atomic<bool> is_daemon{false};
 
@@ -24,7 +28,7 @@ struct Daemon {
   int32_t (*function)(int32_t, char**);
   int32_t argc;
   char** argv;
-  const char* name;
+  wchar_t name[kNameSize];
 } daemon;
 
 // The state as the service manager knows it. The service's thread and that of the controls report;
@@ -63,9 +67,9 @@ void WINAPI handle_control(DWORD control) {
   service.reportStopping();
 }
 
-void WINAPI service_main(DWORD, char**) {
+void WINAPI service_main(DWORD, wchar_t**) {
   ov_log("Service main called");
-  const SERVICE_STATUS_HANDLE handle = RegisterServiceCtrlHandlerA(daemon.name, handle_control);
+  const SERVICE_STATUS_HANDLE handle = RegisterServiceCtrlHandlerW(daemon.name, handle_control);
   if (handle == nullptr) return;
   service.setHandle(handle);
   service.report(SERVICE_START_PENDING, 0);
@@ -110,14 +114,19 @@ ov_rc write_id(const char* path) {
 ov_rc ov_process_daemonize(int32_t (*function)(int32_t, char**), int32_t argc, char** argv,
                            const char* serviceName) {
   if (function == nullptr || serviceName == nullptr) return OV_EINVAL;
+  wchar_t name[kNameSize];
+  size_t bytes = sizeof name;
+  if (const ov_rc error = ov_utf8_to_wchar(serviceName, name, &bytes)) return error;
   if (is_daemon.exchange(true)) {
     OV_DEBUG("ov_process_daemonize(): already running as a daemon");
     return OV_EINVAL;
   }
-  daemon = {function, argc, argv, serviceName};
-  SERVICE_TABLE_ENTRYA table[] = {{const_cast<char*>(serviceName), service_main},
-                                  {nullptr, nullptr}};
-  if (!StartServiceCtrlDispatcherA(table)) return last_code();
+  daemon.function = function;
+  daemon.argc = argc;
+  daemon.argv = argv;
+  memcpy(daemon.name, name, bytes);
+  SERVICE_TABLE_ENTRYW table[] = {{daemon.name, service_main}, {nullptr, nullptr}};
+  if (!StartServiceCtrlDispatcherW(table)) return last_code();
   ExitProcess(0);
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "runtime/ov_process.h"
+#include "runtime/ov_strings.h"
 #include "tests/support/runtime/captured_log.h"
 
 namespace {
@@ -22,8 +23,15 @@ struct Manager {
   LPHANDLER_FUNCTION handler = nullptr;
 } manager;
 
-BOOL WINAPI startDispatcher(const SERVICE_TABLE_ENTRYA* table) {
-  manager.calls.push_back(std::string("start ") + table[0].lpServiceName);
+std::string utf8(const wchar_t* text) {
+  char out[1024];
+  size_t bytes = sizeof out;
+  EXPECT_EQ(0, ov_wchar_to_utf8(text, out, &bytes));
+  return out;
+}
+
+BOOL WINAPI startDispatcher(const SERVICE_TABLE_ENTRYW* table) {
+  manager.calls.push_back("start " + utf8(table[0].lpServiceName));
   EXPECT_EQ(nullptr, table[1].lpServiceName);
   EXPECT_EQ(nullptr, table[1].lpServiceProc);
   table[0].lpServiceProc(0, nullptr);
@@ -32,8 +40,8 @@ BOOL WINAPI startDispatcher(const SERVICE_TABLE_ENTRYA* table) {
   return FALSE;
 }
 
-SERVICE_STATUS_HANDLE WINAPI registerHandler(LPCSTR name, LPHANDLER_FUNCTION handler) {
-  manager.calls.push_back(std::string("register ") + name);
+SERVICE_STATUS_HANDLE WINAPI registerHandler(LPCWSTR name, LPHANDLER_FUNCTION handler) {
+  manager.calls.push_back("register " + utf8(name));
   manager.handler = handler;
   return manager.registers ? reinterpret_cast<SERVICE_STATUS_HANDLE>(&manager) : nullptr;
 }
@@ -50,8 +58,8 @@ BOOL WINAPI setStatus(SERVICE_STATUS_HANDLE handle, LPSERVICE_STATUS status) {
 }  // namespace
 
 extern "C" {
-decltype(&StartServiceCtrlDispatcherA) __imp_StartServiceCtrlDispatcherA = startDispatcher;
-decltype(&RegisterServiceCtrlHandlerA) __imp_RegisterServiceCtrlHandlerA = registerHandler;
+decltype(&StartServiceCtrlDispatcherW) __imp_StartServiceCtrlDispatcherW = startDispatcher;
+decltype(&RegisterServiceCtrlHandlerW) __imp_RegisterServiceCtrlHandlerW = registerHandler;
 decltype(&SetServiceStatus) __imp_SetServiceStatus = setStatus;
 }
 
@@ -84,11 +92,13 @@ TEST(ServiceTest, RunsOnceInAProcess) {
   EXPECT_EQ(22, ov_process_daemonize(nullptr, 0, nullptr, "x"));
   EXPECT_EQ(22, ov_process_daemonize(serve, 0, nullptr, nullptr));
   manager.registers = true;
-  EXPECT_EQ(1063, daemonize("tested"));
-  EXPECT_EQ(
-      (Messages{"start tested", "register tested", "state 2 controls 0", "state 4 controls 5",
-                "serve 1 one", "state 3 controls 5", "state 3 controls 5", "state 1 controls 0"}),
-      manager.calls);
+  EXPECT_EQ(122, daemonize(std::string(257, 'x').c_str()));
+  EXPECT_EQ(22, daemonize("\xFF"));
+  EXPECT_EQ(1063, daemonize("t\xC3\xA4sted"));
+  EXPECT_EQ((Messages{"start t\xC3\xA4sted", "register t\xC3\xA4sted", "state 2 controls 0",
+                      "state 4 controls 5", "serve 1 one", "state 3 controls 5",
+                      "state 3 controls 5", "state 1 controls 0"}),
+            manager.calls);
   EXPECT_EQ((Messages{"LOG Service main called", "LOG Process handler called (4)",
                       "LOG Process handler called (1)",
                       "LOG received SERVICE_CONTROL_STOP setting SERVICE_STOP_PENDING\n",

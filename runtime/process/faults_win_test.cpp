@@ -11,6 +11,7 @@
 #include "tests/support/runtime/captured_log.h"
 #include "tests/support/runtime/real_call_win.h"
 #include "tests/support/runtime/temp_folder.h"
+#include "tests/support/runtime/unreplaced_call_win.h"
 
 namespace {
 
@@ -24,6 +25,9 @@ struct Faults {
   bool shortWrite = false;
   DWORD error = 0;  // what a failed wait leaves
   DWORD flags = 0;  // of the last start
+  DWORD mode = 0;   // the thread's error mode during it, or while a library is loaded
+  STARTUPINFOW startup = {};
+  const STARTUPINFOW* ownStartup = nullptr;  // what this process is told of its own start
 } faults;
 
 BOOL fail(DWORD error) {
@@ -60,15 +64,32 @@ BOOL WINAPI createProcess(LPCWSTR program, LPWSTR command, LPSECURITY_ATTRIBUTES
                           LPCWSTR directory, LPSTARTUPINFOW startup,
                           LPPROCESS_INFORMATION started) {
   faults.flags = flags;
+  faults.mode = GetThreadErrorMode();
+  faults.startup = *startup;
   EXPECT_EQ(nullptr, directory);
   if (faults.start != 0) return fail(faults.start);
   return ov::real_call<decltype(&CreateProcessW)>(L"kernel32.dll", "CreateProcessW")(
       program, command, first, second, inherit, flags, block, directory, startup, started);
 }
 
+void WINAPI getStartupInfo(LPSTARTUPINFOW startup) {
+  if (faults.ownStartup != nullptr) {
+    *startup = *faults.ownStartup;
+  } else {
+    ov::unreplaced_call<decltype(&GetStartupInfoW)>(L"kernel32.dll", "GetStartupInfoW")(startup);
+  }
+}
+
+HMODULE WINAPI loadLibrary(LPCWSTR path) {
+  faults.mode = GetThreadErrorMode();
+  return ov::unreplaced_call<decltype(&LoadLibraryW)>(L"kernel32.dll", "LoadLibraryW")(path);
+}
+
 }  // namespace
 
 extern "C" {
+decltype(&GetStartupInfoW) __imp_GetStartupInfoW = getStartupInfo;
+decltype(&LoadLibraryW) __imp_LoadLibraryW = loadLibrary;
 decltype(&WaitForSingleObject) __imp_WaitForSingleObject = waitFor;
 decltype(&GetExitCodeProcess) __imp_GetExitCodeProcess = getExitCode;
 decltype(&WriteFile) __imp_WriteFile = writeFile;
@@ -149,6 +170,66 @@ TEST_F(ProcessFaultsTest, SpawnClosesItsHandlesWhateverTheWaitGives) {
     EXPECT_EQ(0, ov_process_spawn("cmd.exe /c exit 0", nullptr, 0));
     EXPECT_EQ(before, handleCount());
   }
+}
+
+// The streams that a child gets, with a pipe for its output only.
+STARTUPINFOW forkedStartup() {
+  faults.start = 5;
+  void* out = nullptr;
+  EXPECT_EQ(5, ov_process_fork(nullptr, "cmd.exe", nullptr, nullptr, nullptr, nullptr, nullptr,
+                               &out, nullptr));
+  return faults.startup;
+}
+
+TEST_F(ProcessFaultsTest, StreamWithoutAPipeIsThisProcesssOwn) {
+  int other = 0;
+  STARTUPINFOW own = {};
+  own.cb = sizeof own;
+  own.dwFlags = STARTF_USEHOTKEY;
+  own.hStdInput = own.hStdOutput = own.hStdError = &other;  // a hot key and a monitor
+  faults.ownStartup = &own;
+  const STARTUPINFOW child = forkedStartup();
+  EXPECT_EQ(DWORD{STARTF_USESTDHANDLES}, child.dwFlags);
+  EXPECT_EQ(GetStdHandle(STD_INPUT_HANDLE), child.hStdInput);
+  EXPECT_EQ(GetStdHandle(STD_ERROR_HANDLE), child.hStdError);
+  EXPECT_NE(GetStdHandle(STD_OUTPUT_HANDLE), child.hStdOutput);
+  EXPECT_NE(own.hStdOutput, child.hStdOutput);
+}
+
+TEST_F(ProcessFaultsTest, StreamsThatThisProcessWasStartedWithAreHandedOn) {
+  int input = 0;
+  int error = 0;
+  STARTUPINFOW own = {};
+  own.cb = sizeof own;
+  own.dwFlags = STARTF_USESTDHANDLES;
+  own.hStdInput = &input;
+  own.hStdError = &error;
+  faults.ownStartup = &own;
+  const STARTUPINFOW child = forkedStartup();
+  EXPECT_EQ(&input, child.hStdInput);
+  EXPECT_EQ(&error, child.hStdError);
+  EXPECT_NE(nullptr, child.hStdOutput);
+}
+
+TEST_F(ProcessFaultsTest, NoBoxStopsAStartOrALoad) {
+  const DWORD before = GetThreadErrorMode();
+  ASSERT_EQ(0U, before & SEM_FAILCRITICALERRORS);
+  faults.start = 21;
+  ov_process process;
+  const auto expectQuiet = [before] {
+    EXPECT_EQ(before | SEM_FAILCRITICALERRORS, faults.mode);
+    EXPECT_EQ(before, GetThreadErrorMode());
+    faults.mode = 0;
+  };
+  EXPECT_EQ(21, ov_process_create(&process, "a:/program.exe"));
+  expectQuiet();
+  EXPECT_EQ(21, ov_process_spawn("a:/program.exe", nullptr, 0));
+  expectQuiet();
+  forkedStartup();
+  expectQuiet();
+  ov_library library;
+  EXPECT_NE(0, ov_library_open(&library, "a:/library.dll"));
+  expectQuiet();
 }
 
 class PidFileFaultsTest : public ProcessFaultsTest {

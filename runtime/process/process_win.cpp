@@ -17,9 +17,6 @@ static_assert(sizeof(ov_process::user_name) == 1024 && sizeof(ov_process::domain
 
 namespace {
 
-constexpr int32_t kRunning = 0;
-constexpr int32_t kExited = 1;
-
 // All ones stands for this process in the system's eyes, not for a closed handle.
 bool is_open(const ov_process* process) {
   return process->process != nullptr && process->process != INVALID_HANDLE_VALUE;
@@ -28,6 +25,8 @@ bool is_open(const ov_process* process) {
 // In characters: the longest name, and the longest value that the system keeps, with terminators.
 constexpr size_t kNameSize = 8192;
 constexpr size_t kLongestValue = 32768;
+// The longest value that can be set: the system counts its bytes with the terminator in 16 bits.
+constexpr size_t kLongestSet = 32767;
 
 }  // namespace
 
@@ -37,10 +36,10 @@ ov_rc ov_process_exited(ov_process* process, int32_t* state, int32_t* exitCode) 
   DWORD code = 0;
   if (!GetExitCodeProcess(process->process, &code)) return last_code();
   if (code == STILL_ACTIVE) {
-    *state = kRunning;
+    *state = OV_PROCESS_RUNNING;
     return 0;
   }
-  *state = kExited;
+  *state = OV_PROCESS_EXITED;
   *exitCode = static_cast<int32_t>(code);
   close_token(process);
   CloseHandle(process->process);
@@ -63,15 +62,15 @@ ov_rc ov_process_wait(ov_process* process, int32_t milliseconds, int32_t* state)
   const DWORD result =
       open ? WaitForSingleObject(process->process, static_cast<DWORD>(milliseconds)) : WAIT_FAILED;
   if (result == WAIT_OBJECT_0) {
-    *state = 0;
+    *state = OV_PROCESS_WAIT_ENDED;
     close_token(process);
     return 0;
   }
   if (result == WAIT_TIMEOUT || result == WAIT_ABANDONED) {
-    *state = result == WAIT_TIMEOUT ? 1 : 2;
+    *state = result == WAIT_TIMEOUT ? OV_PROCESS_WAIT_TIMEOUT : OV_PROCESS_WAIT_ABANDONED;
     return 0;
   }
-  *state = 3;
+  *state = OV_PROCESS_WAIT_FAILED;
   return open ? last_code() : OV_EBADF;
 }
 
@@ -92,13 +91,13 @@ ov_rc ov_process_getenv(const char* name, char* buffer, size_t size) {
 
 ov_rc ov_process_setenv(const char* name, const char* value) {
   if (name == nullptr) return OV_EINVAL;
-  const std::unique_ptr<wchar_t[]> wide(new (std::nothrow) wchar_t[3 * kNameSize]);
+  const std::unique_ptr<wchar_t[]> wide(new (std::nothrow) wchar_t[kNameSize + kLongestSet]);
   if (wide == nullptr) return OV_ENOMEM;
   size_t bytes = kNameSize * sizeof(wchar_t);
   ov_rc error = ov_utf8_to_wchar(name, wide.get(), &bytes);
   if (error != 0) return error;
   wchar_t* const wideValue = wide.get() + kNameSize;
-  bytes = 2 * kNameSize * sizeof(wchar_t);
+  bytes = kLongestSet * sizeof(wchar_t);
   if (value != nullptr) error = ov_utf8_to_wchar(value, wideValue, &bytes);
   if (error != 0) return error;
   return code_of(SetEnvironmentVariableW(wide.get(), value == nullptr ? nullptr : wideValue));

@@ -164,8 +164,24 @@ TEST(ProcessesTest, SetEnvironment) {
   EXPECT_EQ(0, ov_process_setenv("OV_SET_\xC3\xA4", nullptr));
   EXPECT_EQ(22, ov_process_getenv("OV_SET_\xC3\xA4", out, sizeof out));
   EXPECT_EQ(122, ov_process_setenv(std::string(8192, 'x').c_str(), ""));
-  EXPECT_EQ(122, ov_process_setenv("x", std::string(16384, 'x').c_str()));
   EXPECT_EQ(22, ov_process_setenv(nullptr, ""));
+}
+
+TEST(ProcessesTest, SetEnvironmentUpToTheSystemsLimit) {
+  const std::string longest(32766, 'x');
+  ASSERT_EQ(0, ov_process_setenv("OV_LONG", longest.c_str()));
+  std::string out(longest.size() + 1, '#');
+  EXPECT_EQ(0, ov_process_getenv("OV_LONG", out.data(), out.size()));
+  EXPECT_EQ(longest, out.c_str());
+  EXPECT_EQ(122, ov_process_setenv("OV_LONG", (longest + "x").c_str()));
+}
+
+TEST(ProcessesTest, VariableThatDoesNotFitTheBuffer) {
+  char out[4];
+  ASSERT_EQ(0, ov_process_setenv("OV_FIT", "abcd"));
+  EXPECT_EQ(28677, ov_process_getenv("OV_FIT", out, sizeof out));
+  ASSERT_EQ(0, ov_process_setenv("OV_FIT", "\xE2\x82\xAC\xE2\x82\xAC"));  // two characters
+  EXPECT_EQ(122, ov_process_getenv("OV_FIT", out, sizeof out));
 }
 
 TEST(PidFileTest, HoldsTheIdAndOneLineFeed) {

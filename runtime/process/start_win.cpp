@@ -29,16 +29,28 @@ ov_rc start(wchar_t* command, void* environment, PROCESS_INFORMATION* started) {
   STARTUPINFOW startup;
   GetStartupInfoW(&startup);
   const DWORD flags = CREATE_NO_WINDOW | (environment == nullptr ? 0 : CREATE_UNICODE_ENVIRONMENT);
+  const QuietDrives quiet;
   return code_of(CreateProcessW(nullptr, command, nullptr, nullptr, FALSE, flags, environment,
                                 nullptr, &startup, started));
+}
+
+// Without handles of the parent's parent the fields for them hold something else: the number of a
+// monitor or a hot key.
+void use_own_streams(STARTUPINFOW* startup) {
+  startup->dwFlags &= ~DWORD{STARTF_USEHOTKEY};
+  startup->dwFlags |= STARTF_USESTDHANDLES;
+  startup->hStdInput = GetStdHandle(STD_INPUT_HANDLE);
+  startup->hStdOutput = GetStdHandle(STD_OUTPUT_HANDLE);
+  startup->hStdError = GetStdHandle(STD_ERROR_HANDLE);
 }
 
 ov_rc start_with_streams(ov_process* process, wchar_t* command, const ChildPipes& pipes) {
   STARTUPINFOW startup;
   GetStartupInfoW(&startup);
-  startup.dwFlags |= STARTF_USESTDHANDLES;
+  if ((startup.dwFlags & STARTF_USESTDHANDLES) == 0) use_own_streams(&startup);
   pipes.fill(&startup);
   PROCESS_INFORMATION started;
+  const QuietDrives quiet;
   if (!CreateProcessW(nullptr, command, nullptr, nullptr, pipes.any() ? TRUE : FALSE,
                       CREATE_NO_WINDOW | CREATE_UNICODE_ENVIRONMENT, nullptr, nullptr, &startup,
                       &started)) {

@@ -39,6 +39,24 @@ class KernelHandle {
   HANDLE handle_ = nullptr;
 };
 
+// While it lives this thread fails where the system would show a box: a drive without a disk, a
+// program or a library of another kind. The process's own mode, which children inherit, stays. Wine
+// shows no such boxes.
+class QuietDrives {
+ public:
+  QuietDrives()
+      : set_(SetThreadErrorMode(GetThreadErrorMode() | SEM_FAILCRITICALERRORS, &before_) != 0) {}
+  ~QuietDrives() {
+    if (set_) SetThreadErrorMode(before_, nullptr);
+  }
+  QuietDrives(const QuietDrives&) = delete;
+  QuietDrives& operator=(const QuietDrives&) = delete;
+
+ private:
+  DWORD before_ = 0;
+  const bool set_;
+};
+
 // A command line as wide text that the system may write into. Converts in the constructor; on the
 // stack at the usual lengths, else on the heap. `error` is not 0 when that failed.
 class WideCommand {

@@ -84,8 +84,10 @@ ov_rc ov_process_runas(ov_process* process, const ov_credentials* credentials) {
 }
 
 UserSession::~UserSession() {
-  if (profile_ != nullptr) UnloadUserProfile(process_->user_token, profile_);
+  // The user may not unload a profile, not even its own: that takes this process's own rights. Wine
+  // allows it to anybody.
   if (impersonates_) RevertToSelf();
+  if (profile_ != nullptr) UnloadUserProfile(process_->user_token, profile_);
   if (started_) Sleep(kPauseMilliseconds);
   if (environment_ != nullptr) DestroyEnvironmentBlock(environment_);
   close_token(process_);
@@ -118,6 +120,7 @@ ov_rc UserSession::start(wchar_t* command, const wchar_t* directory, const Child
   startup.wShowWindow = SW_HIDE;
   pipes.fill(&startup);
   PROCESS_INFORMATION started;
+  const QuietDrives quiet;
   if (!CreateProcessAsUserW(process_->user_token, nullptr, command, nullptr, nullptr,
                             pipes.any() ? TRUE : FALSE, kFlags, environment_, directory, &startup,
                             &started)) {

@@ -203,7 +203,7 @@ TEST_F(ProcessUserTest, StartsInTheProfile) {
   ASSERT_EQ(0, fork(nullptr));
   EXPECT_EQ((Messages{"LogonUser", "LoadUserProfile", "CreateEnvironmentBlock",
                       "ImpersonateLoggedOnUser", "GetUserProfileDirectory", "CreateProcessAsUser",
-                      "UnloadUserProfile", "RevertToSelf", "Sleep 500", "DestroyEnvironmentBlock"}),
+                      "RevertToSelf", "UnloadUserProfile", "Sleep 500", "DestroyEnvironmentBlock"}),
             told.calls);
   EXPECT_EQ(L"bob", told.profileUser);
   EXPECT_NE(L"", told.directory);
@@ -246,8 +246,8 @@ TEST_F(ProcessUserTest, EveryFailureUndoesWhatWasDone) {
       {"LoadUserProfile", {}},
       {"CreateEnvironmentBlock", {"UnloadUserProfile"}},
       {"ImpersonateLoggedOnUser", {"UnloadUserProfile", "DestroyEnvironmentBlock"}},
-      {"GetUserProfileDirectory", {"UnloadUserProfile", "RevertToSelf", "DestroyEnvironmentBlock"}},
-      {"CreateProcessAsUser", {"UnloadUserProfile", "RevertToSelf", "DestroyEnvironmentBlock"}},
+      {"GetUserProfileDirectory", {"RevertToSelf", "UnloadUserProfile", "DestroyEnvironmentBlock"}},
+      {"CreateProcessAsUser", {"RevertToSelf", "UnloadUserProfile", "DestroyEnvironmentBlock"}},
   };
   fork(nullptr);
   exitCode();
