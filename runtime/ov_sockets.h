@@ -26,7 +26,8 @@ ov_rc ov_sock_fini(void);
 /* Closes, and marks the record closed on success. */
 ov_rc ov_sock_close(ov_sock* sock);
 
-/* Ends sending, receiving or both (`how` 0, 1, 2); not being connected is success. */
+/* Ends sending, receiving or both (`how` 0, 1, 2); not being connected, OV_ENOTCONN, is
+   success. */
 ov_rc ov_sock_shutdown(ov_sock* sock, int32_t how);
 ov_rc ov_sock_shutdown_rw(ov_sock* sock);
 

@@ -3,12 +3,14 @@
 
 #include <windows.h>
 
+#include "runtime/errors/quiet_drives_win.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_paths.h"
 
 namespace ov {
 
-// Converts in the constructor; `error` is not 0 when that failed.
+// Converts in the constructor; `error` is not 0 when that failed. While it lives, a drive of the
+// path that has no disk is a failure and no box.
 struct WidePath {
   explicit WidePath(const char* path) {
     size_t bytes = sizeof text;
@@ -16,6 +18,7 @@ struct WidePath {
   }
   wchar_t text[OV_PATH_SIZE];
   ov_rc error;
+  const QuietDrives quiet;
 };
 
 }  // namespace ov

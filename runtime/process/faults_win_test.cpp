@@ -80,6 +80,13 @@ void WINAPI getStartupInfo(LPSTARTUPINFOW startup) {
   }
 }
 
+HANDLE WINAPI createFile(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes,
+                         DWORD disposition, DWORD flags, HANDLE sample) {
+  faults.mode = GetThreadErrorMode();
+  return ov::unreplaced_call<decltype(&CreateFileW)>(L"kernel32.dll", "CreateFileW")(
+      path, access, share, attributes, disposition, flags, sample);
+}
+
 HMODULE WINAPI loadLibrary(LPCWSTR path) {
   faults.mode = GetThreadErrorMode();
   return ov::unreplaced_call<decltype(&LoadLibraryW)>(L"kernel32.dll", "LoadLibraryW")(path);
@@ -89,6 +96,7 @@ HMODULE WINAPI loadLibrary(LPCWSTR path) {
 
 extern "C" {
 decltype(&GetStartupInfoW) __imp_GetStartupInfoW = getStartupInfo;
+decltype(&CreateFileW) __imp_CreateFileW = createFile;
 decltype(&LoadLibraryW) __imp_LoadLibraryW = loadLibrary;
 decltype(&WaitForSingleObject) __imp_WaitForSingleObject = waitFor;
 decltype(&GetExitCodeProcess) __imp_GetExitCodeProcess = getExitCode;
@@ -211,7 +219,7 @@ TEST_F(ProcessFaultsTest, StreamsThatThisProcessWasStartedWithAreHandedOn) {
   EXPECT_NE(nullptr, child.hStdOutput);
 }
 
-TEST_F(ProcessFaultsTest, NoBoxStopsAStartOrALoad) {
+TEST_F(ProcessFaultsTest, NoBoxStopsAStartALoadOrAnOpening) {
   const DWORD before = GetThreadErrorMode();
   ASSERT_EQ(0U, before & SEM_FAILCRITICALERRORS);
   faults.start = 21;
@@ -229,6 +237,9 @@ TEST_F(ProcessFaultsTest, NoBoxStopsAStartOrALoad) {
   expectQuiet();
   ov_library library;
   EXPECT_NE(0, ov_library_open(&library, "a:/library.dll"));
+  expectQuiet();
+  ov_file file;
+  EXPECT_NE(0, ov_file_openread("a:/file", &file));
   expectQuiet();
 }
 

@@ -6,7 +6,6 @@
 #include "runtime/ov_log.h"
 #include "runtime/ov_process.h"
 #include "runtime/paths/wide_path_win.h"
-#include "runtime/process/starting_win.h"
 
 using namespace ov;
 
@@ -23,7 +22,6 @@ ov_rc ov_library_open(ov_library* library, const char* path) {
   *library = nullptr;
   const WidePath wide(path);
   if (wide.error != 0) return wide.error;
-  const QuietDrives quiet;
   *library = LoadLibraryW(wide.text);
   return *library != nullptr ? 0 : last_code();
 }

@@ -45,7 +45,7 @@ bool isInherited(HANDLE handle) {
   return (flags & HANDLE_FLAG_INHERIT) != 0;
 }
 
-// Notes the record and refuses if told so.
+// Notes the record and refuses with its result.
 struct Hook {
   static ov_rc call(ov_process* process, void* argument) {
     Hook* const self = static_cast<Hook*>(argument);

@@ -8,6 +8,7 @@
 #include <new>
 #include <utility>
 
+#include "runtime/errors/quiet_drives_win.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_process.h"
 #include "runtime/ov_strings.h"
@@ -37,24 +38,6 @@ class KernelHandle {
 
  private:
   HANDLE handle_ = nullptr;
-};
-
-// While it lives this thread fails where the system would show a box: a drive without a disk, a
-// program or a library of another kind. The process's own mode, which children inherit, stays. Wine
-// shows no such boxes.
-class QuietDrives {
- public:
-  QuietDrives()
-      : set_(SetThreadErrorMode(GetThreadErrorMode() | SEM_FAILCRITICALERRORS, &before_) != 0) {}
-  ~QuietDrives() {
-    if (set_) SetThreadErrorMode(before_, nullptr);
-  }
-  QuietDrives(const QuietDrives&) = delete;
-  QuietDrives& operator=(const QuietDrives&) = delete;
-
- private:
-  DWORD before_ = 0;
-  const bool set_;
 };
 
 // A command line as wide text that the system may write into. Converts in the constructor; on the

@@ -24,6 +24,9 @@ static_assert(offsetof(ov_sock_addr, port) == offsetof(sockaddr_in6, sin6_port))
 static_assert(offsetof(ov_sock_addr, ipv4) == offsetof(sockaddr_in, sin_addr));
 static_assert(offsetof(ov_sock_addr, ipv6) == offsetof(sockaddr_in6, sin6_addr));
 static_assert(offsetof(ov_sock_addr, scope_id) == offsetof(sockaddr_in6, sin6_scope_id));
+static_assert(OV_SOCK_IPV4 == AF_INET && OV_SOCK_IPV6 == AF_INET6);
+static_assert(OV_EWOULDBLOCK == WSAEWOULDBLOCK && OV_EMSGSIZE == WSAEMSGSIZE);
+static_assert(OV_ENOTCONN == WSAENOTCONN && OV_ETIMEDOUT == WSAETIMEDOUT);
 
 // 0 for a call that succeeded with 0, else its code.
 inline ov_rc socket_code(int result) {

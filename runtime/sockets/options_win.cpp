@@ -1,10 +1,6 @@
 // Socket options: each function is one setsockopt or one getsockopt.
-#include <winsock2.h>
-#include <ws2tcpip.h>
-
-#include "runtime/ov_errors.h"
-#include "runtime/ov_sockets.h"
 #include "runtime/errors/asserts.h"
+#include "runtime/sockets/calls_win.h"
 
 namespace {
 
@@ -13,7 +9,7 @@ ov_rc set(const ov_sock* sock, int level, int number, const Value* value,
           int bytes = sizeof(Value)) {
   if (sock == nullptr || value == nullptr) return OV_EINVAL;
   const char* const data = reinterpret_cast<const char*>(value);
-  return setsockopt(*sock, level, number, data, bytes) == 0 ? 0 : WSAGetLastError();
+  return ov::socket_code(setsockopt(*sock, level, number, data, bytes));
 }
 
 template <typename Value>
@@ -22,7 +18,7 @@ ov_rc get(const ov_sock* sock, int level, int number, Value* value) {
   *value = {};  // the system may fill only a part
   int bytes = sizeof(Value);
   char* const data = reinterpret_cast<char*>(value);
-  return getsockopt(*sock, level, number, data, &bytes) == 0 ? 0 : WSAGetLastError();
+  return ov::socket_code(getsockopt(*sock, level, number, data, &bytes));
 }
 
 }  // namespace

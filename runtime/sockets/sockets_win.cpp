@@ -46,20 +46,19 @@ ov_rc ov_sock_init(void) {
 }
 
 ov_rc ov_sock_fini(void) {
-  return WSACleanup() == 0 ? 0 : WSAGetLastError();
+  return ov::socket_code(WSACleanup());
 }
 
 ov_rc ov_sock_close(ov_sock* sock) {
   if (sock == nullptr) return OV_EINVAL;
-  if (closesocket(*sock) != 0) return WSAGetLastError();
+  if (closesocket(*sock) != 0) return ov::last_code();
   *sock = INVALID_SOCKET;
   return 0;
 }
 
 ov_rc ov_sock_shutdown(ov_sock* sock, int32_t how) {
   if (sock == nullptr) return OV_EINVAL;
-  if (shutdown(*sock, how) == 0) return 0;
-  const ov_rc error = WSAGetLastError();
+  const ov_rc error = ov::socket_code(shutdown(*sock, how));
   return error == WSAENOTCONN ? 0 : error;
 }
 
@@ -70,7 +69,7 @@ ov_rc ov_sock_shutdown_rw(ov_sock* sock) {
 ov_rc ov_sock_ioctl(ov_sock* sock, int32_t command, uint32_t* argument) {
   if (sock == nullptr || argument == nullptr) return OV_EINVAL;
   u_long value = *argument;
-  if (ioctlsocket(*sock, command, &value) != 0) return WSAGetLastError();
+  if (ioctlsocket(*sock, command, &value) != 0) return ov::last_code();
   *argument = static_cast<uint32_t>(value);
   return 0;
 }
