@@ -1,5 +1,6 @@
 #include "threads/one_shot_manager.h"
 
+#include <atomic>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -8,7 +9,12 @@
 
 namespace Vantrel::Web {
 
-OneShotManager::OneShotManager() : messageWindow_(new (std::nothrow) WinMessageWindow) {
+namespace {
+std::atomic<uint64_t> lastId{0};
+}
+
+OneShotManager::OneShotManager()
+    : id_(++lastId), messageWindow_(new (std::nothrow) WinMessageWindow) {
   OV_DEBUG("%p OneShotManager()", static_cast<void*>(this));
 }
 

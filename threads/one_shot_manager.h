@@ -2,6 +2,7 @@
 // instance, made and destroyed on the browser's thread by its front end, which owns it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "threads/win_message_window.h"
@@ -20,7 +21,12 @@ class OneShotManager {
   // first. Throws std::runtime_error if it cannot be handed over; the argument stays the caller's.
   void scheduleAsyncCallback(AsyncFunction function, void* argument);
 
+  // Never given out again, unlike an address: what a gone instance has left pending is not taken
+  // for a later one's.
+  uint64_t id() const { return id_; }
+
  private:
+  const uint64_t id_;
   std::unique_ptr<WinMessageWindow> messageWindow_;  // null when memory ran out
 };
 

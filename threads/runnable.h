@@ -17,8 +17,7 @@ class Runnable {
   virtual std::string resultText() const { return {}; }
   // Does the work; may block in a modal loop.
   virtual void run() = 0;
-  // Ends or cancels the work, also while run() is active further up the same thread's stack. Must
-  // not call the scheduler, whose lock is held.
+  // Ends or cancels the work, also while run() is active further up the same thread's stack.
   virtual void stop() = 0;
 
  protected:

@@ -1,11 +1,12 @@
 #include "threads/runnable_scheduler.h"
 
-#include <exception>
 #include <map>
 #include <mutex>
+#include <utility>
+#include <vector>
 
 #include "runtime/ov_log.h"
-#include "threads/mutex.h"
+#include "threads/guarded.h"
 
 namespace Vantrel::Web {
 
@@ -16,65 +17,82 @@ struct RunnablePair {
   std::unique_ptr<Callback> callback;
 };
 
-std::unique_ptr<Mutex> schedulerMutex;  // exists between init and cleanup; guards pending
-std::multimap<Runnable*, OneShotManager*> pending;
+struct Pending {
+  uint64_t owner;      // the id of its OneShotManager
+  RunnablePair* pair;  // owned by the posted message, or by the record once a post has failed
+};
+
+using PendingRecord = std::multimap<Runnable*, Pending>;
+
+// Static like the record, so that both are there before init and after cleanup.
+std::mutex pendingMutex;  // guards the record
+
+// Never destroyed: the module may be unloaded while its work is still named here.
+PendingRecord& pending() {
+  static auto* const record = new PendingRecord;
+  return *record;
+}
+
+bool isPending(Runnable* runnable) {
+  const std::lock_guard<std::mutex> lock(pendingMutex);
+  return pending().contains(runnable);
+}
 
 }  // namespace
 
 void RunnableScheduler::init() {
   OV_DEBUG("RunnableScheduler::init()");
-  if (!schedulerMutex) schedulerMutex = std::make_unique<Mutex>();
 }
 
 void RunnableScheduler::cleanup() {
   OV_DEBUG("RunnableScheduler::cleanup()");
-  schedulerMutex.reset();
 }
 
 void RunnableScheduler::scheduleRunnable(OneShotManager* oneShotManager,
                                          std::unique_ptr<Runnable> runnable,
                                          std::unique_ptr<Callback> callback) {
   OV_DEBUG("RunnableScheduler::scheduleRunnable()");
-  {
-    const std::lock_guard<Mutex> lock(*schedulerMutex);
-    pending.emplace(runnable.get(), oneShotManager);
-  }
-  auto pair =
+  Runnable* const key = runnable.get();
+  auto owner =
       std::make_unique<RunnablePair>(RunnablePair{std::move(runnable), std::move(callback)});
-  try {
-    oneShotManager->scheduleAsyncCallback(handleRunnablePair, pair.get());
-  } catch (...) {
-    // The entry stays in the record, so what it names stays alive.
-    static_cast<void>(pair.release());
-    throw;
+  {
+    const std::lock_guard<std::mutex> lock(pendingMutex);
+    pending().emplace(key, Pending{oneShotManager->id(), owner.get()});
   }
-  static_cast<void>(pair.release());
+  // From here on nothing is freed but by its message: when the post fails, the entry stays, and so
+  // does what it names.
+  RunnablePair* const pair = owner.release();
+  oneShotManager->scheduleAsyncCallback(handleRunnablePair, pair);
 }
 
 void RunnableScheduler::handleRunnablePair(void* argument) {
   OV_DEBUG("RunnableScheduler - handleRunnablePair()");
   const std::unique_ptr<RunnablePair> pair(static_cast<RunnablePair*>(argument));
   Runnable* const runnable = pair->runnable.get();
-  try {
+  guarded([&pair, runnable] {
     runnable->run();
     if (pair->callback && !runnable->stopped()) pair->callback->handleCallback(runnable);
-    pair->callback.reset();
-  } catch (const std::exception& exception) {
-    // The window procedure that called us must not see it.
-    ov_err("%s", exception.what());
-  }
-  const std::lock_guard<Mutex> lock(*schedulerMutex);
-  pending.erase(runnable);
+  });
+  pair->callback.reset();
+  const std::lock_guard<std::mutex> lock(pendingMutex);
+  pending().erase(runnable);
 }
 
 void RunnableScheduler::stopRunnables(OneShotManager* oneShotManager) {
-  const std::lock_guard<Mutex> lock(*schedulerMutex);
-  OV_DEBUG("RunnableScheduler::stopRunnables() - osm=%p; size=%i",
-           static_cast<void*>(oneShotManager), static_cast<int>(pending.size()));
-  for (const auto& [runnable, owner] : pending) {
-    if (owner != oneShotManager) continue;
+  std::vector<Runnable*> own;
+  {
+    const std::lock_guard<std::mutex> lock(pendingMutex);
+    OV_DEBUG("RunnableScheduler::stopRunnables() - osm=%p; size=%i",
+             static_cast<void*>(oneShotManager), static_cast<int>(pending().size()));
+    for (const auto& [runnable, entry] : pending()) {
+      if (entry.owner == oneShotManager->id()) own.push_back(runnable);
+    }
+  }
+  for (Runnable* const runnable : own) {
+    // A stop may let windows work, and so end another one of these.
+    if (!isPending(runnable)) continue;
     OV_DEBUG("RunnableScheduler::stopRunnables() - stopping %p", static_cast<void*>(runnable));
-    runnable->stop();
+    guarded([runnable] { runnable->stop(); });
   }
 }
 

@@ -1,6 +1,6 @@
 // Runs Runnables from the browser's message loop and keeps record of what is pending, so that an
 // instance can stop its own work when it goes. Process-wide; used on the browser's thread only. Its
-// lock guards the record and is not held while a Runnable runs.
+// lock guards the record and is held neither while a Runnable runs nor while one is stopped.
 #pragma once
 
 #include <memory>
@@ -13,12 +13,14 @@ namespace Vantrel::Web {
 
 class RunnableScheduler {
  public:
-  // Once per load and unload of the module; a second call does nothing.
+  // Told in the log only: the record and its lock are always there. A dialog further up the stack
+  // still unwinds through its record when the module has ended.
   static void init();
   static void cleanup();
 
   // Runs `runnable` from a later turn of the message loop, then hands it to `callback` (may be
-  // null) unless it was stopped. Throws std::runtime_error if it cannot be handed over.
+  // null) unless it was stopped. Throws std::runtime_error if it cannot be handed over; the record
+  // then keeps both for good.
   static void scheduleRunnable(OneShotManager* oneShotManager, std::unique_ptr<Runnable> runnable,
                                std::unique_ptr<Callback> callback);
 

@@ -8,7 +8,7 @@
 
 namespace Vantrel::Web {
 
-// A function that lets no exception out, and its argument.
+// What it throws is logged and goes no further.
 using AsyncFunction = void (*)(void* argument);
 
 class WinMessageWindow {
@@ -27,6 +27,7 @@ class WinMessageWindow {
 
  private:
   void* hWnd_ = nullptr;
+  int32_t number_ = 0;  // of the window and of its class, counted from the module's load
 };
 
 }  // namespace Vantrel::Web

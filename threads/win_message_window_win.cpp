@@ -7,7 +7,8 @@
 #include <string>
 
 #include "runtime/ov_log.h"
-#include "threads/module_handle.h"
+#include "threads/guarded.h"
+#include "threads/platform.h"
 
 namespace Vantrel::Web {
 
@@ -28,20 +29,34 @@ LRESULT CALLBACK _WinProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
   if (message != kCallbackMessage) return DefWindowProcW(hWnd, message, wParam, lParam);
   OV_DEBUG("WinMessageWindow::_WinProc() - hWnd=%p", static_cast<void*>(hWnd));
   const std::unique_ptr<CallbackPair> pair(reinterpret_cast<CallbackPair*>(lParam));
-  pair->function(pair->argument);
+  guarded([&pair] { pair->function(pair->argument); });
   return 0;
 }
 
+HINSTANCE module() {
+  return static_cast<HINSTANCE>(moduleHandle());
+}
+
+std::wstring className(int32_t number) {
+  return L"OWEventWindow" + std::to_wstring(number);
+}
+
 // A class of its own for every window; one that exists already serves as well.
-void registerWindowClass(HINSTANCE module, const wchar_t* name) {
+void registerWindowClass(const std::wstring& name) {
   WNDCLASSEXW windowClass = {};
   windowClass.cbSize = sizeof windowClass;
   windowClass.lpfnWndProc = _WinProc;
-  windowClass.hInstance = module;
-  windowClass.lpszClassName = name;
-  if (!RegisterClassExW(&windowClass) && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) {
+  windowClass.hInstance = module();
+  windowClass.lpszClassName = name.c_str();
+  if (RegisterClassExW(&windowClass) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) {
     throw std::runtime_error("Could not register window class");
   }
+}
+
+// Each class holds one of the session's 16,384 atoms. On Windows, a window that goes while its own
+// procedure is further up the stack keeps its class, and then the atom stays taken.
+void unregisterWindowClass(int32_t number) {
+  UnregisterClassW(className(number).c_str(), module());
 }
 
 }  // namespace
@@ -49,14 +64,16 @@ void registerWindowClass(HINSTANCE module, const wchar_t* name) {
 WinMessageWindow::WinMessageWindow() {
   static int32_t count = 0;  // the browser's thread alone makes windows
   OV_DEBUG("WinMessageWindow() - count=%i", count);
-  const std::wstring number = std::to_wstring(count++);
-  const std::wstring title = L"OrvaneWebEventWindow" + number;
-  const std::wstring className = L"OWEventWindow" + number;
-  auto* const module = static_cast<HINSTANCE>(moduleHandle());
-  registerWindowClass(module, className.c_str());
-  hWnd_ = CreateWindowExW(0, className.c_str(), title.c_str(), WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE,
-                          nullptr, module, nullptr);
-  if (hWnd_ == nullptr) throw std::runtime_error("Could not create Message Window");
+  number_ = count++;
+  const std::wstring title = L"OrvaneWebEventWindow" + std::to_wstring(number_);
+  const std::wstring name = className(number_);
+  registerWindowClass(name);
+  hWnd_ = CreateWindowExW(0, name.c_str(), title.c_str(), WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE,
+                          nullptr, module(), nullptr);
+  if (hWnd_ == nullptr) {
+    unregisterWindowClass(number_);
+    throw std::runtime_error("Could not create Message Window");
+  }
   OV_DEBUG("WinMessageWindow() - done, m_hWnd=%p", hWnd_);
 }
 
@@ -65,6 +82,7 @@ WinMessageWindow::~WinMessageWindow() {
   // Messages in the queue die with the window and their pairs stay: to fetch them here would let
   // other windows of this thread run in the middle of a teardown.
   DestroyWindow(toWindow(hWnd_));
+  unregisterWindowClass(number_);
 }
 
 uint32_t WinMessageWindow::post(AsyncFunction function, void* argument) {

@@ -2,7 +2,7 @@
 
 #include "runtime/ov_log.h"
 #include "threads/system_exception.h"
-#include "threads/thread_com.h"
+#include "threads/platform.h"
 
 namespace Vantrel::Web {
 

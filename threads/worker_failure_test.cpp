@@ -10,7 +10,7 @@
 
 #include "tests/support/log_recorder.h"
 #include "threads/system_exception.h"
-#include "threads/thread_com.h"
+#include "threads/platform.h"
 
 namespace {
 

@@ -1,16 +1,19 @@
 // The hand-over to the browser's thread for native test builds: a queue in place of the window's,
-// which runPostedCalls drains as a message loop would.
+// which the test's message loop drains.
 
 #include <algorithm>
 #include <deque>
 #include <mutex>
 
-#include "tests/native/threads/posted_calls.h"
+#include "tests/support/message_loop.h"
+#include "threads/guarded.h"
 #include "threads/win_message_window.h"
 
 namespace Vantrel::Web {
 
 namespace {
+
+constexpr uint32_t kNoSuchWindow = 1400;
 
 struct PostedCall {
   const WinMessageWindow* window;
@@ -18,12 +21,17 @@ struct PostedCall {
   void* argument;
 };
 
-std::mutex queueMutex;  // guards queue
+std::mutex queueMutex;  // guards what follows
 std::deque<PostedCall> queue;
+int32_t madeWindows = 0;
+int32_t firstWholeWindow = 0;  // the number of the first one that takes posts
 
 }  // namespace
 
-WinMessageWindow::WinMessageWindow() : hWnd_(this) {}
+WinMessageWindow::WinMessageWindow() : hWnd_(this) {
+  const std::lock_guard<std::mutex> lock(queueMutex);
+  number_ = madeWindows++;
+}
 
 WinMessageWindow::~WinMessageWindow() {
   const std::lock_guard<std::mutex> lock(queueMutex);
@@ -32,20 +40,29 @@ WinMessageWindow::~WinMessageWindow() {
 
 uint32_t WinMessageWindow::post(AsyncFunction function, void* argument) {
   const std::lock_guard<std::mutex> lock(queueMutex);
+  if (number_ < firstWholeWindow) return kNoSuchWindow;
   queue.push_back({this, function, argument});
   return 0;
 }
 
-int runPostedCalls() {
-  int count = 0;
-  for (;; ++count) {
+namespace TestSupport {
+
+void runMessageLoop() {
+  for (;;) {
     std::unique_lock<std::mutex> lock(queueMutex);
-    if (queue.empty()) return count;
+    if (queue.empty()) return;
     const PostedCall call = queue.front();
     queue.pop_front();
     lock.unlock();
-    call.function(call.argument);
+    guarded([&call] { call.function(call.argument); });
   }
 }
+
+void breakMessageWindows() {
+  const std::lock_guard<std::mutex> lock(queueMutex);
+  firstWholeWindow = madeWindows;
+}
+
+}  // namespace TestSupport
 
 }  // namespace Vantrel::Web

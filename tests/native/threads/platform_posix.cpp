@@ -1,4 +1,4 @@
-#include "threads/thread_com.h"
+#include "threads/platform.h"
 
 namespace Vantrel::Web {
 
