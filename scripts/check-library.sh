@@ -13,6 +13,10 @@ for dll in $(printf '%s\n' "$headers" | awk '/DLL Name:/ { print tolower($3) }')
     *) fail "imports $dll, which is no system library we know of" ;;
   esac
 done
+# The library is set up under the loader's lock, where a crypto provider must not be loaded.
+crypto=$(printf '%s\n' "$headers" | awk '/DLL Name:/ { on = 1 } on && NF == 3 { print $3 }' |
+  grep -E '^(Crypt|BCrypt|NCrypt|SystemFunction|ProcessPrng)' | tr '\n' ' ' || true)
+[ -z "$crypto" ] || fail "imports functions of a crypto provider: $crypto"
 for flag in HIGH_ENTROPY_VA DYNAMIC_BASE NX_COMPAT; do
   printf '%s\n' "$headers" | grep -q "$flag" || fail "lacks $flag"
 done

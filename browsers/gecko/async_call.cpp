@@ -1,49 +1,61 @@
 #include "browsers/gecko/async_call.h"
 
-#include <exception>
+#include <cstdint>
 #include <map>
 #include <mutex>
+#include <utility>
 
 #include "browsers/gecko/browser_functions.h"
 #include "runtime/ov_log.h"
-#include "threads/mutex.h"
+#include "threads/guarded.h"
 
 namespace Vantrel::Web::Gecko {
 
 namespace {
 
-std::mutex undeliveredMutex;  // guards undelivered
-std::map<void*, std::unique_ptr<AsyncCall>> undelivered;
+struct PostedCall {
+  NPP npp;
+  std::unique_ptr<AsyncCall> call;
+};
 
-std::unique_ptr<AsyncCall> take(void* key) {
+std::mutex undeliveredMutex;  // guards what follows
+// The keys are counted and never come again, unlike addresses: a browser that runs a call twice or
+// long after its end meets nobody.
+std::map<uintptr_t, PostedCall> undelivered;
+uintptr_t lastKey = 0;
+
+uintptr_t keep(NPP npp, std::unique_ptr<AsyncCall> call) {
+  const std::lock_guard<std::mutex> lock(undeliveredMutex);
+  undelivered.emplace(++lastKey, PostedCall{npp, std::move(call)});
+  return lastKey;
+}
+
+std::unique_ptr<AsyncCall> take(uintptr_t key) {
   const std::lock_guard<std::mutex> lock(undeliveredMutex);
   const auto node = undelivered.extract(key);
-  return node ? std::move(node.mapped()) : nullptr;
+  return node ? std::move(node.mapped().call) : nullptr;
 }
 
 void NP_ABI run(void* key) {
-  try {
-    // A call that is not in the map was freed with the module's last end.
-    if (const std::unique_ptr<AsyncCall> call = take(key)) call->deliver();
-  } catch (const std::exception& exception) {
-    ov_err("%s", exception.what());
-  }
+  guarded([key] {
+    if (const auto call = take(reinterpret_cast<uintptr_t>(key))) call->deliver();
+  });
 }
 
 }  // namespace
 
 void postToBrowser(NPP npp, std::unique_ptr<AsyncCall> call) {
-  AsyncCall* const key = call.get();
-  {
-    const std::lock_guard<std::mutex> lock(undeliveredMutex);
-    undelivered.emplace(key, std::move(call));
+  const NPN_PluginThreadAsyncCallProcPtr post = browserFuncs.pluginthreadasynccall;
+  if (post == nullptr) {
+    ov_err("%s", "The browser takes no calls from other threads");
+    return;
   }
-  browserFuncs.pluginthreadasynccall(npp, run, key);
+  post(npp, run, reinterpret_cast<void*>(keep(npp, std::move(call))));
 }
 
-void freeUndeliveredCalls() {
+void freeUndeliveredCalls(NPP npp) {
   const std::lock_guard<std::mutex> lock(undeliveredMutex);
-  undelivered.clear();
+  std::erase_if(undelivered, [npp](const auto& entry) { return entry.second.npp == npp; });
 }
 
 }  // namespace Vantrel::Web::Gecko

@@ -1,7 +1,7 @@
 // Work that is handed to the browser's thread with NPN_PluginThreadAsyncCall.
 //
-// A record owns itself from the hand-over until the browser runs it. A browser may never run it,
-// once the instance is gone; what is left is freed when the module ends.
+// A record is kept here from the hand-over until the browser runs it. A browser may never run it,
+// once the instance is gone, so what is left is freed with the instance.
 #pragma once
 
 #include <memory>
@@ -24,10 +24,11 @@ class AsyncCall {
   AsyncCall() = default;
 };
 
-// Any thread.
+// Any thread. A browser without such calls gets none.
 void postToBrowser(NPP npp, std::unique_ptr<AsyncCall> call);
 
-// Frees the calls that the browser has not run. At the end of the module, on the browser's thread.
-void freeUndeliveredCalls();
+// Frees the instance's calls that the browser has not run; should it run one later, nothing
+// happens. At the end of the instance, on the browser's thread.
+void freeUndeliveredCalls(NPP npp);
 
 }  // namespace Vantrel::Web::Gecko

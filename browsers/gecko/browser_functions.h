@@ -9,7 +9,9 @@
 
 namespace Vantrel::Web::Gecko {
 
-// A private copy of the browser's table, made by NP_Initialize.
+// A private copy of the browser's table, made by NP_Initialize. A function that we call and the
+// browser does not have is replaced by one that fails, so that no call needs to ask; only
+// pluginthreadasynccall may be null.
 extern NPNetscapeFuncs browserFuncs;
 
 // The bytes that the members we call take up; a table may end there.

@@ -1,12 +1,13 @@
 // Answers and events on their way to page functions.
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <set>
 #include <thread>
 
 #include "browsers/gecko/async_call.h"
-#include "browsers/gecko/dialog_callback.h"
+#include "browsers/gecko/page_callbacks.h"
 #include "browsers/gecko/page_calls.h"
-#include "browsers/gecko/request_callback.h"
 #include "browsers/gecko/transfer_event_handler.h"
 #include "core/approved_files.h"
 #include "service/http_response.h"
@@ -22,19 +23,11 @@ using Calls = std::vector<std::vector<std::string>>;
 
 class CallbacksTest : public testing::Test {
  protected:
-  ~CallbacksTest() override { freeUndeliveredCalls(); }
+  ~CallbacksTest() override { freeUndeliveredCalls(&browser_.instance); }
 
   TestSupport::LogRecorder log_;
   FakeBrowser browser_;
 };
-
-TEST_F(CallbacksTest, EventsHaveFixedNames) {
-  EXPECT_STREQ(pageEventName(PageEvent::kDrop), "drop");
-  EXPECT_STREQ(pageEventName(PageEvent::kDropEx), "dropex");
-  EXPECT_STREQ(pageEventName(PageEvent::kTransfer), "transfer");
-  EXPECT_STREQ(pageEventName(PageEvent::kDragLeave), "dragleave");
-  EXPECT_STREQ(pageEventName(PageEvent::kDragOver), "dragover");
-}
 
 TEST_F(CallbacksTest, AnEventCallsItsTargetWithNameAndPayload) {
   NPObject* const target = browser_.newObject();
@@ -46,6 +39,7 @@ TEST_F(CallbacksTest, AnEventCallsItsTargetWithNameAndPayload) {
 
 TEST_F(CallbacksTest, OnlyAResultThatIsNoStringIsReleased) {
   NPObject* const target = browser_.newObject();
+  const RetainedObject held(target);
   browser_.onInvokeDefault = [this](NPObject*, const std::vector<std::string>&) {
     return browser_.text("kept");
   };
@@ -78,6 +72,53 @@ TEST_F(CallbacksTest, AnAnswerReachesThePageFunctionOnce) {
   EXPECT_TRUE(log_.has("DBG callbackBrowser - msg={\"ok\":\"%s\"}")) << log_.text();
 }
 
+TEST_F(CallbacksTest, AnAnswerCostsOneRetainAndOneRelease) {
+  RequestCallback callback(&browser_.instance, browser_.newObject());
+  callback.handleCallback(nullptr);
+  EXPECT_EQ(browser_.runAsyncCalls(), 1);
+  EXPECT_EQ(browser_.invocations.size(), 1U);
+  EXPECT_EQ(browser_.retains, 1);
+}
+
+TEST_F(CallbacksTest, TheObserversArgumentIsReleasedAsAVariant) {
+  NPObject* const observer = browser_.newObjectWithMethods({"onDrop"});
+  browser_.onInvokeDefault = [this](NPObject*, const std::vector<std::string>&) {
+    return browser_.text("kept");
+  };
+  callMethod(&browser_.instance, observer, "onDrop", "a path");
+  EXPECT_EQ(browser_.invocations, (Calls{{"onDrop", "a path"}}));
+  EXPECT_EQ(browser_.releasedVariants, 1);
+}
+
+TEST_F(CallbacksTest, AKeyOfAPostedCallNeverComesAgain) {
+  std::set<void*> keys;
+  for (int i = 0; i < 100; ++i) {
+    RequestCallback callback(&browser_.instance, browser_.newObject());
+    callback.handleCallback(nullptr);
+    keys.insert(browser_.waitingArgument());
+    EXPECT_EQ(browser_.runAsyncCalls(), 1);
+  }
+  EXPECT_EQ(keys.size(), 100U);
+}
+
+TEST_F(CallbacksTest, TheEndOfAnInstanceFreesItsCallsAlone) {
+  NPP_t other = {};
+  RequestCallback callback(&browser_.instance, browser_.newObject());
+  callback.handleCallback(nullptr);
+  freeUndeliveredCalls(&other);
+  EXPECT_EQ(browser_.runAsyncCalls(), 1);
+  EXPECT_EQ(browser_.invocations.size(), 1U);
+}
+
+TEST_F(CallbacksTest, ABrowserWithoutCallsFromOtherThreadsGetsNone) {
+  browserFuncs.pluginthreadasynccall = nullptr;
+  RequestCallback callback(&browser_.instance, browser_.newObject());
+  callback.handleCallback(nullptr);
+  EXPECT_EQ(log_.lines("ERR"),
+            std::vector<std::string>{"The browser takes no calls from other threads"});
+  browser_.expectReferencesLeft(1);
+}
+
 TEST_F(CallbacksTest, NoResponseIsTheContactError) {
   RequestCallback callback(&browser_.instance, browser_.newObject());
   callback.handleCallback(nullptr);
@@ -104,18 +145,18 @@ TEST_F(CallbacksTest, ARequestDroppedWithoutAnAnswerKeepsItsReference) {
   browser_.expectReferencesLeft(1);
 }
 
-TEST_F(CallbacksTest, WhatTheBrowserNeverRunsIsFreedAtTheEndOfTheModule) {
+TEST_F(CallbacksTest, WhatTheBrowserNeverRunsIsFreedWithTheInstance) {
   RequestCallback callback(&browser_.instance, browser_.newObject());
   callback.handleCallback(nullptr);
   browser_.dropAsyncCalls();
-  freeUndeliveredCalls();
+  freeUndeliveredCalls(&browser_.instance);
   browser_.expectReferencesLeft(1);
 }
 
 TEST_F(CallbacksTest, ACallThatTheBrowserRunsTooLateDoesNothing) {
   RequestCallback callback(&browser_.instance, browser_.newObject());
   callback.handleCallback(nullptr);
-  freeUndeliveredCalls();
+  freeUndeliveredCalls(&browser_.instance);
   EXPECT_EQ(browser_.runAsyncCalls(), 1);
   EXPECT_TRUE(browser_.invocations.empty());
   browser_.expectReferencesLeft(1);
@@ -210,9 +251,11 @@ class DialogCallbackTest : public CallbacksTest {
   void finish(DialogKind kind, NPObject* function, int32_t result,
               const std::vector<std::string>& chosen) {
     FinishedDialog dialog(result, "[reply %s]", chosen);
-    DialogCallback callback(&browser_.instance, function, kind);
+    DialogCallback callback(&browser_.instance, life_, function, kind);
     callback.handleCallback(static_cast<Runnable*>(&dialog));
   }
+
+  std::shared_ptr<bool> life_ = std::make_shared<bool>(true);
 };
 
 TEST_F(DialogCallbackTest, ChosenFilesAreApprovedAndTheReplyReachesThePageAtOnce) {
@@ -245,9 +288,32 @@ TEST_F(DialogCallbackTest, ASavePathIsNotApprovedAsAFile) {
   EXPECT_FALSE(isFileAllowed("C:/dialog/saved"));
 }
 
-TEST_F(DialogCallbackTest, AFolderIsApprovedThoughItsInstanceIsGone) {
-  finish(DialogKind::kOpenFolder, browser_.newObject(), 4, {"C:/dialog/folder"});
+TEST_F(DialogCallbackTest, AnAnswerCostsOneRetainAndOneRelease) {
+  finish(DialogKind::kOpenFile, browser_.newObject(), 4, {});
+  EXPECT_EQ(browser_.retains, 1);
+}
+
+TEST_F(DialogCallbackTest, AfterItsInstanceTheChoiceIsRecordedAndThePageForgotten) {
+  NPObject* const function = browser_.newObject();
+  FinishedDialog dialog(4, "[reply]", {"C:/dialog/folder"});
+  {
+    DialogCallback callback(&browser_.instance, life_, function, DialogKind::kOpenFolder);
+    life_.reset();
+    // The browser has taken its objects away and given the memory to others.
+    browser_.instance.pdata = &dialog;
+    function->referenceCount = 77;
+    callback.handleCallback(static_cast<Runnable*>(&dialog));
+  }
+  EXPECT_EQ(function->referenceCount, 77U);
+  function->referenceCount = 0;
   EXPECT_TRUE(isFileAllowed("C:/dialog/folder"));
+  EXPECT_TRUE(browser_.invocations.empty());
+}
+
+TEST_F(DialogCallbackTest, AStoppedDialogGivesTheFunctionBackWhileItsInstanceLives) {
+  NPObject* const function = browser_.newObject();
+  { const DialogCallback callback(&browser_.instance, life_, function, DialogKind::kSaveFile); }
+  EXPECT_EQ(function->referenceCount, 0U);
 }
 
 }  // namespace

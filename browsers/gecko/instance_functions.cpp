@@ -1,12 +1,12 @@
 #include "browsers/gecko/instance_functions.h"
 
-#include <exception>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "runtime/ov_log.h"
+#include "threads/guarded.h"
 
 namespace Vantrel::Web::Gecko {
 
@@ -22,34 +22,29 @@ ovOrvaneWebPlugin* pluginOf(NPP instance) {
 // Runs `function` on the instance's plug-in, or gives `otherwise`; what it throws is logged.
 template <class Result, class Function>
 Result withPlugin(NPP instance, Result otherwise, Function function) {
-  try {
+  return guarded(otherwise, [&] {
     ovOrvaneWebPlugin* const plugin = pluginOf(instance);
     return plugin != nullptr ? function(*plugin) : otherwise;
-  } catch (const std::exception& exception) {
-    ov_err("%s", exception.what());
-  }
-  return otherwise;
+  });
 }
 
 NPError NP_ABI NPP_New(NPMIMEType, NPP instance, uint16_t, int16_t argc, char* argn[], char* argv[],
                        NPSavedData*) {
   OV_DEBUG("NPP_New() [%p]", static_cast<void*>(instance));
   if (instance == nullptr) return NPERR_INVALID_INSTANCE_ERROR;
-  try {
+  const NPError error = guarded(NPERR_GENERIC_ERROR, [=] {
     OV_DEBUG("Plugin parameters:");
-    ovOrvaneWebPlugin::Parameters pluginParameters;
+    ElementParameters parameters;
     for (int16_t i = 0; i < argc; ++i) {
       if (argn[i] == nullptr || argv[i] == nullptr) continue;
       OV_DEBUG("  %s = %s", argn[i], argv[i]);
-      pluginParameters[argn[i]] = argv[i];
+      parameters[argn[i]] = argv[i];
     }
-    instance->pdata = std::make_unique<ovOrvaneWebPlugin>(instance, pluginParameters).release();
-  } catch (const std::exception& exception) {
-    ov_err("%s", exception.what());
-    return NPERR_GENERIC_ERROR;
-  }
-  OV_DEBUG("NPP_New() - done");
-  return NPERR_NO_ERROR;
+    instance->pdata = std::make_unique<ovOrvaneWebPlugin>(instance, parameters).release();
+    return NPERR_NO_ERROR;
+  });
+  if (error == NPERR_NO_ERROR) OV_DEBUG("NPP_New() - done");
+  return error;
 }
 
 NPError NP_ABI NPP_Destroy(NPP instance, NPSavedData**) {

@@ -33,7 +33,7 @@ class InstanceTest : public testing::Test {
   }
   ~InstanceTest() override {
     destroy();
-    freeUndeliveredCalls();
+    freeUndeliveredCalls(&browser_.instance);
     RunnableScheduler::cleanup();
   }
 

@@ -3,7 +3,6 @@
 
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "browsers/gecko/variant.h"
-#include "runtime/ov_log.h"
 #include "text/error_reply.h"
 #include "text/error_texts.h"
 
@@ -16,87 +15,44 @@ bool isDialogOpen() {
   return false;
 }
 
-// The asynchronous forms log what the synchronous ones refuse in silence.
-bool refuse(const char* method) {
-  ov_err("%s() - invalid arguments", method);
-  return false;
-}
-
-bool refuseSecondDialog(NPVariant* result) {
-  stringToVariant(jsonErrorReply(kErrorDialogOpen), result);
+bool nothingChosen(NPVariant* result) {
+  stringToVariant(isDialogOpen() ? nullptr : "", result);
   return true;
 }
 
-bool nothingChosen(NPVariant* result) {
-  stringToVariant("", result);
+bool answeredLater(NPVariant* result) {
+  if (isDialogOpen()) {
+    stringToVariant(jsonErrorReply(kErrorDialogOpen), result);
+  } else {
+    setNull(result);
+  }
   return true;
 }
 
 }  // namespace
 
-bool ovOrvaneWebPlugin::runOpenFileDialog(const NPVariant* args, uint32_t argCount,
-                                          NPVariant* result) {
-  if (isDialogOpen()) {
-    stringToVariant(nullptr, result);
-    return true;
-  }
-  if (!argumentsAre({Argument::kBoolean, Argument::kBoolean}, args, argCount)) return false;
+bool ovOrvaneWebPlugin::runOpenFileDialog(Arguments, NPVariant* result) {
   return nothingChosen(result);
 }
 
-bool ovOrvaneWebPlugin::runOpenFolderDialog(const NPVariant* args, uint32_t argCount,
-                                            NPVariant* result) {
-  if (isDialogOpen()) {
-    stringToVariant(nullptr, result);
-    return true;
-  }
-  if (!argumentsAre({Argument::kBoolean}, args, argCount)) return false;
+bool ovOrvaneWebPlugin::runOpenFolderDialog(Arguments, NPVariant* result) {
   return nothingChosen(result);
 }
 
-bool ovOrvaneWebPlugin::runSaveFileDialog(const NPVariant* args, uint32_t argCount,
-                                          NPVariant* result) {
-  if (isDialogOpen()) {
-    stringToVariant(nullptr, result);
-    return true;
-  }
-  if (!argumentsAre({Argument::kText}, args, argCount)) return false;
+bool ovOrvaneWebPlugin::runSaveFileDialog(Arguments, NPVariant* result) {
   return nothingChosen(result);
 }
 
-bool ovOrvaneWebPlugin::runOpenFileDialogAsync(const NPVariant* args, uint32_t argCount,
-                                               NPVariant* result) {
-  if (isDialogOpen()) return refuseSecondDialog(result);
-  using enum Argument;
-  if (!argumentsAre({kText, kBoolean, kText, kObject}, args, argCount) &&
-      !argumentsAre({kText, kBoolean, kText, kObject, kBoolean}, args, argCount)) {
-    return refuse("runOpenFileDialogAsync");
-  }
-  setNull(result);
-  return true;
+bool ovOrvaneWebPlugin::runOpenFileDialogAsync(Arguments, NPVariant* result) {
+  return answeredLater(result);
 }
 
-bool ovOrvaneWebPlugin::runOpenFolderDialogAsync(const NPVariant* args, uint32_t argCount,
-                                                 NPVariant* result) {
-  if (isDialogOpen()) return refuseSecondDialog(result);
-  using enum Argument;
-  if (!argumentsAre({kText, kBoolean, kObject}, args, argCount) &&
-      !argumentsAre({kText, kBoolean, kObject, kBoolean}, args, argCount)) {
-    return refuse("runOpenFolderDialogAsync");
-  }
-  setNull(result);
-  return true;
+bool ovOrvaneWebPlugin::runOpenFolderDialogAsync(Arguments, NPVariant* result) {
+  return answeredLater(result);
 }
 
-bool ovOrvaneWebPlugin::runSaveFileDialogAsync(const NPVariant* args, uint32_t argCount,
-                                               NPVariant* result) {
-  if (isDialogOpen()) return refuseSecondDialog(result);
-  using enum Argument;
-  if (!argumentsAre({kText, kText, kText, kObject}, args, argCount)) {
-    return refuse("runSaveFileDialogAsync");
-  }
-  setNull(result);
-  return true;
+bool ovOrvaneWebPlugin::runSaveFileDialogAsync(Arguments, NPVariant* result) {
+  return answeredLater(result);
 }
 
 }  // namespace Vantrel::Web::Gecko

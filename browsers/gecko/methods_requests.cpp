@@ -1,16 +1,12 @@
 // Script methods: requests that the page forwards to the desktop client.
 
 #include "browsers/gecko/orvane_web_plugin.h"
-#include "browsers/gecko/request_callback.h"
+#include "browsers/gecko/page_callbacks.h"
 #include "browsers/gecko/variant.h"
 
 namespace Vantrel::Web::Gecko {
 
-bool ovOrvaneWebPlugin::vantrelHttpRequest(const NPVariant* args, uint32_t argCount,
-                                           NPVariant* result) {
-  if (!argumentsBegin({Argument::kText, Argument::kText, Argument::kText}, args, argCount)) {
-    return false;
-  }
+bool ovOrvaneWebPlugin::vantrelHttpRequest(Arguments args, NPVariant* result) {
   std::string error;
   std::unique_ptr<HttpResponse> response;
   core->vantrelHttpRequest(error, textOf(args[0]), textOf(args[1]), textOf(args[2]), response);
@@ -18,12 +14,7 @@ bool ovOrvaneWebPlugin::vantrelHttpRequest(const NPVariant* args, uint32_t argCo
   return true;
 }
 
-bool ovOrvaneWebPlugin::vantrelHttpRequestAsync(const NPVariant* args, uint32_t argCount,
-                                                NPVariant* result) {
-  if (!argumentsBegin({Argument::kText, Argument::kText, Argument::kText, Argument::kObject}, args,
-                      argCount)) {
-    return false;
-  }
+bool ovOrvaneWebPlugin::vantrelHttpRequestAsync(Arguments args, NPVariant* result) {
   const std::string error = core->vantrelHttpRequestAsync(
       textOf(args[0]), textOf(args[1]), textOf(args[2]),
       std::make_unique<RequestCallback>(npp_, args[3].value.objectValue));
@@ -35,12 +26,7 @@ bool ovOrvaneWebPlugin::vantrelHttpRequestAsync(const NPVariant* args, uint32_t 
   return true;
 }
 
-bool ovOrvaneWebPlugin::httpRequestImplementation(const NPVariant* args, uint32_t argCount,
-                                                  NPVariant* result) {
-  if (!argumentsBegin({Argument::kText, Argument::kText, Argument::kText, Argument::kObject}, args,
-                      argCount)) {
-    return false;
-  }
+bool ovOrvaneWebPlugin::httpRequestImplementation(Arguments args, NPVariant* result) {
   core->httpRequestImplementation(
       textOf(args[0]), textOf(args[1]), textOf(args[2]),
       std::make_unique<RequestCallback>(npp_, args[3].value.objectValue));

@@ -14,27 +14,9 @@ namespace {
 // The number of the browser engine of this front end.
 constexpr int32_t kEngineGecko = 0;
 
-// Stores the text that `query` gives; for methods without arguments.
-template <class Query>
-bool answer(uint32_t argCount, NPVariant* result, Query query) {
-  if (argCount != 0) return false;
-  stringToVariant(query(), result);
-  return true;
-}
-
-// Performs the command, whose outcome the page does not learn; for methods without arguments.
-template <class Command>
-bool perform(uint32_t argCount, NPVariant* result, Command command) {
-  if (argCount != 0) return false;
-  command();
-  setVoid(result);
-  return true;
-}
-
 }  // namespace
 
-bool ovOrvaneWebPlugin::initSession(const NPVariant* args, uint32_t argCount, NPVariant* result) {
-  if (!argumentsBegin({Argument::kText, Argument::kText}, args, argCount)) return false;
+bool ovOrvaneWebPlugin::initSession(Arguments args, NPVariant* result) {
   std::string reply;
   try {
     reply = core->initSession(textOf(args[0]), textOf(args[1]));
@@ -46,45 +28,54 @@ bool ovOrvaneWebPlugin::initSession(const NPVariant* args, uint32_t argCount, NP
   return true;
 }
 
-bool ovOrvaneWebPlugin::queryBrowserEngine(const NPVariant*, uint32_t argCount, NPVariant* result) {
-  return answer(argCount, result, [] { return Plugin::queryBrowserEngine(kEngineGecko); });
+bool ovOrvaneWebPlugin::queryBrowserEngine(Arguments, NPVariant* result) {
+  stringToVariant(Plugin::queryBrowserEngine(kEngineGecko), result);
+  return true;
 }
 
-bool ovOrvaneWebPlugin::queryBuildVersion(const NPVariant*, uint32_t argCount, NPVariant* result) {
-  return answer(argCount, result, Plugin::queryBuildVersion);
+bool ovOrvaneWebPlugin::queryBuildVersion(Arguments, NPVariant* result) {
+  stringToVariant(Plugin::queryBuildVersion(), result);
+  return true;
 }
 
-bool ovOrvaneWebPlugin::queryPluginVersion(const NPVariant*, uint32_t argCount, NPVariant* result) {
-  return answer(argCount, result, Plugin::queryPluginVersion);
+bool ovOrvaneWebPlugin::queryPluginVersion(Arguments, NPVariant* result) {
+  stringToVariant(Plugin::queryPluginVersion(), result);
+  return true;
 }
 
-bool ovOrvaneWebPlugin::queryVersion(const NPVariant*, uint32_t argCount, NPVariant* result) {
-  return answer(argCount, result, Plugin::queryVersion);
+bool ovOrvaneWebPlugin::queryVersion(Arguments, NPVariant* result) {
+  stringToVariant(Plugin::queryVersion(), result);
+  return true;
 }
 
-bool ovOrvaneWebPlugin::queryVantrelVersion(const NPVariant*, uint32_t argCount,
-                                            NPVariant* result) {
-  return answer(argCount, result, [this] { return core->queryVantrelVersion(); });
+bool ovOrvaneWebPlugin::queryVantrelVersion(Arguments, NPVariant* result) {
+  stringToVariant(core->queryVantrelVersion(), result);
+  return true;
 }
 
-bool ovOrvaneWebPlugin::displayAboutWindow(const NPVariant*, uint32_t argCount, NPVariant* result) {
-  return perform(argCount, result, [this] { core->displayAboutWindow(); });
+// What a window command came to, the page does not learn.
+
+bool ovOrvaneWebPlugin::displayAboutWindow(Arguments, NPVariant* result) {
+  core->displayAboutWindow();
+  setVoid(result);
+  return true;
 }
 
-bool ovOrvaneWebPlugin::displayPreferencesWindow(const NPVariant*, uint32_t argCount,
-                                                 NPVariant* result) {
-  return perform(argCount, result, [this] { core->displayPreferencesWindow(); });
+bool ovOrvaneWebPlugin::displayPreferencesWindow(Arguments, NPVariant* result) {
+  core->displayPreferencesWindow();
+  setVoid(result);
+  return true;
 }
 
-bool ovOrvaneWebPlugin::displayTransferManager(const NPVariant*, uint32_t argCount,
-                                               NPVariant* result) {
-  return perform(argCount, result, [this] { core->displayTransferManager(); });
+bool ovOrvaneWebPlugin::displayTransferManager(Arguments, NPVariant* result) {
+  core->displayTransferManager();
+  setVoid(result);
+  return true;
 }
 
-bool ovOrvaneWebPlugin::handleDrop(const NPVariant* args, uint32_t argCount, NPVariant* result) {
-  if (!view_ || argCount > 1) return false;
-  if (argCount == 1 && !argumentsAre({Argument::kObject}, args, argCount)) return false;
-  if (argCount == 1) view_->handleDrop(args);
+bool ovOrvaneWebPlugin::handleDrop(Arguments args, NPVariant* result) {
+  if (!view_) return false;
+  if (!args.empty()) view_->handleDrop(args.data());
   setVoid(result);
   return true;
 }

@@ -6,72 +6,55 @@
 
 namespace Vantrel::Web::Gecko {
 
-bool ovOrvaneWebPlugin::addToDownloadList(const NPVariant* args, uint32_t argCount,
-                                          NPVariant* result) {
-  if (!argumentsAre({Argument::kNonEmptyText}, args, argCount)) return false;
+bool ovOrvaneWebPlugin::addToDownloadList(Arguments args, NPVariant* result) {
   core->addToDownloadList(textOf(args[0]));
   setVoid(result);
   return true;
 }
 
-bool ovOrvaneWebPlugin::addToUploadList(const NPVariant* args, uint32_t argCount,
-                                        NPVariant* result) {
-  if (!argumentsAre({Argument::kNonEmptyText}, args, argCount)) return false;
+bool ovOrvaneWebPlugin::addToUploadList(Arguments args, NPVariant* result) {
   core->addToUploadList(textOf(args[0]));
   setVoid(result);
   return true;
 }
 
-bool ovOrvaneWebPlugin::clearDownloadList(const NPVariant*, uint32_t argCount, NPVariant* result) {
-  if (argCount != 0) return false;
+bool ovOrvaneWebPlugin::clearDownloadList(Arguments, NPVariant* result) {
   core->clearDownloadList();
   setVoid(result);
   return true;
 }
 
-bool ovOrvaneWebPlugin::clearUploadList(const NPVariant*, uint32_t argCount, NPVariant* result) {
-  if (argCount != 0) return false;
+bool ovOrvaneWebPlugin::clearUploadList(Arguments, NPVariant* result) {
   core->clearUploadList();
   setVoid(result);
   return true;
 }
 
-bool ovOrvaneWebPlugin::startDownload(const NPVariant* args, uint32_t argCount, NPVariant* result) {
-  if (!argumentsAre({Argument::kNonEmptyText}, args, argCount)) return false;
+bool ovOrvaneWebPlugin::startDownload(Arguments args, NPVariant* result) {
   core->startDownload(textOf(args[0]));
   setVoid(result);
   return true;
 }
 
-bool ovOrvaneWebPlugin::startDownloadToPath(const NPVariant* args, uint32_t argCount,
-                                            NPVariant* result) {
-  if (!argumentsAre({Argument::kNonEmptyText, Argument::kText}, args, argCount)) return false;
+bool ovOrvaneWebPlugin::startDownloadToPath(Arguments args, NPVariant* result) {
   core->startDownloadToPath(textOf(args[0]), textOf(args[1]));
   setVoid(result);
   return true;
 }
 
-bool ovOrvaneWebPlugin::startListDownloadToPath(const NPVariant* args, uint32_t argCount,
-                                                NPVariant* result) {
-  if (!argumentsAre({Argument::kText}, args, argCount)) return false;
+bool ovOrvaneWebPlugin::startListDownloadToPath(Arguments args, NPVariant* result) {
   core->startListDownloadToPath(textOf(args[0]));
   setVoid(result);
   return true;
 }
 
-bool ovOrvaneWebPlugin::startListUploadToURL(const NPVariant* args, uint32_t argCount,
-                                             NPVariant* result) {
-  if (!argumentsAre({Argument::kNonEmptyText}, args, argCount)) return false;
+bool ovOrvaneWebPlugin::startListUploadToURL(Arguments args, NPVariant* result) {
   core->startListUploadToURL(textOf(args[0]));
   setVoid(result);
   return true;
 }
 
-bool ovOrvaneWebPlugin::startUploadToURL(const NPVariant* args, uint32_t argCount,
-                                         NPVariant* result) {
-  if (!argumentsAre({Argument::kNonEmptyText, Argument::kNonEmptyText}, args, argCount)) {
-    return false;
-  }
+bool ovOrvaneWebPlugin::startUploadToURL(Arguments args, NPVariant* result) {
   core->startUploadToURL(textOf(args[0]), textOf(args[1]));
   setVoid(result);
   return true;

@@ -6,22 +6,23 @@
 // Behind ole2.h, whose PROPID it needs.
 #include <gdiplus.h>
 
-#include <exception>
+#include <utility>
 
-#include "browsers/gecko/async_call.h"
 #include "browsers/gecko/browser_functions.h"
 #include "browsers/gecko/instance_functions.h"
 #include "browsers/gecko/stale_copies.h"
-#include "browsers/shared/plugin_log.h"
+#include "browsers/shared/module_life.h"
 #include "runtime/ov_log.h"
-#include "runtime/ov_time.h"
-#include "threads/runnable_scheduler.h"
+#include "threads/guarded.h"
 
 namespace Vantrel::Web::Gecko {
 
 namespace {
 
 ULONG_PTR gdiplusToken = 0;
+
+// Between NP_Initialize and NP_Shutdown. A browser may call either twice.
+bool started = false;
 
 // What the platform needs of us; the module loads without any of it.
 void startPlatform() {
@@ -34,44 +35,30 @@ void startPlatform() {
   }
 }
 
-void startModule() {
-  try {
-    ov_time_init();
-    plugin_log_init();
-    removeStalePluginCopies();
+NPError initialize(const NPNetscapeFuncs& funcs) {
+  if (!std::exchange(started, true)) {
+    startModule();
+    guarded(removeStalePluginCopies);
     startPlatform();
-  } catch (const std::exception&) {
-    // Without a log there is nobody to tell; the module still works.
   }
-}
-
-NPError initialize(const NPNetscapeFuncs* funcs) {
-  startModule();
   ov_log("\n\nInitializing Orvane Web Gecko plugin\n");
   OV_DEBUG("OW_PopulateNetscapeFunctionTable()");
-  copyBrowserFunctions(*funcs);
-  RunnableScheduler::init();
+  copyBrowserFunctions(funcs);
   return NPERR_NO_ERROR;
 }
 
-// A browser that gives no table gets no module: nothing of it stays behind.
+// A browser that gives no table gets no module: nothing starts, but for the log if it is closed.
 NPError refuseNullTable() {
-  try {
-    ov_time_init();
-    plugin_log_init();
-    ov_err("OW_PopulateNetscapeFunctionTable() - Null argument");
-    plugin_log_shutdown();
-  } catch (const std::exception&) {
-    // Without a log there is nobody to tell.
-  }
+  startModule();
+  ov_err("OW_PopulateNetscapeFunctionTable() - Null argument");
+  endModule();
   return NPERR_INVALID_FUNCTABLE_ERROR;
 }
 
 void shutdown() {
   ov_log("Shutting down Orvane Web Gecko plugin");
-  RunnableScheduler::cleanup();
-  freeUndeliveredCalls();
-  plugin_log_shutdown();
+  if (!std::exchange(started, false)) return;
+  endModule();
   OleUninitialize();
   Gdiplus::GdiplusShutdown(gdiplusToken);
   gdiplusToken = 0;
@@ -84,13 +71,10 @@ void shutdown() {
 extern "C" {
 
 NPError NP_ABI NP_Initialize(NPNetscapeFuncs* funcs) {
-  try {
-    return funcs != nullptr ? Vantrel::Web::Gecko::initialize(funcs)
-                            : Vantrel::Web::Gecko::refuseNullTable();
-  } catch (const std::exception& exception) {
-    ov_err("%s", exception.what());
-    return NPERR_GENERIC_ERROR;
-  }
+  using namespace Vantrel::Web;
+  return guarded(NPERR_GENERIC_ERROR, [funcs] {
+    return funcs != nullptr ? Gecko::initialize(*funcs) : Gecko::refuseNullTable();
+  });
 }
 
 NPError NP_ABI NP_GetEntryPoints(NPPluginFuncs* funcs) {
@@ -99,11 +83,7 @@ NPError NP_ABI NP_GetEntryPoints(NPPluginFuncs* funcs) {
 }
 
 NPError NP_ABI NP_Shutdown() {
-  try {
-    Vantrel::Web::Gecko::shutdown();
-  } catch (const std::exception& exception) {
-    ov_err("%s", exception.what());
-  }
+  Vantrel::Web::guarded(Vantrel::Web::Gecko::shutdown);
   return NPERR_NO_ERROR;
 }
 

@@ -2,39 +2,19 @@
 
 #include "browsers/gecko/orvane_web_plugin.h"
 
-#include <algorithm>
-#include <cstdlib>
 #include <exception>
-#include <limits>
 #include <stdexcept>
+#include <utility>
 
+#include "browsers/gecko/async_call.h"
 #include "browsers/gecko/page_hostname.h"
 #include "browsers/gecko/script_object.h"
 #include "runtime/ov_log.h"
-#include "service/launch.h"
 #include "threads/runnable_scheduler.h"
 
 namespace Vantrel::Web::Gecko {
 
 namespace {
-
-std::string parameter(const ovOrvaneWebPlugin::Parameters& parameters, const char* key) {
-  const auto found = parameters.find(key);
-  return found == parameters.end() ? std::string() : found->second;
-}
-
-// Milliseconds; the default when the text is no number.
-int32_t launchWait(const std::string& text) {
-  using Limits = std::numeric_limits<int32_t>;
-  const long number = std::strtol(text.c_str(), nullptr, 10);
-  if (number == 0 && text != "0") return kDefaultLaunchTimeoutMs;
-  return static_cast<int32_t>(std::clamp<long>(number, Limits::min(), Limits::max()));
-}
-
-DropMode dropModeOf(const std::string& text) {
-  if (text == "upload") return DropMode::kUpload;
-  return text == "callback" ? DropMode::kCallback : DropMode::kNone;
-}
 
 std::string userAgent(NPP npp) {
   const char* const text = browserFuncs.uagent(npp);
@@ -43,10 +23,11 @@ std::string userAgent(NPP npp) {
 
 }  // namespace
 
-ovOrvaneWebPlugin::ovOrvaneWebPlugin(NPP instance, Parameters& pluginParameters) : npp_(instance) {
+ovOrvaneWebPlugin::ovOrvaneWebPlugin(NPP instance, const ElementParameters& parameters)
+    : npp_(instance) {
   OV_DEBUG("ovOrvaneWebPlugin() [%p]", static_cast<void*>(this));
   try {
-    initialize(pluginParameters);
+    initialize(parameters);
   } catch (const std::exception& exception) {
     ov_err("Failed to initialize plugin: %s", exception.what());
     teardown();
@@ -54,27 +35,27 @@ ovOrvaneWebPlugin::ovOrvaneWebPlugin(NPP instance, Parameters& pluginParameters)
   }
 }
 
-void ovOrvaneWebPlugin::initialize(const Parameters& parameters) {
-  const int32_t wait = launchWait(parameter(parameters, "vantrel-launch-wait-timeout-ms"));
-  transparent_ = parameter(parameters, "transparent") == "yes";
+void ovOrvaneWebPlugin::initialize(const ElementParameters& parameters) {
+  const int32_t wait = launchWaitOf(parameters);
+  transparent_ = parameterIs(parameters, "transparent", "yes");
   core = std::make_unique<Plugin>();
   core->setUserAgent(userAgent(npp_));
   core->hostname = pageHostname(npp_);
   core->init(wait);
   core->setParameters(parameters);
   oneShotManager_ = std::make_unique<OneShotManager>();
-  imageUrl_ = parameter(parameters, "image");
-  dropMode_ = dropModeOf(parameter(parameters, "drop-mode"));
-  dropAllowDirectories_ = parameter(parameters, "drop-allow-directories") == "true";
-  dropAllowMultiple_ = parameter(parameters, "drop-allow-multiple") == "true";
+  imageUrl_ = parameterOf(parameters, "image");
+  dropMode_ = dropModeOf(parameters);
+  dropAllowDirectories_ = parameterIs(parameters, "drop-allow-directories", "true");
+  dropAllowMultiple_ = parameterIs(parameters, "drop-allow-multiple", "true");
   createScriptObject();
   transferEventHandler_ = std::make_unique<TransferEventHandler>(npp_, nullptr);
   core->getTransfersPoller()->addListener(transferEventHandler_.get());
 }
 
 void ovOrvaneWebPlugin::createScriptObject() {
-  scriptObject_ =
-      reinterpret_cast<ovOrvaneWebScriptObject*>(browserFuncs.createobject(npp_, scriptClass()));
+  scriptObject_ = reinterpret_cast<ovOrvaneWebScriptObject*>(
+      browserFuncs.createobject(npp_, createScriptClass()));
   if (scriptObject_ == nullptr) throw std::runtime_error("Failed to create the script object");
   scriptObject_->plugin = this;
 }
@@ -99,6 +80,8 @@ void ovOrvaneWebPlugin::teardown() noexcept {
     core.reset();
     if (oneShotManager_) RunnableScheduler::stopRunnables(oneShotManager_.get());
     oneShotManager_.reset();
+    // Nothing is posted any more; the browser may never run what waits.
+    freeUndeliveredCalls(npp_);
   } catch (const std::exception& exception) {
     ov_err("Plugin cleanup error: %s", exception.what());
   }

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,25 +12,20 @@
 #include "browsers/gecko/browser_functions.h"
 #include "browsers/gecko/orvane_web_view.h"
 #include "browsers/gecko/page_calls.h"
+#include "browsers/gecko/script_methods.h"
 #include "browsers/gecko/transfer_event_handler.h"
-#include "browsers/gecko/view_delegate.h"
+#include "browsers/shared/element_parameters.h"
 #include "core/plugin.h"
-#include "threads/callback.h"
 #include "threads/one_shot_manager.h"
 
 namespace Vantrel::Web::Gecko {
 
 struct ovOrvaneWebScriptObject;
 
-// What the instance does with a drop.
-enum class DropMode : int32_t { kNone = 0, kUpload = 1, kCallback = 2 };
-
 class ovOrvaneWebPlugin : public ovIOrvaneWebViewDelegate {
  public:
-  using Parameters = std::map<std::string, std::string>;
-
   // Starts the desktop client if none answers. Throws what the core and the windows throw.
-  ovOrvaneWebPlugin(NPP instance, Parameters& pluginParameters);
+  ovOrvaneWebPlugin(NPP instance, const ElementParameters& parameters);
   ~ovOrvaneWebPlugin() override;
   ovOrvaneWebPlugin(const ovOrvaneWebPlugin&) = delete;
   ovOrvaneWebPlugin& operator=(const ovOrvaneWebPlugin&) = delete;
@@ -58,50 +52,55 @@ class ovOrvaneWebPlugin : public ovIOrvaneWebViewDelegate {
   NPObject* getDropObserver() const { return dropObserver_; }
   NPObject* getEventHandler() const { return eventHandler_; }
 
-  // The page's methods. False means that the arguments are wrong; then nothing was done.
-  bool addToDownloadList(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool addToUploadList(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool clearDownloadList(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool clearUploadList(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool vantrelHttpRequest(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool vantrelHttpRequestAsync(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool displayAboutWindow(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool displayPreferencesWindow(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool displayTransferManager(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool handleDrop(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool initSession(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool queryBrowserEngine(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool queryBuildVersion(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool queryPluginVersion(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool queryVersion(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool queryVantrelVersion(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool runOpenFileDialog(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool runOpenFileDialogAsync(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool runOpenFolderDialogAsync(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool runOpenFolderDialog(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool runSaveFileDialog(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool runSaveFileDialogAsync(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool startDownload(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool startDownloadToPath(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool startListDownloadToPath(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool startListUploadToURL(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool readAsArrayBuffer(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool readChunkAsArrayBuffer(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool startUploadToURL(const NPVariant* args, uint32_t argCount, NPVariant* result);
-  bool httpRequestImplementation(const NPVariant* args, uint32_t argCount, NPVariant* result);
+  // The page's methods, with arguments that the table of methods has let pass. False refuses them
+  // after all; then nothing was done.
+  bool addToDownloadList(Arguments args, NPVariant* result);
+  bool addToUploadList(Arguments args, NPVariant* result);
+  bool clearDownloadList(Arguments args, NPVariant* result);
+  bool clearUploadList(Arguments args, NPVariant* result);
+  bool vantrelHttpRequest(Arguments args, NPVariant* result);
+  bool vantrelHttpRequestAsync(Arguments args, NPVariant* result);
+  bool displayAboutWindow(Arguments args, NPVariant* result);
+  bool displayPreferencesWindow(Arguments args, NPVariant* result);
+  bool displayTransferManager(Arguments args, NPVariant* result);
+  bool handleDrop(Arguments args, NPVariant* result);
+  bool initSession(Arguments args, NPVariant* result);
+  bool queryBrowserEngine(Arguments args, NPVariant* result);
+  bool queryBuildVersion(Arguments args, NPVariant* result);
+  bool queryPluginVersion(Arguments args, NPVariant* result);
+  bool queryVersion(Arguments args, NPVariant* result);
+  bool queryVantrelVersion(Arguments args, NPVariant* result);
+  bool runOpenFileDialog(Arguments args, NPVariant* result);
+  bool runOpenFileDialogAsync(Arguments args, NPVariant* result);
+  bool runOpenFolderDialogAsync(Arguments args, NPVariant* result);
+  bool runOpenFolderDialog(Arguments args, NPVariant* result);
+  bool runSaveFileDialog(Arguments args, NPVariant* result);
+  bool runSaveFileDialogAsync(Arguments args, NPVariant* result);
+  bool startDownload(Arguments args, NPVariant* result);
+  bool startDownloadToPath(Arguments args, NPVariant* result);
+  bool startListDownloadToPath(Arguments args, NPVariant* result);
+  bool startListUploadToURL(Arguments args, NPVariant* result);
+  bool readAsArrayBuffer(Arguments args, NPVariant* result);
+  bool readChunkAsArrayBuffer(Arguments args, NPVariant* result);
+  bool startUploadToURL(Arguments args, NPVariant* result);
+  bool httpRequestImplementation(Arguments args, NPVariant* result);
+
+  // Expires with the instance, for code that lets the page or a dialog work and then goes on.
+  std::weak_ptr<bool> life() const { return lifeToken_; }
 
   std::unique_ptr<Plugin> core;
 
  private:
-  void initialize(const Parameters& parameters);
+  void initialize(const ElementParameters& parameters);
   void createScriptObject();
+  // False when the browser does not fetch the element's picture.
+  bool requestImage();
   // Sends an event that only a page with drop mode "callback" gets.
   void tellPage(PageEvent event, const std::string& payload);
   // Ends everything that initialize() made, as far as it came.
   void teardown() noexcept;
 
   NPP npp_;
-  // Expires with the instance, for code that calls a page function and then goes on.
   std::shared_ptr<bool> lifeToken_ = std::make_shared<bool>(true);
   std::unique_ptr<OneShotManager> oneShotManager_;
   std::unique_ptr<TransferEventHandler> transferEventHandler_;

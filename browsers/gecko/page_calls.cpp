@@ -1,6 +1,5 @@
 #include "browsers/gecko/page_calls.h"
 
-#include <array>
 #include <cstdint>
 
 #include "browsers/gecko/browser_functions.h"
@@ -10,19 +9,26 @@ namespace Vantrel::Web::Gecko {
 
 namespace {
 
-// A string argument whose characters go back to the browser's allocator.
+// A string argument. Its characters go back to the browser's allocator unless the argument as a
+// whole was given back.
 class StringArgument {
  public:
   explicit StringArgument(const std::string& text) { stringToVariant(text, &variant_); }
   ~StringArgument() {
-    if (variant_.value.stringValue.UTF8Characters != nullptr) {
-      browserFuncs.memfree(const_cast<char*>(variant_.value.stringValue.UTF8Characters));
-    }
+    const char* const characters = variant_.value.stringValue.UTF8Characters;
+    if (characters != nullptr) browserFuncs.memfree(const_cast<char*>(characters));
   }
   StringArgument(const StringArgument&) = delete;
   StringArgument& operator=(const StringArgument&) = delete;
 
   const NPVariant& get() const { return variant_; }
+  void giveBack() {
+    if (variant_.value.stringValue.UTF8Characters != nullptr) {
+      browserFuncs.releasevariantvalue(&variant_);
+    }
+    variant_ = {NPVariantType_Void, {}};
+    variant_.value.stringValue = {nullptr, 0};
+  }
 
  private:
   NPVariant variant_;
@@ -34,19 +40,11 @@ void release(bool returned, NPVariant& result) {
 }
 
 void invokeDefault(NPP npp, NPObject* function, const NPVariant* args, uint32_t count) {
-  // The page may replace the function while it runs; it stays alive until it has returned.
-  const RetainedObject running(function);
   NPVariant result = {NPVariantType_Void, {}};
   release(browserFuncs.invokeDefault(npp, function, args, count, &result), result);
 }
 
 }  // namespace
-
-const char* pageEventName(PageEvent event) {
-  static constexpr std::array<const char*, 5> kNames = {"drop", "dropex", "transfer", "dragleave",
-                                                        "dragover"};
-  return kNames[static_cast<size_t>(event)];
-}
 
 void callPage(NPP npp, NPObject* function, const std::string& text) {
   const StringArgument argument(text);
@@ -57,14 +55,18 @@ void callMethod(NPP npp, NPObject* object, const char* method, const std::string
   if (object == nullptr) return;
   const NPIdentifier name = browserFuncs.getstringidentifier(method);
   if (!browserFuncs.hasmethod(npp, object, name)) return;
+  // The page may replace the object while it runs; it stays alive until it has returned.
   const RetainedObject running(object);
-  const StringArgument argument(text);
+  StringArgument argument(text);
   NPVariant result = {NPVariantType_Void, {}};
   release(browserFuncs.invoke(npp, object, name, &argument.get(), 1, &result), result);
+  argument.giveBack();
 }
 
 void sendEvent(NPP npp, NPObject* target, PageEvent event, const std::string& payload) {
   if (target == nullptr) return;
+  // As above: the page may replace its function.
+  const RetainedObject running(target);
   const StringArgument name(pageEventName(event));
   const StringArgument text(payload);
   const NPVariant args[] = {name.get(), text.get()};

@@ -5,16 +5,11 @@
 #include <string>
 
 #include "browsers/gecko/netscape_plugin_api.h"
+#include "browsers/shared/page_events.h"
 
 namespace Vantrel::Web::Gecko {
 
-// Numbers of the events of the page.
-enum class PageEvent { kDrop = 0, kDropEx = 1, kTransfer = 2, kDragLeave = 3, kDragOver = 4 };
-
-// The event's name as the page sees it.
-const char* pageEventName(PageEvent event);
-
-// Calls function(text).
+// Calls function(text). The caller holds a reference on the function.
 void callPage(NPP npp, NPObject* function, const std::string& text);
 
 // Calls object.method(text) if `object` is not null and has such a method.

@@ -1,12 +1,34 @@
 // The window that the browser gives an instance, and the stream that brings its picture.
 
+#include <algorithm>
 #include <cstring>
 #include <new>
+#include <string_view>
 
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "runtime/ov_log.h"
 
 namespace Vantrel::Web::Gecko {
+
+namespace {
+
+// Whether a browser would run the address as a script of the page. Browsers skip blanks and control
+// characters before the scheme, and tabs and line ends within it.
+bool isScript(std::string_view url) {
+  constexpr std::string_view kScheme = "javascript:";
+  const size_t begin = static_cast<size_t>(
+      std::find_if(url.begin(), url.end(), [](unsigned char c) { return c > ' '; }) - url.begin());
+  size_t matched = 0;
+  for (const char c : url.substr(begin)) {
+    if (c == '\t' || c == '\r' || c == '\n') continue;
+    const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    if (lower != kScheme[matched]) return false;
+    if (++matched == kScheme.size()) return true;
+  }
+  return false;
+}
+
+}  // namespace
 
 bool ovOrvaneWebPlugin::setWindow(NPWindow* window, NPP instance) {
   if (window == nullptr) return true;
@@ -19,11 +41,15 @@ bool ovOrvaneWebPlugin::setWindow(NPWindow* window, NPP instance) {
               dropAllowMultiple_);
   view_->setBrowserHost(core->getBrowserHost());
   view_->setTransparent(transparent_);
-  if (!imageUrl_.empty() &&
-      browserFuncs.geturlnotify(npp_, imageUrl_.c_str(), nullptr, nullptr) != NPERR_NO_ERROR) {
+  if (!imageUrl_.empty() && !requestImage()) {
     ov_log("WARNING: Unable to load image from URL: %s", imageUrl_.c_str());
   }
   return true;
+}
+
+bool ovOrvaneWebPlugin::requestImage() {
+  return !isScript(imageUrl_) &&
+         browserFuncs.geturlnotify(npp_, imageUrl_.c_str(), nullptr, nullptr) == NPERR_NO_ERROR;
 }
 
 bool ovOrvaneWebPlugin::createStream(NPMIMEType, NPStream* stream, NPBool, uint16_t*) {

@@ -2,9 +2,8 @@
 
 #include <exception>
 #include <memory>
-#include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "browsers/gecko/browser_functions.h"
 #include "browsers/gecko/orvane_web_plugin.h"
@@ -12,42 +11,38 @@
 #include "browsers/gecko/variant.h"
 #include "runtime/ov_log.h"
 #include "text/error_reply.h"
+#include "threads/guarded.h"
 
 namespace Vantrel::Web::Gecko {
 
 namespace {
 
-// The name of a string identifier; none for another identifier, or if the browser gives no text.
-std::optional<std::string> nameOf(NPIdentifier identifier) {
-  if (!browserFuncs.identifierisstring(identifier)) return {};
-  const std::unique_ptr<char, void (*)(char*)> text(
-      browserFuncs.utf8fromidentifier(identifier),
-      [](char* browserText) { browserFuncs.memfree(browserText); });
-  if (!text) return {};
-  return std::string(text.get());
+struct BrowserMemory {
+  void operator()(char* text) const { browserFuncs.memfree(text); }
+};
+
+// The name of a string identifier; null for another identifier, or if the browser gives no text.
+std::unique_ptr<char, BrowserMemory> nameOf(NPIdentifier identifier) {
+  if (!browserFuncs.identifierisstring(identifier)) return nullptr;
+  return std::unique_ptr<char, BrowserMemory>(browserFuncs.utf8fromidentifier(identifier));
+}
+
+const ScriptMethod* findMethod(NPIdentifier identifier) {
+  const auto name = nameOf(identifier);
+  return name ? findScriptMethod(name.get()) : nullptr;
 }
 
 ovOrvaneWebPlugin* pluginOf(NPObject* object) {
   return object != nullptr ? static_cast<ovOrvaneWebScriptObject*>(object)->plugin : nullptr;
 }
 
-// What the browser gets when even an answer cannot be made.
-template <class Function>
-bool guarded(Function function) {
+// Calls the method if it takes the arguments; what it throws becomes the error reply.
+bool callMethod(ovOrvaneWebPlugin& plugin, const ScriptMethod& method, Arguments args,
+                NPVariant* result) {
+  OV_DEBUG("%s(): argCount=%u", method.name, static_cast<uint32_t>(args.size()));
+  if (!acceptsArguments(method, args)) return false;
   try {
-    return function();
-  } catch (const std::exception& exception) {
-    ov_err("%s", exception.what());
-  }
-  return false;
-}
-
-// Calls the method; what it throws becomes the error reply.
-bool callMethod(ovOrvaneWebPlugin& plugin, const NamedScriptMethod& method, const NPVariant* args,
-                uint32_t argCount, NPVariant* result) {
-  OV_DEBUG("%s(): argCount=%u", method.name, argCount);
-  try {
-    return (plugin.*method.method)(args, argCount, result);
+    return (plugin.*method.function)(args, result);
   } catch (const std::exception& exception) {
     stringToVariant(exceptionJsonErrorReply(exception), result);
     return true;
@@ -106,44 +101,45 @@ constexpr ScriptProperty kProperties[] = {
 };
 
 const ScriptProperty* findProperty(NPIdentifier identifier) {
-  const std::optional<std::string> name = nameOf(identifier);
+  const auto name = nameOf(identifier);
   if (!name) return nullptr;
   for (const ScriptProperty& property : kProperties) {
-    if (*name == property.name) return &property;
+    if (std::string_view(name.get()) == property.name) return &property;
   }
   return nullptr;
 }
 
-// The script objects of the process. The browser frees none of them, so that one that a page keeps
-// stays readable; their memory goes with the module.
-std::vector<std::unique_ptr<ovOrvaneWebScriptObject>> scriptObjects;
+// What the browser may look at for as long as the process lives: it can release a script object
+// after the instance, or even this library, has gone. Such memory is never given back; the link
+// keeps it in sight of tools that look for lost memory.
+template <class Record>
+struct Kept : Record {
+  Kept* former;
+};
+
+template <class Record>
+Record* keep(const Record& record) {
+  static Kept<Record>* latest = nullptr;
+  latest = new Kept<Record>{record, latest};
+  return latest;
+}
 
 NPObject* NP_ABI allocate(NPP, NPClass*) {
-  ovOrvaneWebScriptObject* object = nullptr;
-  guarded([&object] {
-    object = scriptObjects.emplace_back(std::make_unique<ovOrvaneWebScriptObject>()).get();
-    return true;
-  });
-  return object;
+  return guarded<NPObject*>(nullptr, [] { return keep(ovOrvaneWebScriptObject{}); });
 }
 
 void NP_ABI ignore(NPObject*) {}
 
 bool NP_ABI hasMethod(NPObject*, NPIdentifier identifier) {
-  return guarded([identifier] {
-    const std::optional<std::string> name = nameOf(identifier);
-    return name && findScriptMethod(*name) != nullptr;
-  });
+  return guarded(false, [=] { return findMethod(identifier) != nullptr; });
 }
 
 bool NP_ABI invoke(NPObject* object, NPIdentifier identifier, const NPVariant* args,
                    uint32_t argCount, NPVariant* result) {
-  return guarded([=] {
+  return guarded(false, [=] {
     ovOrvaneWebPlugin* const plugin = pluginOf(object);
-    if (plugin == nullptr) return false;
-    const std::optional<std::string> name = nameOf(identifier);
-    const NamedScriptMethod* const method = name ? findScriptMethod(*name) : nullptr;
-    return method != nullptr && callMethod(*plugin, *method, args, argCount, result);
+    const ScriptMethod* const method = plugin != nullptr ? findMethod(identifier) : nullptr;
+    return method != nullptr && callMethod(*plugin, *method, Arguments(args, argCount), result);
   });
 }
 
@@ -156,11 +152,11 @@ bool NP_ABI removeProperty(NPObject*, NPIdentifier) {
 }
 
 bool NP_ABI hasProperty(NPObject*, NPIdentifier identifier) {
-  return guarded([identifier] { return findProperty(identifier) != nullptr; });
+  return guarded(false, [identifier] { return findProperty(identifier) != nullptr; });
 }
 
 bool NP_ABI getProperty(NPObject* object, NPIdentifier identifier, NPVariant* result) {
-  return guarded([=] {
+  return guarded(false, [=] {
     ovOrvaneWebPlugin* const plugin = pluginOf(object);
     const ScriptProperty* const property = plugin != nullptr ? findProperty(identifier) : nullptr;
     return property != nullptr && property->read(*plugin, result);
@@ -168,7 +164,7 @@ bool NP_ABI getProperty(NPObject* object, NPIdentifier identifier, NPVariant* re
 }
 
 bool NP_ABI setProperty(NPObject* object, NPIdentifier identifier, const NPVariant* value) {
-  return guarded([=] {
+  return guarded(false, [=] {
     ovOrvaneWebPlugin* const plugin = pluginOf(object);
     const ScriptProperty* const property = plugin != nullptr ? findProperty(identifier) : nullptr;
     return property != nullptr && property->write(*plugin, *value);
@@ -177,22 +173,11 @@ bool NP_ABI setProperty(NPObject* object, NPIdentifier identifier, const NPVaria
 
 }  // namespace
 
-NPClass* scriptClass() {
+NPClass* createScriptClass() {
   // `enumerate` and `construct` are null: the browser must not call what is not there.
-  static NPClass table = {NP_CLASS_STRUCT_VERSION,
-                          allocate,
-                          ignore,
-                          ignore,
-                          hasMethod,
-                          invoke,
-                          invokeDefault,
-                          hasProperty,
-                          getProperty,
-                          setProperty,
-                          removeProperty,
-                          nullptr,
-                          nullptr};
-  return &table;
+  return keep(NPClass{NP_CLASS_STRUCT_VERSION, allocate, ignore, ignore, hasMethod, invoke,
+                      invokeDefault, hasProperty, getProperty, setProperty, removeProperty, nullptr,
+                      nullptr});
 }
 
 }  // namespace Vantrel::Web::Gecko

@@ -3,8 +3,6 @@
 // questions about names.
 #pragma once
 
-#include <string_view>
-
 #include "browsers/gecko/netscape_plugin_api.h"
 
 namespace Vantrel::Web::Gecko {
@@ -15,7 +13,8 @@ struct ovOrvaneWebScriptObject : NPObject {
   ovOrvaneWebPlugin* plugin;  // null before the instance has written it and once it is gone
 };
 
-// The table for NPN_CreateObject, the same for all instances.
-NPClass* scriptClass();
+// A table for one NPN_CreateObject, of the instance's own: a browser may keep notes by the table's
+// address. Neither the table nor an object made by it is ever freed. Throws std::bad_alloc.
+NPClass* createScriptClass();
 
 }  // namespace Vantrel::Web::Gecko

@@ -1,20 +1,18 @@
 #include "browsers/gecko/transfer_event_handler.h"
 
-#include <exception>
 #include <utility>
 
 #include "browsers/gecko/async_call.h"
 #include "browsers/gecko/page_calls.h"
 #include "runtime/ov_log.h"
+#include "threads/guarded.h"
 
 namespace Vantrel::Web::Gecko {
 
-namespace {
-
 // One event on its way. Delivered to whatever the handler's target is by then.
-class TransferEvent : public AsyncCall {
+class TransferEventHandler::Event : public AsyncCall {
  public:
-  TransferEvent(std::weak_ptr<TransferEventHandler*> receiver, std::string payload)
+  Event(std::weak_ptr<TransferEventHandler*> receiver, std::string payload)
       : handler_(std::move(receiver)), text_(std::move(payload)) {}
 
   void deliver() override {
@@ -22,8 +20,8 @@ class TransferEvent : public AsyncCall {
     NPObject* target = nullptr;
     // Only for this moment: the page function may end the instance.
     if (const std::shared_ptr<TransferEventHandler*> receiver = handler_.lock()) {
-      npp = (*receiver)->npp;
-      target = (*receiver)->target;
+      npp = (*receiver)->npp_;
+      target = (*receiver)->target_;
     }
     sendEvent(npp, target, PageEvent::kTransfer, text_);
   }
@@ -33,10 +31,8 @@ class TransferEvent : public AsyncCall {
   std::string text_;
 };
 
-}  // namespace
-
 TransferEventHandler::TransferEventHandler(NPP instance, NPObject* function)
-    : EventHandler(instance, function), self_(std::make_shared<TransferEventHandler*>(this)) {
+    : npp_(instance), target_(function), self_(std::make_shared<TransferEventHandler*>(this)) {
   OV_DEBUG("TransferEventHandler() [%p]", static_cast<void*>(this));
 }
 
@@ -45,20 +41,18 @@ TransferEventHandler::~TransferEventHandler() {
 }
 
 void TransferEventHandler::setTarget(NPObject* function) {
-  target = function;
+  target_ = function;
   keptTarget_.reset();
 }
 
 void TransferEventHandler::keepTarget(NPObject* function) {
-  if (target == function && !keptTarget_) keptTarget_ = RetainedObject(function);
+  if (target_ == function && !keptTarget_) keptTarget_ = RetainedObject(function);
 }
 
 void TransferEventHandler::transferEventOccurred(const std::string& text) {
-  try {
-    if (target != nullptr) postToBrowser(npp, std::make_unique<TransferEvent>(self_, text));
-  } catch (const std::exception& exception) {
-    ov_err("%s", exception.what());
-  }
+  guarded([this, &text] {
+    if (target_ != nullptr) postToBrowser(npp_, std::make_unique<Event>(self_, text));
+  });
 }
 
 }  // namespace Vantrel::Web::Gecko

@@ -13,24 +13,12 @@
 
 namespace Vantrel::Web::Gecko {
 
-// The standing target of events.
-class EventHandler {
- public:
-  EventHandler(NPP instance, NPObject* function) : npp(instance), target(function) {}
-  virtual ~EventHandler() = default;
-  EventHandler(const EventHandler&) = delete;
-  EventHandler& operator=(const EventHandler&) = delete;
-
-  NPP npp;
-  // Read by the poller's thread for its being null alone. The reference is the instance's, or
-  // keptTarget's once the page has taken the function back.
-  std::atomic<NPObject*> target;
-};
-
-class TransferEventHandler : public EventHandler, public TransferEventListener {
+class TransferEventHandler : public TransferEventListener {
  public:
   TransferEventHandler(NPP instance, NPObject* function);
-  ~TransferEventHandler() override;
+  virtual ~TransferEventHandler();
+  TransferEventHandler(const TransferEventHandler&) = delete;
+  TransferEventHandler& operator=(const TransferEventHandler&) = delete;
 
   // The page's new function. The instance holds the reference.
   void setTarget(NPObject* function);
@@ -42,6 +30,12 @@ class TransferEventHandler : public EventHandler, public TransferEventListener {
   void transferEventOccurred(const std::string& text) override;
 
  private:
+  class Event;
+
+  const NPP npp_;
+  // Read by the poller's thread for its being null alone. The reference is the instance's, or
+  // keptTarget_'s once the page has taken the function back.
+  std::atomic<NPObject*> target_;
   RetainedObject keptTarget_;
   // What an event on its way holds of us: expired means that we are gone.
   std::shared_ptr<TransferEventHandler*> self_;

@@ -1,6 +1,5 @@
 #include "browsers/gecko/variant.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -22,28 +21,24 @@ std::string_view textView(const NPVariant& variant) {
   return counted.substr(0, counted.find('\0'));
 }
 
+}  // namespace
+
 bool matches(Argument wanted, const NPVariant& variant) {
   switch (wanted) {
+    case Argument::kAnything:
+      return true;
     case Argument::kText:
       return variant.type == NPVariantType_String;
     case Argument::kNonEmptyText:
       return variant.type == NPVariantType_String && variant.value.stringValue.UTF8Length != 0;
     case Argument::kBoolean:
       return isBooleanLike(variant);
+    case Argument::kNumber:
+      return variant.type == NPVariantType_Int32 || variant.type == NPVariantType_Double;
     case Argument::kObject:
       return variant.type == NPVariantType_Object;
   }
   return false;
-}
-
-}  // namespace
-
-bool argumentsBegin(std::initializer_list<Argument> wanted, const NPVariant* args, uint32_t count) {
-  return count >= wanted.size() && std::equal(wanted.begin(), wanted.end(), args, matches);
-}
-
-bool argumentsAre(std::initializer_list<Argument> wanted, const NPVariant* args, uint32_t count) {
-  return count == wanted.size() && argumentsBegin(wanted, args, count);
 }
 
 bool isBooleanLike(const NPVariant& variant) {
@@ -63,10 +58,6 @@ std::string textOf(const NPVariant& variant) {
 
 std::string countedTextOf(const NPVariant& variant) {
   return std::string(countedView(variant));
-}
-
-bool isNumber(const NPVariant& variant) {
-  return variant.type == NPVariantType_Int32 || variant.type == NPVariantType_Double;
 }
 
 uint32_t low32Of(const NPVariant& number) {

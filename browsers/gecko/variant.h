@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -12,11 +11,9 @@
 namespace Vantrel::Web::Gecko {
 
 // What a script method wants an argument to be.
-enum class Argument { kText, kNonEmptyText, kBoolean, kObject };
+enum class Argument { kAnything, kText, kNonEmptyText, kBoolean, kNumber, kObject };
 
-// Whether the arguments are exactly, or begin with, those wanted.
-bool argumentsAre(std::initializer_list<Argument> wanted, const NPVariant* args, uint32_t count);
-bool argumentsBegin(std::initializer_list<Argument> wanted, const NPVariant* args, uint32_t count);
+bool matches(Argument wanted, const NPVariant& variant);
 
 // A bool, or the text "true" or "false".
 bool isBooleanLike(const NPVariant& variant);
@@ -27,8 +24,6 @@ bool toBool(const NPVariant& variant);
 std::string textOf(const NPVariant& variant);
 std::string countedTextOf(const NPVariant& variant);
 
-// Whether the variant is a number as scripts give them.
-bool isNumber(const NPVariant& variant);
 // The low 32 bits of the number, truncated toward zero to 64 bits; 0 for what does not fit there.
 uint32_t low32Of(const NPVariant& number);
 

@@ -101,10 +101,10 @@ TEST_F(VariantTest, NumbersGiveTheirLow32BitsTruncatedTowardZero) {
 }
 
 TEST_F(VariantTest, OnlyIntegersAndDoublesAreNumbers) {
-  EXPECT_TRUE(isNumber(FakeBrowser::number(1)));
-  EXPECT_TRUE(isNumber(FakeBrowser::number(1.5)));
-  EXPECT_FALSE(isNumber(browser_.text("1")));
-  EXPECT_FALSE(isNumber(FakeBrowser::boolean(true)));
+  EXPECT_TRUE(matches(Argument::kNumber, FakeBrowser::number(1)));
+  EXPECT_TRUE(matches(Argument::kNumber, FakeBrowser::number(1.5)));
+  EXPECT_FALSE(matches(Argument::kNumber, browser_.text("1")));
+  EXPECT_FALSE(matches(Argument::kNumber, FakeBrowser::boolean(true)));
 }
 
 TEST_F(VariantTest, TextForTheBrowserIsACopyWithAClosingNul) {
@@ -130,17 +130,17 @@ TEST_F(VariantTest, WithoutMemoryTheTextIsEmpty) {
   EXPECT_EQ(variant.value.stringValue.UTF8Length, 0u);
 }
 
-TEST_F(VariantTest, ArgumentsAreCheckedByCountThenType) {
+TEST_F(VariantTest, AnArgumentIsOfAKind) {
   using enum Argument;
-  const NPVariant args[] = {browser_.text("a"), browser_.object(), browser_.text("")};
-  EXPECT_TRUE(argumentsAre({kNonEmptyText, kObject, kText}, args, 3));
-  EXPECT_FALSE(argumentsAre({kNonEmptyText, kObject}, args, 3));
-  EXPECT_FALSE(argumentsAre({kNonEmptyText, kObject, kText, kText}, args, 3));
-  EXPECT_FALSE(argumentsAre({kNonEmptyText, kObject, kNonEmptyText}, args, 3));
-  EXPECT_FALSE(argumentsAre({kObject, kObject, kText}, args, 3));
-  EXPECT_TRUE(argumentsBegin({kText}, args, 3));
-  EXPECT_FALSE(argumentsBegin({kText}, args, 0));
-  EXPECT_TRUE(argumentsAre({}, nullptr, 0));
+  EXPECT_TRUE(matches(kText, browser_.text("")));
+  EXPECT_FALSE(matches(kNonEmptyText, browser_.text("")));
+  EXPECT_TRUE(matches(kNonEmptyText, browser_.text("a")));
+  EXPECT_FALSE(matches(kText, browser_.object()));
+  EXPECT_TRUE(matches(kObject, browser_.object()));
+  EXPECT_FALSE(matches(kObject, browser_.text("a")));
+  EXPECT_TRUE(matches(kBoolean, browser_.text("true")));
+  EXPECT_FALSE(matches(kBoolean, FakeBrowser::number(1)));
+  EXPECT_TRUE(matches(kAnything, NPVariant{NPVariantType_Void, {}}));
 }
 
 }  // namespace

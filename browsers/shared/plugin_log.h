@@ -1,5 +1,5 @@
-// The plug-in's own log: debugging at full level into a file of the user's local data. Shared by
-// both front ends; browser's thread only.
+// The plug-in's own log: debugging at full level into a file of the user's local data. Opened and
+// closed by the module's start and end, one thread at a time.
 #pragma once
 
 #include <string>
@@ -7,12 +7,12 @@
 namespace Vantrel::Web {
 
 // Opens the log unless it is open. Throws SystemException if there is no place for it.
-void plugin_log_init();
+void openPluginLog();
 
-// Closes the log; does nothing unless plugin_log_init has run since the last time.
-void plugin_log_shutdown();
+// Closes the log; does nothing unless openPluginLog has run since the last time.
+void closePluginLog();
 
-// The log's path, whose directory is made when it is first asked for. Throws as plugin_log_init.
-const std::string& plugin_log_path();
+// The log's path, whose directory is made when it is first asked for. Throws as openPluginLog.
+const std::string& pluginLogPath();
 
 }  // namespace Vantrel::Web

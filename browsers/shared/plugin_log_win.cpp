@@ -23,7 +23,7 @@ std::string logPath;
 
 }  // namespace
 
-const std::string& plugin_log_path() {
+const std::string& pluginLogPath() {
   if (logPath.empty()) {
     const std::string directory = plugin_base_dir() + kLogDirectory;
     // Where the directory cannot be made, opening the log tells so.
@@ -33,14 +33,14 @@ const std::string& plugin_log_path() {
   return logPath;
 }
 
-void plugin_log_init() {
+void openPluginLog() {
   if (std::exchange(initialized, true)) return;
-  ov_log_init(kFileLog, plugin_log_path().c_str());
+  ov_log_init(kFileLog, pluginLogPath().c_str());
   ov_dbg_set(kDebugLevel);
   ov_dbg_set_all(kDebugLevel);
 }
 
-void plugin_log_shutdown() {
+void closePluginLog() {
   if (std::exchange(initialized, false)) ov_log_cleanup();
 }
 

@@ -26,6 +26,9 @@ struct HeapUse {
 // Busy blocks of all heaps of this process. Browsers' and test's own blocks count too.
 HeapUse heapUse();
 
+// Whether a block of malloc's begins here and was not freed.
+bool isAllocated(const void* block);
+
 // Runs the messages that wait for this thread, without waiting.
 void pumpMessages();
 // Sleeps a moment so that other threads get on.

@@ -3,6 +3,7 @@
 #include <windows.h>
 #include <tlhelp32.h>
 #include <winternl.h>
+#include <malloc.h>
 
 #include <memory>
 
@@ -98,6 +99,10 @@ HeapUse heapUse() {
     HeapUnlock(heaps[i]);
   }
   return use;
+}
+
+bool isAllocated(const void* block) {
+  return HeapValidate(reinterpret_cast<HANDLE>(_get_heap_handle()), 0, block) != FALSE;
 }
 
 void pumpMessages() {

@@ -1,5 +1,7 @@
 // Life of an instance: its parameters, the page's host, the user agent, the functions that the
 // browser calls on it.
+#include <windows.h>
+
 #include <gmock/gmock.h>
 
 #include "tests/plugin/plugin_fixture.h"
@@ -223,6 +225,94 @@ TEST_F(LibraryInstanceTest, ANullWindowMakesNoView) {
   Instance instance(host());
   EXPECT_EQ(host().plugin().setwindow(instance.npp(), nullptr), NPERR_NO_ERROR);
   EXPECT_FALSE(instance.call("handleDrop").accepted);
+}
+
+TEST_F(LibraryInstanceTest, AnImageThatIsAScriptIsNotRequested) {
+  for (const char* const url :
+       {"javascript:alert(1)", "JavaScript:", " \t\r\n\x01javascript:x", "java\nscr\tipt\r:x"}) {
+    Instance instance(host(), {{"image", url}});
+    NPWindow window{};
+    EXPECT_EQ(host().plugin().setwindow(instance.npp(), &window), NPERR_NO_ERROR);
+    EXPECT_TRUE(host().urlRequests.empty()) << url;
+  }
+  EXPECT_EQ(logCount("LOG WARNING: Unable to load image from URL: "), 4U);
+}
+
+TEST_F(LibraryInstanceTest, AnyOtherImageIsRequestedAsItStands) {
+  for (const char* const url : {"javascript", "xjavascript:", "javascript%3A", "/javascript:x",
+                                " http://some.host/a.png"}) {
+    Instance instance(host(), {{"image", url}});
+    NPWindow window{};
+    EXPECT_EQ(host().plugin().setwindow(instance.npp(), &window), NPERR_NO_ERROR);
+    ASSERT_FALSE(host().urlRequests.empty()) << url;
+    EXPECT_EQ(host().urlRequests.back().url, url);
+  }
+  EXPECT_EQ(host().urlRequests.size(), 5U);
+  EXPECT_FALSE(logHas("WARNING: Unable to load image"));
+}
+
+TEST_F(LibraryInstanceTest, ABrowserThatFetchesNothingIsWarnedOf) {
+  Host::TableShape shape;
+  shape.edit = [](NPNetscapeFuncs& table) { table.geturlnotify = nullptr; };
+  EXPECT_EQ(host().initialize(shape), NPERR_NO_ERROR);
+  Instance instance(host(), {{"image", "http://some.host/a.png"}});
+  NPWindow window{};
+  EXPECT_EQ(host().plugin().setwindow(instance.npp(), &window), NPERR_NO_ERROR);
+  EXPECT_TRUE(logHas("LOG WARNING: Unable to load image from URL: http://some.host/a.png\r\n"));
+}
+
+// Each of these may be missing from a browser's table, and the library goes on without.
+TEST_F(LibraryInstanceTest, ABrowserWithoutAFunctionThatIsCalledIsSurvived) {
+  void (*const edits[])(NPNetscapeFuncs&) = {
+      [](NPNetscapeFuncs& table) { table.uagent = nullptr; },
+      [](NPNetscapeFuncs& table) { table.hasmethod = nullptr; },
+      [](NPNetscapeFuncs& table) { table.invoke = nullptr; },
+      [](NPNetscapeFuncs& table) { table.invokeDefault = nullptr; },
+      [](NPNetscapeFuncs& table) { table.releasevariantvalue = nullptr; },
+      [](NPNetscapeFuncs& table) { table.pluginthreadasynccall = nullptr; },
+  };
+  for (const auto edit : edits) {
+    Host::TableShape shape;
+    shape.edit = edit;
+    EXPECT_EQ(host().initialize(shape), NPERR_NO_ERROR);
+    Instance instance(host());
+    EXPECT_EQ(instance.call("queryVersion").value, text("3.7"));
+  }
+}
+
+TEST_F(LibraryInstanceTest, ABrowserWithoutMemoryGetsTextsWithoutCharacters) {
+  Host::TableShape shape;
+  shape.edit = [](NPNetscapeFuncs& table) { table.memalloc = nullptr; };
+  EXPECT_EQ(host().initialize(shape), NPERR_NO_ERROR);
+  Instance instance(host());
+  EXPECT_EQ(instance.call("queryVersion").value, Value::nullString());
+}
+
+TEST_F(LibraryInstanceTest, TheHiddenWindowGoesWithItsInstanceAndSoDoesItsClass) {
+  constexpr wchar_t kName[] = L"OWEventWindow0";
+  auto* const module = static_cast<HINSTANCE>(const_cast<void*>(host().module()));
+  WNDCLASSEXW found = {};
+  found.cbSize = sizeof found;
+  Instance instance(host());
+  EXPECT_NE(FindWindowExW(HWND_MESSAGE, nullptr, kName, L"OrvaneWebEventWindow0"), nullptr);
+  EXPECT_NE(GetClassInfoExW(module, kName, &found), FALSE);
+  instance.end();
+  EXPECT_EQ(FindWindowExW(HWND_MESSAGE, nullptr, kName, nullptr), nullptr);
+  EXPECT_EQ(GetClassInfoExW(module, kName, &found), FALSE);
+}
+
+TEST_F(LibraryInstanceTest, WhatAPostedFunctionThrowsStaysInTheLibrary) {
+  struct Pair {
+    void (*function)(void*);
+    void* argument;
+  };
+  constexpr UINT kCallbackMessage = 1151;
+  Instance instance(host());
+  const HWND window = FindWindowExW(HWND_MESSAGE, nullptr, L"OWEventWindow0", nullptr);
+  // The library frees it, with the platform's free.
+  auto* const pair = new Pair{[](void*) { throw std::runtime_error("100% broken"); }, nullptr};
+  SendMessageW(window, kCallbackMessage, 0, reinterpret_cast<LPARAM>(pair));
+  EXPECT_EQ(logCount("ERR 100% broken\r\n"), 1U);
 }
 
 TEST_F(LibraryInstanceTest, FileNamesOfStreamsAreNeverFormats) {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "tests/host/process_state.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace Vantrel::Web {
@@ -40,6 +41,42 @@ TEST_F(ModuleTest, AfterARefusedTableAGoodOneWorks) {
   EXPECT_EQ(host().initializeWithoutTable(), NPERR_INVALID_FUNCTABLE_ERROR);
   EXPECT_EQ(host().initialize(), NPERR_NO_ERROR);
   expectWorkingInstance();
+}
+
+TEST_F(ModuleTest, ANullTableLeavesARunningModuleAlone) {
+  EXPECT_EQ(host().initialize(), NPERR_NO_ERROR);
+  EXPECT_EQ(host().initializeWithoutTable(), NPERR_INVALID_FUNCTABLE_ERROR);
+  EXPECT_TRUE(logHas("ERR OW_PopulateNetscapeFunctionTable() - Null argument"));
+  expectWorkingInstance();
+  EXPECT_TRUE(logHas("~ovOrvaneWebPlugin() - done"));
+  EXPECT_EQ(host().shutdown(), NPERR_NO_ERROR);
+  EXPECT_EQ(logCount("Shutting down Orvane Web Gecko plugin"), 1U);
+}
+
+TEST_F(ModuleTest, AnEndWithoutAStartDoesNothing) {
+  EXPECT_EQ(host().shutdown(), NPERR_NO_ERROR);
+  EXPECT_EQ(host().initialize(), NPERR_NO_ERROR);
+  expectWorkingInstance();
+  EXPECT_EQ(host().shutdown(), NPERR_NO_ERROR);
+  EXPECT_EQ(host().shutdown(), NPERR_NO_ERROR);
+}
+
+TEST_F(ModuleTest, AScriptObjectAndItsTableOutliveTheLibrary) {
+  EXPECT_EQ(host().initialize(), NPERR_NO_ERROR);
+  ASSERT_EQ(host().getEntryPoints(), NPERR_NO_ERROR);
+  NPObject* object = nullptr;
+  const NPClass* table = nullptr;
+  {
+    Instance first(host());
+    Instance second(host());
+    object = first.script();
+    table = object->_class;
+    EXPECT_NE(table, second.script()->_class);
+  }
+  EXPECT_TRUE(finish().empty());
+  // A late release writes here; nobody else may have the memory by then.
+  EXPECT_TRUE(Host::isAllocated(object));
+  EXPECT_TRUE(Host::isAllocated(table));
 }
 
 TEST_F(ModuleTest, StartAndEndAreLogged) {

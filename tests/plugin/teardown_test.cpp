@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/host/process_state.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace Vantrel::Web {
@@ -118,7 +119,7 @@ TEST_F(TeardownTest, AnAnswerThatWaitsIsDroppedWithTheInstance) {
   EXPECT_EQ(host().async.dropped(), 1);
 }
 
-TEST_F(TeardownTest, AnAnswerMayBeDeliveredAfterTheEnd) {
+TEST_F(TeardownTest, AnAnswerDeliveredAfterTheEndReachesNobody) {
   Host::PageReference function = host().page.makeFunction("callback");
   host().async.setMode(AsyncCalls::Mode::kHold);
   Instance instance(host());
@@ -126,11 +127,52 @@ TEST_F(TeardownTest, AnAnswerMayBeDeliveredAfterTheEnd) {
   ASSERT_TRUE(host().pumpUntil([this] { return host().async.waiting() == 1; }));
   instance.deliverLateCalls = true;
   instance.destroy();
+  instance.settle({.objects = {{function.get(), 1}}});
   host().async.setMode(AsyncCalls::Mode::kQueue);
   host().pumpOnce();
-  ASSERT_THAT(function->calls, SizeIs(1));
-  EXPECT_EQ(function->calls[0].arguments.at(0), text("{}"));
+  EXPECT_THAT(function->calls, IsEmpty());
+  EXPECT_EQ(host().async.waiting(), 0);
+}
+
+TEST_F(TeardownTest, WhatTheBrowserHasNotRunIsFreedWithTheInstance) {
+  constexpr size_t kAnswerBytes = 1 << 20;
+  constexpr int kAnswers = 8;
+  server_.always(kPath, Script().send(httpReply(std::string(kAnswerBytes, 'a'))));
+  Host::PageReference function = host().page.makeFunction("callback");
+  host().async.setMode(AsyncCalls::Mode::kDrop);
+  Instance instance(host());
+  const size_t before = Host::heapUse().bytes;
+  for (int i = 0; i < kAnswers; ++i) sendAsync(instance, function);
+  ASSERT_TRUE(host().pumpUntil([this] { return host().async.dropped() == kAnswers; }));
+  EXPECT_GE(Host::heapUse().bytes, before + kAnswers * kAnswerBytes);
+  instance.end({.objects = {{function.get(), kAnswers}}});
+  EXPECT_LT(Host::heapUse().bytes, before + kAnswerBytes);
+}
+
+TEST_F(TeardownTest, AnAnswerCostsOneRetainAndOneRelease) {
+  Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  instance.script();
+  const int before = host().objects.references();
+  sendAsync(instance, function);
+  ASSERT_TRUE(waitForCalls(function, 1));
+  EXPECT_EQ(host().objects.references(), before + 1);
   EXPECT_EQ(host().objects.pluginReferences(function.get()), 0);
+}
+
+TEST_F(TeardownTest, ABrowserWithoutCallsFromOtherThreadsGetsNoAnswer) {
+  Host::TableShape shape;
+  shape.edit = [](NPNetscapeFuncs& table) { table.pluginthreadasynccall = nullptr; };
+  ASSERT_EQ(host().initialize(shape), NPERR_NO_ERROR);
+  Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  sendAsync(instance, function);
+  ASSERT_TRUE(host().pumpUntil(
+      [this] { return logHas("ERR The browser takes no calls from other threads\r\n"); }));
+  // The worker lives, and so does its lock.
+  sendAsync(instance, function);
+  ASSERT_TRUE(server_.waitForRequests(kPath, 2));
+  instance.end({.objects = {{function.get(), 2}}});
 }
 
 TEST_F(TeardownTest, EventsDeliveredAfterTheEndReachNobody) {

@@ -25,6 +25,7 @@ FakeBrowser::FakeBrowser() {
     std::free(block);
   };
   browserFuncs.retainobject = [](NPObject* object) {
+    ++current->retains;
     ++object->referenceCount;
     return object;
   };
@@ -32,7 +33,11 @@ FakeBrowser::FakeBrowser() {
     EXPECT_GT(object->referenceCount, 0u);
     --object->referenceCount;
   };
-  browserFuncs.releasevariantvalue = [](NPVariant*) { ++current->releasedVariants; };
+  browserFuncs.releasevariantvalue = [](NPVariant* variant) {
+    ++current->releasedVariants;
+    if (variant->type != NPVariantType_String) return;
+    browserFuncs.memfree(const_cast<char*>(variant->value.stringValue.UTF8Characters));
+  };
   browserFuncs.invokeDefault = [](NPP npp, NPObject* function, const NPVariant* args,
                                   uint32_t count, NPVariant* result) {
     EXPECT_EQ(npp, &current->instance);

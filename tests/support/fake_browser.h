@@ -36,6 +36,8 @@ class FakeBrowser {
   int runAsyncCalls();
   // Forgets it, as a browser does whose instance is gone.
   void dropAsyncCalls() { asyncCalls_.clear(); }
+  // What the browser is to hand to the function that waits first.
+  void* waitingArgument() const { return asyncCalls_.front().second; }
   size_t waitingCalls() const { return asyncCalls_.size(); }
 
   // A page object with methods, whose calls are noted like those of functions, behind the name.
@@ -59,6 +61,7 @@ class FakeBrowser {
   bool invokeResult = true;
   std::vector<std::vector<std::string>> invocations;
   int releasedVariants = 0;
+  int retains = 0;
   int blocks = 0;  // of the browser's memory in use
   bool outOfMemory = false;
   // Given up on purpose at the end of a case.
