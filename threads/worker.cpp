@@ -1,8 +1,9 @@
 #include "threads/worker.h"
 
 #include "runtime/ov_log.h"
-#include "threads/system_exception.h"
+#include "threads/guarded.h"
 #include "threads/platform.h"
+#include "threads/system_exception.h"
 
 namespace Vantrel::Web {
 
@@ -25,7 +26,7 @@ Worker::ThreadResult Worker::startHelper(void* argument) {
   if (result < 0) {
     ov_err("Worker start_helper() - CoInitialize failed: %x", static_cast<unsigned>(result));
   }
-  static_cast<Worker*>(argument)->run();
+  guarded([argument] { static_cast<Worker*>(argument)->run(); });
   uninitializeThreadCom();
   return 0;
 }

@@ -5,12 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "tests/support/log_recorder.h"
-#include "threads/system_exception.h"
 #include "threads/platform.h"
+#include "threads/system_exception.h"
 
 namespace {
 
@@ -55,11 +56,15 @@ namespace {
 class BriefWorker : public Worker {
  public:
   bool done() override { return finished && reportsDone; }
-  void run() override { finished = true; }
+  void run() override {
+    finished = true;
+    if (throws) throw std::runtime_error("100% broken");
+  }
   void stop() override {}
 
   std::atomic<bool> finished{false};
   bool reportsDone = true;
+  bool throws = false;
 };
 
 class WorkerFailureTest : public testing::Test {
@@ -88,6 +93,14 @@ TEST_F(WorkerFailureTest, ComThatWasUpAlreadyIsNoFailure) {
   worker_.join();
   EXPECT_EQ(fake_.comEnds, 1);
   EXPECT_TRUE(log_.lines("ERR").empty()) << log_.text();
+}
+
+TEST_F(WorkerFailureTest, WhatTheWorkThrowsIsLoggedAndTheThreadEnds) {
+  worker_.throws = true;
+  worker_.start();
+  worker_.join();
+  EXPECT_EQ(fake_.comEnds, 1);
+  EXPECT_EQ(log_.lines("ERR"), std::vector<std::string>{"100% broken"});
 }
 
 TEST_F(WorkerFailureTest, FailedStartThrowsAndLogsNothing) {
