@@ -191,13 +191,14 @@ void utfRows(const std::string& kind, const std::string& piece) {
 
 int main() {
   using namespace Vantrel::Web::Bench;
-  encodeRow("base64 of 50 MiB / memcpy", kLarge, 1, Aim::atMost(1.7));
-  encodeRow("base64 of 64 KiB / memcpy", kSmall, 200, {});
-  decodeRow();
-  utfRows("ASCII", "The quick brown fox jumps over the lazy dog. ");
-  utfRows("mixed",
-          "Gr\xC3\xB6\xC3\x9F"
-          "e \xE2\x82\xAC 5, \xE6\x96\x87\xE5\xAD\x97 \xF0\x9F\x98\x80 and so on. ");
-  utfRows("CJK", "\xE6\x96\x87\xE5\xAD\x97\xE8\xA9\xB1");
-  return 0;
+  return runRows([] {
+    encodeRow("base64 of 50 MiB / memcpy", kLarge, 1, Aim::atMost(1.7));
+    encodeRow("base64 of 64 KiB / memcpy", kSmall, 200, {});
+    decodeRow();
+    utfRows("ASCII", "The quick brown fox jumps over the lazy dog. ");
+    utfRows("mixed",
+            "Gr\xC3\xB6\xC3\x9F"
+            "e \xE2\x82\xAC 5, \xE6\x96\x87\xE5\xAD\x97 \xF0\x9F\x98\x80 and so on. ");
+    utfRows("CJK", "\xE6\x96\x87\xE5\xAD\x97\xE8\xA9\xB1");
+  });
 }

@@ -227,11 +227,12 @@ void scriptRows(const Server& server, size_t replySize, const Host::ScratchProfi
 
 int main() {
   using namespace Vantrel::Web::Bench;
-  // Before anything of the library, which looks for the client's files there.
-  const Vantrel::Web::Host::ScratchProfile profile;
-  const Server server;
-  const size_t replySize = replySizeOf(server.port());
-  invokeRow(server.port(), replySize);
-  scriptRows(server, replySize, profile);
-  return 0;
+  return runRows([] {
+    // Before anything of the library, which looks for the client's files there.
+    const Vantrel::Web::Host::ScratchProfile profile;
+    const Server server;
+    const size_t replySize = replySizeOf(server.port());
+    invokeRow(server.port(), replySize);
+    scriptRows(server, replySize, profile);
+  });
 }

@@ -33,6 +33,7 @@ void lineRow(size_t size, const Aim& aim) {
   ov_log_set_logfile_size(kNoLimit);
   // One after the other: a message that repeats the one before it is only counted.
   std::vector<std::string> texts;
+  texts.reserve(kTexts);
   for (int i = 0; i < kTexts; ++i) texts.push_back(std::string(size - 1, 'x') + std::to_string(i));
   const std::string path = folder.path("bench.log");
   const size_t before = ov::TempFolder::read(path).size();
@@ -61,8 +62,9 @@ void lineRow(size_t size, const Aim& aim) {
 
 int main() {
   using namespace Vantrel::Web::Bench;
-  lineRow(20, Aim::atMost(1.15));
-  lineRow(80, Aim::atMost(1.15));
-  lineRow(1000, Aim::atMost(1.4));
-  return 0;
+  return runRows([] {
+    lineRow(20, Aim::atMost(1.15));
+    lineRow(80, Aim::atMost(1.15));
+    lineRow(1000, Aim::atMost(1.4));
+  });
 }

@@ -88,15 +88,19 @@ void peakRow(const char* name, const char* what, const Server& server, const Aim
 
 int main(int argc, char* argv[]) {
   using namespace Vantrel::Web::Bench;
-  if (argc == 3) {
-    measure(argv[1], static_cast<uint16_t>(std::stoul(argv[2])));
-    return 0;
-  }
-  const Server server;
-  peakRow("peak memory of a 64 MiB reply with a length / 64 MiB", kSized, server, Aim::atMost(2.2));
-  peakRow("peak memory of a 64 MiB reply without one / 64 MiB", kUnsized, server, Aim::atMost(2.2));
-  peakRow("peak memory of a 64 MiB request, one text / 64 MiB", kOneText, server, Aim::atMost(2.5));
-  peakRow("peak memory of a 64 MiB request, 100-byte paths / 64 MiB", kManyTexts, server,
-          Aim::atMost(2.5));
-  return 0;
+  return runRows([&] {
+    if (argc == 3) {
+      measure(argv[1], static_cast<uint16_t>(std::stoul(argv[2])));
+      return;
+    }
+    const Server server;
+    peakRow("peak memory of a 64 MiB reply with a length / 64 MiB", kSized, server,
+            Aim::atMost(2.2));
+    peakRow("peak memory of a 64 MiB reply without one / 64 MiB", kUnsized, server,
+            Aim::atMost(2.2));
+    peakRow("peak memory of a 64 MiB request, one text / 64 MiB", kOneText, server,
+            Aim::atMost(2.5));
+    peakRow("peak memory of a 64 MiB request, 100-byte paths / 64 MiB", kManyTexts, server,
+            Aim::atMost(2.5));
+  });
 }

@@ -117,15 +117,16 @@ void endRow(const PlainBrowser& browser) {
 
 int main() {
   using namespace Vantrel::Web::Bench;
-  const Vantrel::Web::Host::ScratchProfile profile;
-  const Server server;
-  profile.writeServiceUrl(uriText(server.port()));
-  const PlainBrowser browser;
-  {
-    PlainInstance instance(browser);
-    versionRow(browser, instance);
-  }
-  deliveryRow();
-  endRow(browser);
-  return 0;
+  return runRows([] {
+    const Vantrel::Web::Host::ScratchProfile profile;
+    const Server server;
+    profile.writeServiceUrl(uriText(server.port()));
+    const PlainBrowser browser;
+    {
+      PlainInstance instance(browser);
+      versionRow(browser, instance);
+    }
+    deliveryRow();
+    endRow(browser);
+  });
 }

@@ -17,7 +17,7 @@ namespace {
 
 constexpr wchar_t kLibrary[] = L"nporvaneweb.dll";
 constexpr char kUserAgent[] = "Mozilla/5.0 (Windows NT 6.1; rv:52.0) Firefox/52.0";
-constexpr char kHostname[] = "some.host";
+constexpr std::string_view kHostname = "some.host";
 
 struct PostedCall {
   NPP npp;
@@ -138,7 +138,8 @@ bool NP_ABI invokeDefault(NPP, NPObject* object, const NPVariant* args, uint32_t
 
 bool NP_ABI getProperty(NPP, NPObject*, NPIdentifier name, NPVariant* result) {
   if (nameOf(name) == "hostname") {
-    *result = textVariant(copyOf(kHostname));
+    *result = {NPVariantType_String, {}};
+    result->value.stringValue = {copyOf(kHostname), static_cast<uint32_t>(kHostname.size())};
   } else {
     *result = {NPVariantType_Object, {}};
     result->value.objectValue = retain(window());
@@ -240,6 +241,7 @@ void PlainInstance::end() {
 size_t PlainInstance::call(const char* method, const std::vector<std::string_view>& texts,
                            PageFunction* function) {
   std::vector<NPVariant> arguments;
+  arguments.reserve(texts.size() + 1);
   for (const std::string_view text : texts) arguments.push_back(textVariant(text));
   if (function != nullptr) {
     arguments.push_back({NPVariantType_Object, {}});

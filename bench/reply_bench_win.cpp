@@ -77,13 +77,14 @@ void debugRow(PlainBrowser& browser, PlainInstance& instance) {
 
 int main() {
   using namespace Vantrel::Web::Bench;
-  const Vantrel::Web::Host::ScratchProfile profile;
-  const Server server;
-  profile.writeServiceUrl(uriText(server.port()));
-  PlainBrowser browser;
-  PlainInstance instance(browser);
-  growthRow("reply of 64 MiB / of 32 MiB, with a length", kSizedPath, instance);
-  growthRow("reply of 64 MiB / of 32 MiB, without one", kUnsizedPath, instance);
-  debugRow(browser, instance);
-  return 0;
+  return runRows([] {
+    const Vantrel::Web::Host::ScratchProfile profile;
+    const Server server;
+    profile.writeServiceUrl(uriText(server.port()));
+    PlainBrowser browser;
+    PlainInstance instance(browser);
+    growthRow("reply of 64 MiB / of 32 MiB, with a length", kSizedPath, instance);
+    growthRow("reply of 64 MiB / of 32 MiB, without one", kUnsizedPath, instance);
+    debugRow(browser, instance);
+  });
 }
