@@ -27,9 +27,12 @@ using PendingRecord = std::multimap<Runnable*, Pending>;
 // Static like the record, so that both are there before init and after cleanup.
 std::mutex pendingMutex;  // guards the record
 
-// Never destroyed: the module may be unloaded while its work is still named here.
+// Made by the first work and never destroyed: the module may be unloaded while work is still named
+// here. No local static, whose making leaves handles of the C++ runtime behind at an unload.
+PendingRecord* record = nullptr;
+
 PendingRecord& pending() {
-  static auto* const record = new PendingRecord;
+  if (record == nullptr) record = new PendingRecord;
   return *record;
 }
 
@@ -82,8 +85,10 @@ void RunnableScheduler::stopRunnables(OneShotManager* oneShotManager) {
   std::vector<Runnable*> own;
   {
     const std::lock_guard<std::mutex> lock(pendingMutex);
+    const size_t size = record == nullptr ? 0 : record->size();
     OV_DEBUG("RunnableScheduler::stopRunnables() - osm=%p; size=%i",
-             static_cast<void*>(oneShotManager), static_cast<int>(pending().size()));
+             static_cast<void*>(oneShotManager), static_cast<int>(size));
+    if (size == 0) return;
     for (const auto& [runnable, entry] : pending()) {
       if (entry.owner == oneShotManager->id()) own.push_back(runnable);
     }

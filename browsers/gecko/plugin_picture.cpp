@@ -16,7 +16,7 @@ namespace {
 // characters before the scheme, and tabs and line ends within it.
 bool isScript(std::string_view url) {
   constexpr std::string_view kScheme = "javascript:";
-  const size_t begin = static_cast<size_t>(
+  const auto begin = static_cast<size_t>(
       std::find_if(url.begin(), url.end(), [](unsigned char c) { return c > ' '; }) - url.begin());
   size_t matched = 0;
   for (const char c : url.substr(begin)) {
