@@ -193,9 +193,9 @@ ov_rc ov_process_fork(ov_process* process, const char* command, const char* dire
                               : start_with_streams(process, wide.text(), pipes);
   if (error != 0) return error;
   pipes.keep();
-  if (isLocal) {  // nobody else can
-    CloseHandle(local.process);
-    CloseHandle(local.thread);
+  if (isLocal) {  // nobody else can close them
+    const KernelHandle child(local.process);
+    const KernelHandle thread(local.thread);
   }
   return 0;
 }

@@ -60,10 +60,11 @@ struct Replaced<Result (*)(Arguments...), Call> {
   using Function = Result (*)(Arguments...);
   static inline std::atomic<Function> real = nullptr;
   static Result call(Arguments... arguments) {
-    if (fails(Call::name)) return static_cast<Result>(Call::fail());
+    if (fails(Call::kName)) return static_cast<Result>(Call::fail());
     // No guarded static: the thread library makes such calls in the midst of its own guards.
     Function function = real.load();
-    if (!function) real.store(function = unreplaced_call<Function>(Call::module, Call::name));
+    if (function == nullptr)
+      real.store(function = unreplaced_call<Function>(Call::kModule, Call::kName));
     return function(arguments...);
   }
 };
@@ -74,8 +75,8 @@ struct Replaced<Result (*)(Arguments...), Call> {
 #define OV_FAILING(module_name, function, result, error)                              \
   namespace ov::torture {                                                             \
   struct function##Call {                                                             \
-    static constexpr const char* name = #function;                                    \
-    static constexpr const wchar_t* module = module_name;                             \
+    static constexpr const char* kName = #function;                                   \
+    static constexpr const wchar_t* kModule = module_name;                            \
     static decltype(auto) fail() {                                                    \
       SetLastError(error);                                                            \
       return result;                                                                  \
@@ -101,9 +102,9 @@ OV_FAILING_HANDLE(FindFirstFileW, ERROR_ACCESS_DENIED)
 OV_FAILING_HANDLE(FindFirstFileExW, ERROR_ACCESS_DENIED)
 OV_FAILING_OBJECT(CreateMutexW, ERROR_NOT_ENOUGH_MEMORY)
 OV_FAILING_OBJECT(CreateSemaphoreW, ERROR_NOT_ENOUGH_MEMORY)
-OV_FAILING_OBJECT(CreateSemaphoreA, ERROR_NOT_ENOUGH_MEMORY)
 OV_FAILING_OBJECT(CreateEventW, ERROR_NOT_ENOUGH_MEMORY)
 OV_FAILING_OBJECT(CreateThread, ERROR_NOT_ENOUGH_MEMORY)
+OV_FAILING(L"kernel32.dll", ResumeThread, ~DWORD{0}, ERROR_ACCESS_DENIED)
 OV_FAILING_TEST(FindNextFileW, ERROR_GEN_FAILURE)
 OV_FAILING_TEST(ReadFile, ERROR_READ_FAULT)
 OV_FAILING_TEST(WriteFile, ERROR_DISK_FULL)
