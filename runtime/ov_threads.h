@@ -120,7 +120,7 @@ ov_rc ov_sem_trywait(ov_sem* s, int32_t milliseconds);
 ov_rc ov_named_mutex_init(ov_named_mutex* m, const char* name);
 ov_rc ov_named_local_mutex_init(ov_named_mutex* m, const char* name);
 
-/* Close the lock in this process; the two are one. */
+/* Close the lock in this process; the two differ in the words of a failure only. */
 ov_rc ov_named_mutex_destroy(ov_named_mutex* m);
 ov_rc ov_named_mutex_force_destroy(ov_named_mutex* m);
 
@@ -134,9 +134,7 @@ ov_rc ov_named_mutex_release(ov_named_mutex* m);
    is filled before the thread runs. OV_EINVAL for a null function. */
 ov_rc ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument);
 
-/* Waits for the end of the thread and frees its handle; OV_EBADF for a thread that was joined
- * before.
- */
+/* Waits for the end of the thread and frees its handle; OV_EBADF for one that was joined before. */
 ov_rc ov_thread_join(ov_thread* thread);
 
 /* Sleeps. 0. */

@@ -1,10 +1,13 @@
-// What is known of an address record without the system.
+// What is known of an address record, and of the texts that name one, without the system.
+#include "runtime/sockets/address.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_sockets.h"
+#include "runtime/ov_strings.h"
 #include "runtime/strings/decimal.h"
 
 static_assert(sizeof(ov_sock_addr) == 28 && offsetof(ov_sock_addr, ipv6) == 8);
@@ -41,6 +44,18 @@ bool same_address(const ov_sock_addr* a, const ov_sock_addr* b) {
   if (!is_known(a) || a->family != b->family) return false;
   if (is_ipv4(a)) return a->ipv4 == b->ipv4;
   return memcmp(a->ipv6, b->ipv6, sizeof a->ipv6) == 0;
+}
+
+// Results of a look-up that say enough by themselves.
+constexpr int32_t kPlainResults[] = {8, 10022, 10044, 10047, 10109, 11001, 11002, 11003};
+
+const char* split_at(const char* host_begin, const char* host_end, const char* port,
+                     char (&host)[ov::kHostSize]) {
+  const auto length = static_cast<size_t>(host_end - host_begin);
+  if (length >= ov::kHostSize) return nullptr;
+  memcpy(host, host_begin, length);
+  host[length] = '\0';
+  return port;
 }
 
 }  // namespace
@@ -117,3 +132,23 @@ ov_rc ov_sock_is_private_network(const ov_sock_addr* addr, int32_t* answer) {
   *answer = isPrivate ? 1 : 0;
   return 0;
 }
+
+namespace ov {
+
+const char* split_port(const char* text, char (&host)[kHostSize]) {
+  const char* const bracket = strchr(text, '[');
+  const char* const end = bracket == nullptr ? nullptr : strstr(bracket, "]:");
+  if (end != nullptr) return split_at(bracket + 1, end, end + 2, host);
+  if (ov_str_cntchr(text, ':') != 1) return nullptr;
+  const char* const colon = strchr(text, ':');
+  return split_at(text, colon, colon + 1, host);
+}
+
+ov_rc lookup_code(int32_t result, int32_t last_error) {
+  for (const int32_t plain : kPlainResults) {
+    if (result == plain) return result;
+  }
+  return last_error != 0 ? last_error : OV_EINTERNAL1;
+}
+
+}  // namespace ov

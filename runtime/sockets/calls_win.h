@@ -14,7 +14,7 @@
 
 #include "runtime/errors/last_code.h"
 #include "runtime/ov_sockets.h"
-#include "runtime/sockets/names.h"
+#include "runtime/sockets/address.h"
 
 namespace ov {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "runtime/ov_sockets.h"
-#include "runtime/sockets/names.h"
+#include "runtime/sockets/address.h"
 #include "tests/support/runtime/sockets_names_reference.h"
 
 namespace {

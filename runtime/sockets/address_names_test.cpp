@@ -1,4 +1,4 @@
-#include "runtime/sockets/names.h"
+#include "runtime/sockets/address.h"
 
 #include <gtest/gtest.h>
 
