@@ -26,12 +26,19 @@ run() {
   shift
   # Into a file: what Wine starts beside the program would keep a pipe open.
   "$@" >"$output" 2>&1 || { cat "$output" >&2; step_failed "$(basename "$output" .log)"; }
-  tee -a "$rows" <"$output"
+  tr -d '\r' <"$output" | tee -a "$rows"
 }
 
 heading() {
   printf '%s:\n' "$1" | tee -a "$rows"
 }
+
+for bench in "$@"; do
+  case " $windows " in
+    *" $bench "*) ;;
+    *) echo "no program $bench; there are: $windows" >&2 && exit 2 ;;
+  esac
+done
 
 step bench-configure-native cmake --preset bench
 step bench-build-native cmake --build --preset bench
@@ -39,8 +46,8 @@ step bench-build-native cmake --build --preset bench
 step bench-build-windows cmake --build --preset windows --target benches
 
 : >"$rows"
-heading "natively"
 for bench in $(chosen "$native" "$*"); do
+  [ -s "$rows" ] || heading "natively"
   run "native-$bench" "build/bench/${bench}_bench"
 done
 
@@ -50,3 +57,4 @@ heading "under Wine"
 for bench in $(chosen "$windows" "$*"); do
   run "wine-$bench" scripts/wine-run.sh build/windows "build/windows/${bench}_bench.exe"
 done
+echo "$(grep -c ' \(ok\|over\|-\)$' "$rows") rows, $(grep -c ' over$' "$rows" || true) over"
