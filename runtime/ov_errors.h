@@ -8,6 +8,7 @@ OV_BEGIN_DECLS
 
 /* Numbers of the platform that the base runtime also returns by itself. */
 #define OV_OK 0
+#define OV_EINTR 4
 #define OV_EBADF 6
 #define OV_ENOMEM 8
 #define OV_EINVAL 22
@@ -15,6 +16,7 @@ OV_BEGIN_DECLS
 #define OV_ERANGE 122
 #define OV_EEXIST 183
 #define OV_EPATHMAX 206
+#define OV_ESOCKINTR 10004
 
 /* Private codes, in one unbroken range; OV_ERR_END marks its end and has no message. */
 #define OV_ERR_FIRST 28672
@@ -73,17 +75,18 @@ OV_BEGIN_DECLS
 OV_DATA const int32_t g_ov_err_count;
 OV_DATA const char* const g_ov_err_table[OV_ERR_COUNT];
 
-/* Name of a code, "EINVAL" for 22; "OV_UNKNOWN_ERRNO" for a code not listed. */
+/* Name of a code, "EINVAL" for OV_EINVAL; "OV_UNKNOWN_ERRNO" for a code not listed. */
 const char* ov_errno2str(int32_t code);
 
 /* Message of a code in UTF-8, without a line end. A private code's message may be cut and is still
-   0; a message of the system that does not fit gives 122. 22 for a null buffer or size 0; the
-   system's code when it has no message. */
+   0; a message of the system that does not fit gives OV_ERANGE. OV_EINVAL for a null buffer or size
+   0; the system's code when it has no message. */
 ov_rc ov_platform_errstr(int32_t code, char* buffer, size_t size);
 /* The same as an expression: `buffer`, or the constant "Could not retrieve error message". */
 const char* ov_platform_errstr_inline(int32_t code, char* buffer, size_t size);
 
-/* 1 for the codes of an interrupted call, 4 and 10004; else 0. */
+/* 1 for the codes of an interrupted call, OV_EINTR and OV_ESOCKINTR; else 0. ov_errno2str has the
+   platform's name for the first, which is another. */
 int32_t ov_err_is_eintr(int32_t code);
 
 /* "SIGINT" for the platform's signal number 2, and so on; "UNKNOWN SIGNAL" for others. */

@@ -30,13 +30,14 @@ int32_t ov_err(const char* format, ...) OV_PRINTF(1, 2);
 int32_t ov_dbg(const char* format, ...) OV_PRINTF(1, 2);
 
 /* Log at a level of the caller's choice (above 2 reads as DBG, below 0 as ERR). 0 also when the
-   level is switched off; 22 before the log is set up; 28686 when the text cannot be formatted for
-   a function sink. The text is cut at 4093 bytes (file) or 4091 bytes (function sink). */
+   level is switched off; OV_EINVAL before the log is set up; OV_ELOG when the text cannot be
+   formatted for a function sink. The text is cut at 4093 bytes (file) or 4091 bytes (function
+   sink). */
 ov_rc ov_log_msg(int32_t level, const char* format, ...) OV_PRINTF(2, 3);
 ov_rc ov_log_vmsg(int32_t level, const char* format, va_list arguments) OV_PRINTF(2, 0);
 
 /* Sends every message to `sink` as level name, one blank and text, with no line end. 0, also when
-   the log is set up already (then nothing changes); 122 for a null sink. */
+   the log is set up already (then nothing changes); OV_ERANGE for a null sink. */
 ov_rc ov_log_init_function(void (*sink)(const char* text));
 
 /* Write and read g_log_enabled. */
@@ -49,16 +50,17 @@ int32_t ov_dbg_get(void);
 void ov_dbg_set_all(int32_t level);
 
 /* Bounded formatting; `dst` is always terminated when `size` is not 0. The length written, or less
-   than 0 when the text cannot be formatted. With size 0 (dst may be null) the length needed. A text
-   that is cut makes ov_snprintf return size - 1 and log it at debug level; ov_vsnprintf returns
-   size. */
+   than 0 when the text cannot be formatted: what `dst` holds then means nothing. No argument may
+   lie in `dst`. With size 0 (dst may be null) the length needed. A text that is cut makes
+   ov_snprintf return size - 1 and log it at debug level; ov_vsnprintf returns size. */
 int32_t ov_snprintf(char* dst, size_t size, const char* format, ...) OV_PRINTF(3, 4);
 int32_t ov_vsnprintf(char* dst, size_t size, const char* format, va_list arguments) OV_PRINTF(3, 0);
 
-/* Opens the text log behind `path` (UTF-8, up to 520 bytes; "-" is standard error; a suffix ":N"
-   is a size limit of N MiB). Mode 3 is refused with 22, all other modes mean the same. 0, also when
-   the log is set up already; 22 for a null path, 206 for a path too long, 122 when the default
-   directory cannot be composed, or the system's code. */
+/* Opens the text log behind `path` (UTF-8, up to 519 bytes; "-" is standard error; a suffix ":N"
+   is a size limit of N MiB). Mode 3 is refused with OV_EINVAL, all other modes mean the same. 0,
+   also when the log is set up already; OV_EINVAL for a null path or a file that cannot be opened,
+   OV_EPATHMAX for a path too long, OV_ERANGE when the default directory cannot be composed, or the
+   system's code. */
 ov_rc ov_log_init(int32_t mode, const char* path);
 /* Highest level that is also echoed to standard error; -1, the value at the start, echoes none. */
 void ov_log_set_echo(int32_t level);

@@ -20,10 +20,10 @@ void ov_time_print(void);
 /* Ticks per second of the clock's source; 0 before ov_time_init. */
 void ov_time_sys_tick_frequency(uint64_t* frequency);
 
-/* Reads the clock, starting it if need be. 22 for null, or the system's code. */
+/* Reads the clock, starting it if need be. OV_EINVAL for null, or the system's code. */
 ov_rc ov_time_gettimeofday(ov_timeval* now);
-/* Microseconds from `earlier` to now. 22 for null arguments; also, with a log line and *usec 0, for
-   an `earlier` in the future. */
+/* Microseconds from `earlier` to now. OV_EINVAL for null arguments; also, with a log line and *usec
+   0, for an `earlier` in the future. */
 ov_rc ov_time_get_usec_since(const ov_timeval* earlier, int64_t* usec);
 /* The same, for intervals known to be short. */
 ov_rc ov_time_get_usec_since_small(const ov_timeval* earlier, int64_t* usec);
@@ -36,11 +36,11 @@ void ov_time_tv_incr(ov_timeval* tv, int64_t usec);
 /* Subtracts `usec` microseconds, at most 1000000 of them. */
 void ov_time_tv_dec(ov_timeval* tv, int64_t usec);
 
-/* Break down a time as UTC or as the machine's local time. 22 for null arguments or a time that the
-   platform's calendar does not cover (before 1970). */
+/* Break down a time as UTC or as the machine's local time. OV_EINVAL for null arguments or a time
+   that the platform's calendar does not cover (before 1970). */
 ov_rc ov_time_gmtime(const int64_t* time, struct tm* tm);
 ov_rc ov_time_localtime(const int64_t* time, struct tm* tm);
-/* The reverse, from UTC or from local time; `tm` is normalised. 22 when there is no such time. */
+/* The reverse, from UTC or from local time; `tm` is normalised. OV_EINVAL when there is none. */
 ov_rc ov_time_timegm(struct tm* tm, int64_t* time);
 ov_rc ov_time_mktime(struct tm* tm, int64_t* time);
 /* From 100-nanosecond units since 1601 to seconds since 1970; 0 always. */
@@ -48,7 +48,8 @@ ov_rc ov_time_convert_epoch(int64_t* time, int64_t filetime);
 
 /* strftime with two more conversions: %L, milliseconds (here always 000), and %z, the present
    offset from UTC as in +0130 (UTC itself is -0000). `out` holds `size` bytes and is left alone on
-   failure. 22 for null arguments, 122 for a text that is empty or does not fit, 8 without memory.
+   failure. OV_EINVAL for null arguments, OV_ERANGE for a text that is empty or does not fit,
+   OV_ENOMEM without memory.
  */
 ov_rc ov_time_strftime(char* out, size_t size, const char* format, const struct tm* tm);
 /* The same of a time broken down as UTC, as local time, or of a time with microseconds, as UTC. A

@@ -132,10 +132,6 @@ constexpr CodeName kPlatformNames[] = {
     {10061, "ECONNREFUSED"},
 };
 
-// Interrupted calls: the standard library's number and the platform's interrupted socket call.
-constexpr int32_t kInterruptedCall = 4;
-constexpr int32_t kInterruptedSocketCall = 10004;
-
 // Cuts the line end that the platform's messages close with; texts below three bytes stay.
 void cut_line_end(char* text) {
   const size_t length = std::strlen(text);
@@ -173,5 +169,5 @@ const char* ov_platform_errstr_inline(int32_t code, char* buffer, size_t size) {
 }
 
 int32_t ov_err_is_eintr(int32_t code) {
-  return code == kInterruptedCall || code == kInterruptedSocketCall ? 1 : 0;
+  return code == OV_EINTR || code == OV_ESOCKINTR ? 1 : 0;
 }

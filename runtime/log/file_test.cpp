@@ -229,6 +229,18 @@ TEST_F(LogFileTest, BadPathLeavesTheLogSetUpWithoutAFile) {
   EXPECT_EQ("", digits());
 }
 
+TEST_F(LogFileTest, PathOf519BytesIsTheLongest) {
+  std::string longest = path("none/");
+  longest.append(519 - longest.size(), 'x');
+  testing::internal::CaptureStderr();
+  const ov_rc opened = ov_log_init(2, longest.c_str());
+  EXPECT_NE(OV_EPATHMAX, opened);
+  EXPECT_NE(0, opened);  // there is no such directory
+  EXPECT_NE("", testing::internal::GetCapturedStderr());
+  ov_log_cleanup();
+  EXPECT_EQ(OV_EPATHMAX, ov_log_init(2, (longest + "x").c_str()));
+}
+
 TEST_F(LogFileTest, MissingDirectoryIsToldOnStandardError) {
   testing::internal::CaptureStderr();
   EXPECT_NE(0, ov_log_init(2, path("none/app.log").c_str()));

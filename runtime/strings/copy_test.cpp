@@ -70,6 +70,27 @@ TEST(StringsCopyTest, SourceBoundIsHonouredWithoutATerminator) {
   EXPECT_STREQ("ab", text);
 }
 
+TEST(StringsCopyTest, SourceBoundMayHalveASequenceAndTheTextIsWhole) {
+  char text[8] = "";
+  EXPECT_EQ(0, ov_str_nto(text, "a\xc3\xa9", 2, sizeof text, nullptr));
+  EXPECT_STREQ("a\xc3", text);
+}
+
+TEST(StringsCopyTest, SourceMayLieInTheBuffer) {
+  char text[16] = "  abcdef ";
+  EXPECT_EQ(0, ov_str_to(text, text + 2, sizeof text, nullptr));
+  EXPECT_STREQ("abcdef ", text);
+  EXPECT_EQ(0, ov_trimmed_str_to(text, text + 3, sizeof text, nullptr));
+  EXPECT_STREQ("def", text);
+  size_t pos = 1;
+  EXPECT_EQ(0, ov_str_to(text, text, sizeof text, &pos));
+  EXPECT_STREQ("ddef", text);
+  EXPECT_EQ(0, ov_str_ncat(text, text, sizeof text));
+  EXPECT_STREQ("ddefddef", text);
+  EXPECT_EQ(OV_EBUFFER, ov_str_ncat(text, text, sizeof text));
+  EXPECT_STREQ("ddefddefddefdde", text);
+}
+
 TEST(StringsCopyTest, PositionAtTheEndClearsTheTextAndIsLogged) {
   ov::CapturedLog log;
   char text[4] = "abc";

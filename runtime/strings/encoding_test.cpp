@@ -68,6 +68,27 @@ std::vector<std::string> all_texts(const std::string& letters, size_t length) {
   return texts;
 }
 
+// Long enough for the blocks of the fast ways and for what is left over.
+TEST(Base64Test, TextMayBeDecodedWhereItStands) {
+  std::mt19937 random(37);
+  for (size_t length = 0; length < 120; ++length) {
+    std::string bytes(length, '#');
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    const auto expect_in_place = [&bytes](Decoder decoder, std::string text) {
+      text.resize(text.size() + 4);
+      size_t written = 0;
+      ASSERT_EQ(0, decoder(text.data(), SIZE_MAX, text.data(), text.size(), &written));
+      ASSERT_EQ(bytes, text.substr(0, written));
+    };
+    const std::string text = encode(&ov_str_buf_to_base64, bytes);
+    expect_in_place(&ov_str_base64_to_buf, text);
+    expect_in_place(&ov_str_mime_base64_to_buf, text);
+    expect_in_place(&strict, text);
+    expect_in_place(&ov_str_base64url_to_buf, encode(&ov_str_buf_to_base64url, bytes));
+    expect_in_place(&ov_str_base16_to_buf, encode(&ov_str_buf_to_base16, bytes));
+  }
+}
+
 TEST(Base64Test, EveryInputOfUpToTwoBytesEncodesAsTheSlowEncoder) {
   for (int first = -1; first < 256; ++first) {
     for (int second = -1; second < 256; ++second) {

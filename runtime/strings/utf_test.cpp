@@ -97,6 +97,27 @@ TEST(UtfTest, SmallBufferGives122AndTheNeed) {
   EXPECT_STREQ("ab", text);
 }
 
+TEST(UtfTest, FailureLeavesTheBufferAsItWas) {
+  for (const size_t length : {size_t{3}, size_t{40}}) {
+    for (const char* tail : {"\xc3", "\xed\xa0\x80", "\xc3\xa9"}) {
+      const std::string text = std::string(length, 'a') + tail;
+      Units units(length + 1, 0x5555);
+      size_t bytes = units.size() * 2;
+      EXPECT_NE(0, ov_utf8_to_utf16(text.c_str(), 0, units.data(), &bytes));
+      EXPECT_EQ(Units(length + 1, 0x5555), units);
+    }
+    Units units(length, 'a');
+    for (const uint16_t last : {uint16_t{0xd800}, uint16_t{0xe9}}) {
+      Units source = units;
+      source.insert(source.end(), {last, 0});
+      std::string out(length + 2, '#');
+      size_t bytes = out.size();
+      EXPECT_NE(0, ov_utf16_to_utf8(source.data(), 0, out.data(), &bytes));
+      EXPECT_EQ(std::string(length + 2, '#'), out);
+    }
+  }
+}
+
 TEST(UtfTest, NullArgumentsGive22) {
   const uint16_t source[] = {'a', 0};
   uint16_t units[4];
