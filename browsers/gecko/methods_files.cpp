@@ -1,20 +1,24 @@
-// Script methods: the reading of files that the user approved. The reading itself is not there yet:
-// a call that passes its checks gives an empty text.
+// Script methods: the reading of files that the user approved.
 
 #include "browsers/gecko/orvane_web_plugin.h"
 #include "browsers/gecko/variant.h"
+#include "core/file_reading.h"
 
 namespace Vantrel::Web::Gecko {
 
 bool ovOrvaneWebPlugin::readAsArrayBuffer(Arguments args, NPVariant* result) {
-  if (countedTextOf(args[0]).empty()) return false;
-  stringToVariant("", result);
+  const std::string path = countedTextOf(args[0]);
+  if (path.empty()) return false;
+  stringToVariant(Vantrel::Web::readAsArrayBuffer(path), result);
   return true;
 }
 
 bool ovOrvaneWebPlugin::readChunkAsArrayBuffer(Arguments args, NPVariant* result) {
-  if (countedTextOf(args[0]).empty()) return false;
-  stringToVariant("", result);
+  const std::string path = countedTextOf(args[0]);
+  if (path.empty()) return false;
+  // Numbers of 32 bits: a negative one is a large one, which no file reaches.
+  stringToVariant(Vantrel::Web::readChunkAsArrayBuffer(path, low32Of(args[1]), low32Of(args[2])),
+                  result);
   return true;
 }
 

@@ -7,6 +7,7 @@
 
 #include "tests/plugin/method_table.h"
 #include "tests/plugin/plugin_fixture.h"
+#include "tests/support/fake_file_dialogs_win.h"
 
 namespace Vantrel::Web {
 namespace {
@@ -15,6 +16,9 @@ class ArgumentsTest : public PluginTest {
  protected:
   void SetUp() override {
     PluginTest::SetUp();
+    // Every dialog is answered with a cancel at once.
+    dialogs_.emplace();
+    dialogs_->results["Show"] = HRESULT_FROM_WIN32(ERROR_CANCELLED);
     function_.emplace(host().page.makeFunction("callback"));
     instance_.emplace(host());
   }
@@ -26,6 +30,7 @@ class ArgumentsTest : public PluginTest {
     instance_->end({.objects = {{function_->get(), expectedKept_}}});
     instance_.reset();
     function_.reset();
+    dialogs_.reset();
     PluginTest::TearDown();
   }
 
@@ -46,11 +51,14 @@ class ArgumentsTest : public PluginTest {
   bool takes(const std::vector<Value>& arguments) {
     const bool accepted = instance_->call(method().name, arguments).accepted;
     if (accepted && std::string(method().name) == "vantrelHttpRequestAsync") ++expectedKept_;
+    // A dialog that waits for its turn has it now.
+    host().pumpOnce();
     return accepted;
   }
   // handleDrop needs a window; its arguments are tried where there is one.
   bool needsWindow() const { return std::string(method().name) == "handleDrop"; }
 
+  std::optional<TestSupport::FakeFileDialogs> dialogs_;
   const MethodEntry* current_ = nullptr;
   std::optional<Host::PageReference> function_;
   std::optional<Instance> instance_;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cwchar>
+#include <utility>
 
 #include "text/wide_text.h"
 
@@ -96,7 +97,10 @@ class Dialog : public Counted<Interface> {
   HRESULT STDMETHODCALLTYPE Show(HWND owner) override {
     current->owner = owner;
     current->watchedEnabled = IsWindowEnabled(current->watched) != FALSE;
-    return current->note("Show");
+    const HRESULT result = current->note("Show");
+    // The hook may show a dialog too, with a hook of its own.
+    if (const auto hook = std::exchange(current->onShow, nullptr)) hook();
+    return result;
   }
   HRESULT STDMETHODCALLTYPE SetFileTypes(UINT count, const COMDLG_FILTERSPEC* specs) override {
     std::string text;

@@ -7,6 +7,7 @@
 #include <windows.h>
 #include <shobjidl.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -29,6 +30,8 @@ class FakeFileDialogs {
   // The chosen paths, and what GetOptions tells.
   std::vector<std::wstring> chosen;
   FILEOPENDIALOGOPTIONS options = 0x1808;
+  // What happens while a dialog is shown.
+  std::function<void()> onShow;
   // The owner that the dialog was shown with.
   HWND owner = nullptr;
   // Whether the window was enabled while the dialog was shown.

@@ -1,0 +1,355 @@
+// The script methods of dialogs and of reading: what the page hears, what the user's choice allows
+// from then on, and what happens when the page goes while a dialog is shown.
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <optional>
+
+#include "tests/plugin/plugin_fixture.h"
+#include "tests/support/dialog_driver_win.h"
+#include "tests/support/fake_file_dialogs_win.h"
+#include "tests/support/runtime/temp_folder.h"
+#include "text/wide_text.h"
+
+namespace Vantrel::Web {
+namespace {
+
+using ov::TempFolder;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using TestSupport::DialogDriver;
+using TestSupport::FakeFileDialogs;
+
+constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
+constexpr char kHello[] = "data:text/plain;base64,SGVsbG8=";
+
+class DialogsTest : public PluginTest {
+ protected:
+  void SetUp() override {
+    PluginTest::SetUp();
+    file_ = path("höllo.txt");
+    TempFolder::write(file_, "Hello");
+    folder_ = path("a folder");
+    std::filesystem::create_directory(TempFolder::native(folder_));
+  }
+
+  // A path as the platform writes it.
+  std::string path(const std::string& name) const {
+    std::string text = temp_.path(name);
+    for (char& byte : text) byte = byte == '/' ? '\\' : byte;
+    return text;
+  }
+  // The forms in which a page gets a path.
+  static std::string doubled(std::string text) {
+    for (size_t at = 0; (at = text.find('\\', at)) != std::string::npos; at += 2) {
+      text.insert(at, 1, '\\');
+    }
+    return text;
+  }
+  static std::string escaped(std::string text) {
+    text = doubled(text);
+    for (size_t at = 0; (at = text.find(':', at)) != std::string::npos; at += 2) {
+      text.insert(at, 1, '\\');
+    }
+    return text;
+  }
+
+  Value read(Instance& instance, const std::string& name) {
+    return instance.call("readAsArrayBuffer", {text(name)}).value;
+  }
+  bool isRefused(Instance& instance, const std::string& name) {
+    return read(instance, name) ==
+           text(errorReply("Unable to read file context. Only files selected via standard file "
+                           "dialog or drag and drop accepted: " +
+                           name));
+  }
+  // Whether a download may go there; the question uses the consent up.
+  bool mayDownloadTo(Instance& instance, const std::string& name) {
+    const size_t before = logCount("LOG Accepted download to ");
+    instance.call("startDownloadToPath", {text("http://x/y"), text(name)});
+    return logCount("LOG Accepted download to ") > before;
+  }
+  Host::CallResult openAsync(Instance& instance, const Host::PageReference& function,
+                             const std::string& types = "") {
+    return instance.call("runOpenFileDialogAsync",
+                         {text("Title"), Value::boolean(true), text(types), function.value()});
+  }
+
+  TempFolder temp_;
+  std::string file_;
+  std::string folder_;
+};
+
+TEST_F(DialogsTest, ASynchronousOpenAnswersAndApprovesTheFiles) {
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {toWide(file_), toWide(path("b.txt"))};
+  Instance instance(host());
+  EXPECT_TRUE(isRefused(instance, file_));
+  EXPECT_EQ(instance.call("runOpenFileDialog", {Value::boolean(false), Value::boolean(true)}).value,
+            text(escaped(file_) + ":" + escaped(path("b.txt"))));
+  EXPECT_EQ(read(instance, file_), text(kHello));
+}
+
+TEST_F(DialogsTest, ASynchronousFolderMayBeAimedAtButIsNotApproved) {
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {toWide(folder_)};
+  Instance instance(host());
+  EXPECT_FALSE(mayDownloadTo(instance, folder_));
+  EXPECT_EQ(instance.call("runOpenFolderDialog", {Value::boolean(false)}).value,
+            text(escaped(folder_)));
+  EXPECT_TRUE(isRefused(instance, folder_));
+  EXPECT_TRUE(mayDownloadTo(instance, folder_));
+  EXPECT_FALSE(mayDownloadTo(instance, folder_));
+}
+
+TEST_F(DialogsTest, ASynchronousSaveAnswersThePathAsItIs) {
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {toWide(file_)};
+  Instance instance(host());
+  EXPECT_EQ(instance.call("runSaveFileDialog", {text("höllo.txt")}).value, text(file_));
+  EXPECT_TRUE(isRefused(instance, file_));
+  EXPECT_TRUE(mayDownloadTo(instance, file_));
+}
+
+TEST_F(DialogsTest, ASynchronousCancelAndAFailureAreAnEmptyText) {
+  FakeFileDialogs dialogs;
+  Instance instance(host());
+  for (const HRESULT result : {kCancelled, static_cast<HRESULT>(0x80070005)}) {
+    dialogs.results["Show"] = result;
+    EXPECT_EQ(
+        instance.call("runOpenFileDialog", {Value::boolean(false), Value::boolean(true)}).value,
+        text(""));
+    EXPECT_EQ(instance.call("runOpenFolderDialog", {Value::boolean(true)}).value, text(""));
+    EXPECT_EQ(instance.call("runSaveFileDialog", {text("")}).value, text(""));
+  }
+  for (const char* words : {"open file", "open folder", "save file"}) {
+    EXPECT_EQ(logCount("ERR Error displaying " + std::string(words) +
+                       " dialog: Show failed: 0x80070005\r\n"),
+              1u);
+  }
+}
+
+TEST_F(DialogsTest, AnAsynchronousOpenShowsLaterAnswersAndApproves) {
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {toWide(file_)};
+  const Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  EXPECT_EQ(openAsync(instance, function).value, Value::null());
+  EXPECT_THAT(dialogs.calls, IsEmpty());
+  EXPECT_EQ(host().objects.pluginReferences(function.get()), 1);
+  ASSERT_TRUE(waitForCalls(function, 1));
+  EXPECT_THAT(function->calls[0].arguments, ElementsAre(text("[\"" + doubled(file_) + "\"]")));
+  EXPECT_EQ(host().objects.pluginReferences(function.get()), 0);
+  EXPECT_EQ(read(instance, file_), text(kHello));
+  EXPECT_FALSE(mayDownloadTo(instance, file_));
+}
+
+TEST_F(DialogsTest, AnAsynchronousFolderIsApprovedAndMayBeAimedAt) {
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {toWide(folder_)};
+  const Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  instance.call("runOpenFolderDialogAsync",
+                {text(""), Value::boolean(false), function.value(), Value::boolean(true)});
+  ASSERT_TRUE(waitForCalls(function, 1));
+  EXPECT_THAT(function->calls[0].arguments.at(0).text,
+              testing::HasSubstr("\"name\":\"" + doubled(folder_) +
+                                 R"(","size":0,"type":"text/directory")"));
+  EXPECT_EQ(read(instance, folder_), text(errorReply("Invalid file type: " + folder_)));
+  EXPECT_TRUE(mayDownloadTo(instance, folder_));
+}
+
+TEST_F(DialogsTest, AnAsynchronousSaveIsAQuotedPathOrNull) {
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {toWide(file_)};
+  const Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  const auto save = [&] {
+    instance.call("runSaveFileDialogAsync", {text("T"), text("x.txt"), text(""), function.value()});
+  };
+  save();
+  ASSERT_TRUE(waitForCalls(function, 1));
+  EXPECT_THAT(function->calls[0].arguments, ElementsAre(text("\"" + doubled(file_) + "\"")));
+  EXPECT_TRUE(mayDownloadTo(instance, file_));
+  dialogs.results["Show"] = kCancelled;
+  save();
+  ASSERT_TRUE(waitForCalls(function, 2));
+  EXPECT_THAT(function->calls[1].arguments, ElementsAre(text("null")));
+  EXPECT_FALSE(mayDownloadTo(instance, file_));
+}
+
+TEST_F(DialogsTest, BadFileTypesAreTheAnswerOfAnAsynchronousDialog) {
+  FakeFileDialogs dialogs;
+  const Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  EXPECT_EQ(openAsync(instance, function, "{}").value, Value::null());
+  ASSERT_TRUE(waitForCalls(function, 1));
+  EXPECT_THAT(function->calls[0].arguments,
+              ElementsAre(text(
+                  errorReply("Error displaying open file dialog: Error parsing fileTypes JSON"))));
+}
+
+TEST_F(DialogsTest, ADialogThatWaitsWhenItsInstanceEndsIsNeverShown) {
+  FakeFileDialogs dialogs;
+  const Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  openAsync(instance, function);
+  // The message that would have shown it went with the window; what it carried stays.
+  instance.end({.objects = {{function.get(), 1}}});
+  host().pumpFor(100);
+  EXPECT_THAT(dialogs.calls, IsEmpty());
+  EXPECT_THAT(function->calls, IsEmpty());
+}
+
+TEST_F(DialogsTest, AnInstanceMayEndUnderItsAsynchronousDialog) {
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {toWide(file_)};
+  const Host::PageReference function = host().page.makeFunction("callback");
+  std::optional<Instance> instance(std::in_place, host());
+  bool shown = false;
+  dialogs.onShow = [&] {
+    shown = true;
+    EXPECT_EQ(instance->destroy(), NPERR_NO_ERROR);
+  };
+  openAsync(*instance, function);
+  EXPECT_TRUE(host().pumpUntil([&] { return shown; }));
+  EXPECT_THAT(function->calls, IsEmpty());
+  instance->settle({.objects = {{function.get(), 1}}});
+  instance.reset();
+  // A stopped dialog's choice is nobody's.
+  Instance other(host());
+  EXPECT_TRUE(isRefused(other, file_));
+}
+
+TEST_F(DialogsTest, AnInstanceMayEndUnderItsSynchronousDialog) {
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {toWide(folder_)};
+  for (const char* method : {"runOpenFolderDialog", "runSaveFileDialog"}) {
+    std::optional<Instance> instance(std::in_place, host());
+    instance->script();
+    dialogs.onShow = [&] { EXPECT_EQ(instance->destroy(), NPERR_NO_ERROR); };
+    const Value argument =
+        std::string(method) == "runSaveFileDialog" ? text("") : Value::boolean(true);
+    EXPECT_TRUE(instance->call(method, {argument}).accepted);
+    instance->settle();
+  }
+}
+
+TEST_F(DialogsTest, TwoDialogsAtOnceAreBothAnswered) {
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {toWide(file_)};
+  const Host::PageReference first = host().page.makeFunction("first");
+  const Host::PageReference second = host().page.makeFunction("second");
+  Instance instance(host());
+  dialogs.onShow = [&] {
+    openAsync(instance, second);
+    EXPECT_TRUE(waitForCalls(second, 1));
+  };
+  openAsync(instance, first);
+  ASSERT_TRUE(waitForCalls(first, 1));
+  EXPECT_EQ(second->calls.size(), 1u);
+}
+
+// With the platform's own dialogs. The first one in a process makes the platform start a thread
+// that stays, so one is shown before the host counts.
+class RealDialogsTest : public DialogsTest {
+ protected:
+  void SetUp() override {
+    showOne();
+    DialogsTest::SetUp();
+  }
+  static void showOne() {
+    ASSERT_GE(CoInitialize(nullptr), 0);
+    IFileOpenDialog* dialog = nullptr;
+    ASSERT_EQ(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_ALL, IID_IFileOpenDialog,
+                               reinterpret_cast<void**>(&dialog)),
+              S_OK);
+    {
+      const DialogDriver driver(DialogDriver::cancel);
+      EXPECT_EQ(dialog->Show(nullptr), kCancelled);
+    }
+    dialog->Release();
+    CoUninitialize();
+  }
+};
+
+TEST_F(RealDialogsTest, TheAnswerIsWhatTheUserTyped) {
+  const Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  {
+    const DialogDriver driver([this](HWND dialog) { DialogDriver::accept(dialog, toWide(file_)); });
+    openAsync(instance, function);
+    ASSERT_TRUE(waitForCalls(function, 1));
+  }
+  EXPECT_THAT(function->calls[0].arguments, ElementsAre(text("[\"" + doubled(file_) + "\"]")));
+  EXPECT_EQ(read(instance, file_), text(kHello));
+  const DialogDriver driver(DialogDriver::cancel);
+  EXPECT_EQ(instance.call("runSaveFileDialog", {text("x.txt")}).value, text(""));
+}
+
+class ReadingTest : public DialogsTest {
+ protected:
+  void SetUp() override {
+    DialogsTest::SetUp();
+    dialogs_.emplace();
+    dialogs_->chosen = {toWide(file_)};
+    instance_.emplace(host());
+    instance_->call("runOpenFileDialog", {Value::boolean(false), Value::boolean(false)});
+  }
+  void TearDown() override {
+    instance_.reset();
+    dialogs_.reset();
+    DialogsTest::TearDown();
+  }
+  Value chunk(const Value& offset, const Value& size) {
+    return instance_->call("readChunkAsArrayBuffer", {text(file_), offset, size}).value;
+  }
+
+  std::optional<FakeFileDialogs> dialogs_;
+  std::optional<Instance> instance_;
+};
+
+TEST_F(ReadingTest, ChunksAreCountedInWholeBytes) {
+  EXPECT_EQ(chunk(Value::number(0), Value::number(5)), text(kHello));
+  EXPECT_EQ(chunk(Value::number(1.9), Value::number(2.9)), text("data:text/plain;base64,ZWw="));
+  EXPECT_EQ(chunk(Value::number(4294967296.0), Value::number(5)), text(kHello));
+}
+
+TEST_F(ReadingTest, WhatLiesOutsideTheFileIsRefusedInBareWords) {
+  const Value range = text(
+      "Offset and chunk size cannot be negative, and the sum can't be greater than the file size");
+  EXPECT_EQ(chunk(Value::number(0), Value::number(0)), range);
+  EXPECT_EQ(chunk(Value::number(-1), Value::number(1)), range);
+  EXPECT_EQ(chunk(Value::number(0), Value::number(-1)), range);
+  EXPECT_EQ(chunk(Value::number(5), Value::number(1)), range);
+  EXPECT_EQ(chunk(Value::number(1e300), Value::number(6)), range);
+}
+
+TEST_F(ReadingTest, AFileOnOnePageIsReadOnAnother) {
+  Instance other(host());
+  EXPECT_EQ(read(other, file_), text(kHello));
+}
+
+TEST_F(ReadingTest, AFileThatAnotherHoldsAloneCannotBeOpened) {
+  const HANDLE held = CreateFileW(toWide(file_).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(held, INVALID_HANDLE_VALUE);
+  EXPECT_EQ(read(*instance_, file_), text("Unable to open file: " + file_));
+  EXPECT_TRUE(logHas("ERR " + file_ + " file unable to open 32\r\n"));
+  CloseHandle(held);
+  EXPECT_EQ(read(*instance_, file_), text(kHello));
+}
+
+TEST_F(ReadingTest, AnApprovedPathThatIsAFolderByNowIsRefused) {
+  std::filesystem::remove(TempFolder::native(file_));
+  std::filesystem::create_directory(TempFolder::native(file_));
+  EXPECT_EQ(read(*instance_, file_), text(errorReply("Invalid file type: " + file_)));
+}
+
+TEST_F(ReadingTest, WithoutBrowserMemoryTheAnswerIsNullText) {
+  host().memory.failAllocationAfter(0);
+  EXPECT_EQ(read(*instance_, file_), Value::nullString());
+}
+
+}  // namespace
+}  // namespace Vantrel::Web
