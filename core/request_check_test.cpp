@@ -136,6 +136,36 @@ TEST_F(RequestCheckTest, OtherMembersMayStandTwice) {
   EXPECT_EQ(check(send(R"(,"paths":[{"source":"C:/other/a","source":"C:/other/b"}])")), "");
 }
 
+TEST_F(RequestCheckTest, TextsMayBeWrittenWithEscapes) {
+  addToApprovedFileList({"C:/esc/a b", "C:/esc/\xC3\xA4", "C:/esc/plain"});
+  EXPECT_EQ(check(R"({"transfer_specs":[{"transfer_spec":{"paths":[{"source":"a\u0020b"},)"
+                  R"({"source":"plain"},{"s\u006furce":"\u00e4"},{"source":"\\plain"}],)"
+                  R"("source_root":"C:\\esc","direction":"s\u0065nd"}}]})"),
+            "");
+  EXPECT_EQ(check(R"({"transfer_specs":[{"transfer_spec":{"paths":[{"source":"plain"},)"
+                  R"({"source":"p\u0020"}],"source_root":"C:\/esc","direction":"send"}}]})"),
+            jsonErrorReply(kUnauthorizedFile + "C:/esc/p "));
+}
+
+TEST_F(RequestCheckTest, MembersOfOtherObjectsAreNotRead) {
+  EXPECT_EQ(check(R"({"direction":"send","paths":1,"transfer_spec":{"direction":"send"},)"
+                  R"("x":{"transfer_specs":[{"transfer_spec":{"direction":"send"}}]},)"
+                  R"("orvane_vantrel_settings":{"x":{"app_id":"refused"},"transfer_specs":[1]}})"),
+            "");
+  EXPECT_EQ(check(R"([{"transfer_specs":[{"transfer_spec":{"direction":"send"}}]}])"), "");
+  EXPECT_EQ(check(specs(R"([{"transfer_spec":{"direction":"send"}}])")), "");
+  EXPECT_EQ(check(send(R"(,"paths":[{"x":{"source":"C:/no"},"y":[{"source":"C:/no"}]}])")), "");
+}
+
+TEST_F(RequestCheckTest, DeepNestingIsAParsingError) {
+  const std::string open(1001, '[');
+  EXPECT_EQ(check(open + std::string(1001, ']')),
+            jsonErrorReply("Error parsing JSON: parse error: the text is nested too deeply\n"));
+  EXPECT_EQ(check(open.substr(1) + std::string(1000, ']')), "");
+  EXPECT_NE(check(std::string(1000000, '[')).find("nested too deeply"), std::string::npos);
+  EXPECT_NE(check(open.substr(1)).find("premature EOF"), std::string::npos);
+}
+
 TEST_F(RequestCheckTest, OtherJsonPasses) {
   for (const char* const body : {"{}", "[]", "1", "null", "\"text\"", R"({"any":"thing"})"}) {
     EXPECT_EQ(check(body), "") << body;

@@ -8,8 +8,6 @@ namespace Vantrel::Web {
 namespace {
 
 constexpr char kTooDeep[] = "parse error: the text is nested too deeply\n";
-constexpr char kHoldsNul[] = "a key or a text holds a NUL";
-constexpr std::string_view kNulEscape = "u0000";  // behind a backslash
 
 // Where a comment that begins at `at` ends, or `at` + 1 if none does. The parser accepts comments,
 // so a quote inside one must not be taken for the start of a string.
@@ -25,37 +23,32 @@ const char* skipComment(const char* at) {
   return at + 1;
 }
 
-// What a text shows before it is parsed.
-struct Glance {
-  int deepest = 0;        // how deep arrays and objects stand in each other
-  bool holdsNul = false;  // some string has the escape of a NUL
-};
-
 // The byte behind the string that opens at `at`, or the end of the text.
-const char* skipString(const char* at, Glance& glance) {
+const char* skipString(const char* at) {
   for (++at; *at != '\0'; ++at) {
-    if (*at == '"') return at + 1;
-    if (*at != '\\' || at[1] == '\0') continue;
-    ++at;
-    if (std::strncmp(at, kNulEscape.data(), kNulEscape.size()) == 0) glance.holdsNul = true;
+    if (*at == '\\' && at[1] != '\0') {
+      ++at;
+    } else if (*at == '"') {
+      return at + 1;
+    }
   }
   return at;
 }
 
-Glance glanceAt(const char* text) {
-  Glance glance;
+// Whether arrays and objects stand deeper in each other than `limit`.
+bool isDeeperThan(const char* text, int limit) {
   int depth = 0;
   for (const char* at = text; *at != '\0';) {
     switch (*at) {
       case '"':
-        at = skipString(at, glance);
+        at = skipString(at);
         continue;
       case '/':
         at = skipComment(at);
         continue;
       case '[':
       case '{':
-        glance.deepest = std::max(glance.deepest, ++depth);
+        if (++depth > limit) return true;
         break;
       case ']':
       case '}':
@@ -66,7 +59,7 @@ Glance glanceAt(const char* text) {
     }
     ++at;
   }
-  return glance;
+  return false;
 }
 
 }  // namespace
@@ -82,26 +75,13 @@ void JsonDocument::clear() {
 }
 
 bool JsonDocument::parse(const std::string& text) {
-  return parseText(text, Nul::kEndsText);
-}
-
-bool JsonDocument::parseForForwarding(const std::string& text) {
-  return parseText(text, Nul::kRefused);
-}
-
-bool JsonDocument::parseText(const std::string& text, Nul nul) {
   clear();
-  const Glance glance = glanceAt(text.c_str());
-  if (glance.deepest > kMaxDepth) return fail(kTooDeep);
-  const bool holdsNul = glance.holdsNul || text.find('\0') != std::string::npos;
-  if (nul == Nul::kRefused && holdsNul) return fail(kHoldsNul);
+  if (isDeeperThan(text.c_str(), kMaxDepth)) {
+    std::copy_n(kTooDeep, sizeof kTooDeep, errorBuffer_);
+    return false;
+  }
   root_ = yajl_tree_parse(text.c_str(), errorBuffer_, sizeof errorBuffer_);
   return root_ != nullptr;
-}
-
-bool JsonDocument::fail(std::string_view reason) {
-  errorBuffer_[reason.copy(errorBuffer_, sizeof errorBuffer_ - 1)] = '\0';
-  return false;
 }
 
 yajl_val JsonDocument::get(const char* const* path, yajl_val base) const {
@@ -127,16 +107,6 @@ std::string_view jsonText(yajl_val value) {
   if (value != nullptr && value->type == yajl_t_string) return value->u.string;
   if (value != nullptr && value->type == yajl_t_number) return value->u.number.r;
   return {};
-}
-
-const char* repeatedMember(yajl_val object, std::initializer_list<const char*> names) {
-  if (!YAJL_IS_OBJECT(object)) return nullptr;
-  for (const char* const name : names) {
-    const char* const* const keys = object->u.object.keys;
-    const auto isName = [name](const char* key) { return std::strcmp(key, name) == 0; };
-    if (std::count_if(keys, keys + object->u.object.len, isName) > 1) return name;
-  }
-  return nullptr;
 }
 
 }  // namespace Vantrel::Web

@@ -1,12 +1,12 @@
 // A parsed JSON text, which JsonDocument owns and reads by paths of keys.
 //
 // Lives on the stack of one operation, on any one thread; never copied. All JSON that the plug-in
-// reads passes through it. A path is an array of keys ended by a null pointer.
+// reads passes through it, but for the bodies that a page wants forwarded (core/request_body.h). A
+// path is an array of keys ended by a null pointer.
 #pragma once
 
 #include <yajl/yajl_tree.h>
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -27,11 +27,7 @@ class JsonDocument {
   // reason in errorText().
   bool parse(const std::string& text);
 
-  // The same for a text that goes on to another reader, which must not find in it what this object
-  // does not show: a NUL anywhere in it, also an escaped one in a key or a string, is an error.
-  bool parseForForwarding(const std::string& text);
-
-  // The message for the last parse; several lines for most errors of the parser.
+  // The parser's message for the last parse; several lines for most errors.
   std::string errorText() const { return errorBuffer_; }
 
   // The whole value, or null.
@@ -50,11 +46,7 @@ class JsonDocument {
   bool hasError() const;
 
  private:
-  enum class Nul { kEndsText, kRefused };
-
   void clear();
-  bool parseText(const std::string& text, Nul nul);
-  bool fail(std::string_view reason);
 
   yajl_val root_ = nullptr;
   char errorBuffer_[1024] = "";
@@ -63,9 +55,5 @@ class JsonDocument {
 // What getString gives for a value that was reached another way; empty for null. The document keeps
 // the text.
 std::string_view jsonText(yajl_val value);
-
-// The first of `names` that the object has more than once, or null. Only the parsing for forwarding
-// makes sure that no key was cut.
-const char* repeatedMember(yajl_val object, std::initializer_list<const char*> names);
 
 }  // namespace Vantrel::Web

@@ -101,31 +101,6 @@ TEST(JsonDocumentTest, TheTextEndsAtItsFirstNul) {
   EXPECT_EQ(document.getString(kA), "1");
 }
 
-TEST(JsonDocumentTest, ATextForForwardingHoldsNoNul) {
-  JsonDocument document;
-  for (const std::string& text : {std::string("{\"a\":1}\0", 8), std::string("\0", 1),
-                                  std::string("[\"\0\"]", 5), std::string(R"(["\u0000"])"),
-                                  std::string(R"({"\u0000":1})"), std::string(R"(["\\\u0000"])")}) {
-    EXPECT_FALSE(document.parseForForwarding(text)) << text;
-    EXPECT_EQ(document.errorText(), "a key or a text holds a NUL");
-    EXPECT_EQ(document.root(), nullptr);
-  }
-  EXPECT_TRUE(document.parse(R"(["\u0000"])"));
-  EXPECT_TRUE(document.parseForForwarding(R"(["\\u0000","u0000"])"));
-  EXPECT_FALSE(document.parseForForwarding("{"));
-  EXPECT_NE(document.errorText().find("premature EOF"), std::string::npos);
-}
-
-TEST(JsonDocumentTest, FindsTheFirstOfItsNamesThatIsRepeated) {
-  JsonDocument document;
-  ASSERT_TRUE(document.parse(R"({"a":1,"b":2,"b":3,"c":4,"c":5})"));
-  EXPECT_STREQ(repeatedMember(document.root(), {"a", "c", "b"}), "c");
-  EXPECT_EQ(repeatedMember(document.root(), {"a", "d"}), nullptr);
-  ASSERT_TRUE(document.parse(R"(["a","a"])"));
-  EXPECT_EQ(repeatedMember(document.root(), {"a"}), nullptr);
-  EXPECT_EQ(repeatedMember(nullptr, {"a"}), nullptr);
-}
-
 TEST(JsonDocumentTest, CommentsAreAccepted) {
   JsonDocument document;
   EXPECT_TRUE(document.parse("/* \" [[ */ {\"a\": // \"{{\n 1}"));
