@@ -1,9 +1,11 @@
 #include "core/approved_files.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <stdexcept>
 #include <string_view>
-#include <unordered_set>
+#include <vector>
 
 #include "runtime/ov_log.h"
 #include "text/text.h"
@@ -12,13 +14,56 @@ namespace Vantrel::Web {
 
 namespace {
 
-// Texts are looked up as they lie, without a copy.
-struct PathHash {
-  using is_transparent = void;
-  size_t operator()(std::string_view path) const { return std::hash<std::string_view>()(path); }
+// A set of texts that only grows. The texts lie one behind the other and the table holds where, so
+// that a look-up touches two places of memory; a page may ask for 100,000 paths at once.
+class PathSet {
+ public:
+  bool contains(std::string_view path) const {
+    return !slots_.empty() && slots_[slotOf(path)].length != kFree;
+  }
+  void insert(std::string_view path) {
+    if (count_ * 2 >= slots_.size()) grow();
+    Slot& slot = slots_[slotOf(path)];
+    if (slot.length != kFree) return;
+    const size_t start = texts_.size();
+    texts_.append(path);
+    slot = {start, path.size()};
+    ++count_;
+  }
+
+ private:
+  static constexpr size_t kFree = std::string::npos;
+  static constexpr size_t kFirstSize = 64;  // a power of two, as every size is
+
+  struct Slot {
+    size_t start = 0;
+    size_t length = kFree;
+  };
+
+  std::string_view textOf(const Slot& slot) const {
+    return std::string_view(texts_).substr(slot.start, slot.length);
+  }
+  // The slot of the path, or the free one where it belongs; at least half of the slots are free.
+  size_t slotOf(std::string_view path) const {
+    const size_t mask = slots_.size() - 1;
+    size_t at = std::hash<std::string_view>()(path) & mask;
+    while (slots_[at].length != kFree && textOf(slots_[at]) != path) at = (at + 1) & mask;
+    return at;
+  }
+  void grow() {
+    std::vector<Slot> former(std::max(kFirstSize, slots_.size() * 2));
+    former.swap(slots_);
+    for (const Slot& slot : former) {
+      if (slot.length != kFree) slots_[slotOf(textOf(slot))] = slot;
+    }
+  }
+
+  std::vector<Slot> slots_;
+  std::string texts_;
+  size_t count_ = 0;
 };
 
-std::unordered_set<std::string, PathHash, std::equal_to<>> approvedFileList;
+PathSet approvedFileList;
 
 // `path` must have forward slashes only.
 std::string_view withoutTrailingSlash(std::string_view path) {
@@ -33,7 +78,7 @@ void addToApprovedFileList(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) {
     std::string normal(withoutTrailingSlash(forwardSlashes(path)));
     OV_DEBUG("PlugIn::addToApprovedFileList() - added path to allowed list %s", normal.c_str());
-    approvedFileList.insert(std::move(normal));
+    approvedFileList.insert(normal);
   }
 }
 

@@ -57,6 +57,22 @@ TEST(ApprovedFilesTest, BytesBehindANulCount) {
   EXPECT_TRUE(isFileAllowed(std::string("C:/nul\0a", 8)));
 }
 
+TEST(ApprovedFilesTest, ManyFilesAreFoundAndNoOthers) {
+  const auto name = [](int i) { return "C:/set/" + std::to_string(i); };
+  for (int i = 0; i < 3000; ++i) {
+    addToApprovedFileList({name(i), name(i / 2)});
+    EXPECT_FALSE(isFileAllowed(name(i + 1))) << i;
+  }
+  for (int i = 0; i < 3000; ++i) EXPECT_TRUE(isFileAllowed(name(i))) << i;
+  EXPECT_FALSE(isFileAllowed("C:/set/"));
+}
+
+TEST(ApprovedFilesTest, TheEmptyRestOfALoneSlashIsAPathOfItsOwn) {
+  EXPECT_FALSE(isFileAllowed("/"));
+  addToApprovedFileList({"\\"});
+  EXPECT_TRUE(isFileAllowed("/"));
+}
+
 void expectOutOfRange(const std::function<void()>& call) {
   try {
     call();
