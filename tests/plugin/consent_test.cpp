@@ -70,7 +70,13 @@ TEST_F(ConsentTest, ANulInATextCutsNothing) {
   expectRefused(specOf(R"("direction":"send","paths":[{"source":"C:/ok.txt\u0000/../secret"}])"),
                 kHoldsNul);
   expectRefused(R"({"anything":["\u0000"]})", kHoldsNul);
-  expectRefused(std::string("{}\0{\"transfer_specs\":[]}", 23), kHoldsNul);
+}
+
+TEST_F(ConsentTest, WhatStandsBehindABareNulIsNotSent) {
+  const Value hiding = text(std::string_view("{}\0{\"transfer_specs\":[]}", 23));
+  EXPECT_EQ(instance_->call("vantrelHttpRequest", {text("POST"), text(kPath), hiding}).value,
+            text("{}"));
+  EXPECT_EQ(messageBody(server_.requests(kPath).back()), "{}");
 }
 
 TEST_F(ConsentTest, AMemberThatTheCheckReadsStandsOnce) {
