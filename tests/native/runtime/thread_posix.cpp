@@ -71,7 +71,7 @@ ov_rc ov_thread_spawn(ov_thread* thread, ov_thread_fn function, void* argument) 
     ov_log("ov_thread_spawn failed, err=%d", error);
     return error;
   }
-  start.release();
+  static_cast<void>(start.release());  // the thread has it
   if (thread == nullptr) {
     pthread_detach(state->native);
   } else {
