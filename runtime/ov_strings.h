@@ -5,8 +5,8 @@
    buffer's end cuts, and tells by its result that it cut: 0 whole, OV_EINVAL bad argument,
    OV_EBUFFER cut. Sizes are in bytes and count the terminator. `pos`, where a writer takes it, is
    the offset at which it starts and which it moves to the new end; null stands for 0. The copying
-   writers and the decoders of base16 and base64 allow that source and destination overlap as told
-   with them; all others do not. */
+   writers and the decoders of base16 and base64 allow source and destination to overlap, each as
+   its own comment says; all others do not. */
 #pragma once
 
 #include "runtime/ov_types.h"

@@ -15,7 +15,6 @@
 namespace {
 
 using ov::Utf16Unit;
-using ov::UtfMeasure;
 
 constexpr size_t kBlock = sizeof(__m128i);
 constexpr size_t kUnitBlock = kBlock / sizeof(uint16_t);
@@ -243,7 +242,7 @@ namespace ov {
 
 bool utf8_can_measure() {
   __builtin_cpu_init();
-  return __builtin_cpu_supports("ssse3") != 0;
+  return static_cast<bool>(__builtin_cpu_supports("ssse3"));
 }
 
 OV_SHUFFLES UtfMeasure utf8_measure(const uint8_t* text, size_t length, bool surrogates_allowed) {
