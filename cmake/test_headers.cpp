@@ -1,0 +1,1 @@
+// Nothing: the library that owns the precompiled headers of the tests needs a source.
