@@ -7,6 +7,8 @@
   var transferId = "";    // the transfer that this page has started
   var latest = {};        // the newest activity of every transfer, by its id
   var lastLine = "";
+  // A page from disk has no host; the plug-in takes it for one of this computer.
+  var host = window.location.hostname || "localhost";
 
   function element(id) { return document.getElementById(id); }
   function show(id, text) { element(id).textContent = text; }
@@ -64,7 +66,7 @@
 
   // An application id that begins with "^" is tied to the page's host.
   function openSession() {
-    var reply = plugin.initSession("^" + window.location.hostname, window.location.hostname);
+    var reply = plugin.initSession("^" + host, host);
     print("session: " + reply);
     if (isError(reply)) {
       fail(errorText(reply));

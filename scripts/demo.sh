@@ -1,6 +1,6 @@
 #!/bin/sh
 # The demo itself, in the browser's Wine session: installs the stand-in client, runs the page with no
-# client running, and looks whether everything was so.
+# client running, looks whether everything was so, and does it once more with the page opened from disk.
 # usage: tools/engine/with-display BUILD scripts/demo.sh BUILD
 set -eu
 build=$(cd "$1" && pwd)
@@ -17,6 +17,7 @@ cp "$build/tools/client/orvanevantrel.exe" "$client/bin/"
 printf 'remote_root=%s\ndownload_root=%s\n' "$demo/remote" "$demo/downloads" |
   sed 's|=/|=Z:/|' >"$client/bin/orvanevantrel.conf"
 head -c 3145728 /dev/urandom >"$demo/remote/demo.bin"
+head -c 65536 /dev/urandom >"$demo/remote/disk.bin"
 windows reg add 'HKCU\SOFTWARE\Orvane\Orvane Vantrel\v2' /v InstallDir \
   /d "Z:$(printf %s "$client/" | tr / '\\')" /f >/dev/null
 
@@ -24,19 +25,25 @@ windows reg add 'HKCU\SOFTWARE\Orvane\Orvane Vantrel\v2' /v InstallDir \
 data="$build/wine-engine/prefix/drive_c/users/$(id -un)/AppData/Local/Orvane/Orvane Vantrel"
 rm -rf "$data/var"
 
+# receive ADDRESS FILE PICTURE: opens the page at that address, which receives FILE.
+receive() {
+  {
+    "$repository/tools/engine/orvane-browser" --build "$build" \
+      --page "$repository/examples/receive.html" --base-url "$1?source=/$2&start=1" \
+      --until 'transfer completed' --fail-on 'error: ' --limit 60 --picture "$demo/$3" ||
+      echo "$?" >"$demo/status"
+  } | sed 's/^/  /'
+  [ ! -f "$demo/status" ] || fail "the page did not finish (browser's exit status $(cat "$demo/status"))"
+  cmp "$demo/remote/$2" "$demo/downloads/$2" || fail "the file did not arrive whole"
+}
+
 echo "the page says:"
-{
-  "$repository/tools/engine/orvane-browser" --build "$build" \
-    --page "$repository/examples/receive.html" \
-    --base-url 'http://demo.orvane.test/receive.html?source=/demo.bin&start=1' \
-    --until 'transfer completed' --fail-on 'error: ' --limit 60 --picture "$demo/finished.png" ||
-    echo "$?" >"$demo/status"
-} | sed 's/^/  /'
-[ ! -f "$demo/status" ] || fail "the page did not finish (browser's exit status $(cat "$demo/status"))"
+receive http://demo.orvane.test/receive.html demo.bin finished.png
 log=$(ls "$data/var/log/"*.log 2>/dev/null | head -n 1)
 [ -n "$log" ] || fail "the plug-in wrote no log"
 grep -q 'Launching Orvane Vantrel' "$log" || fail "the plug-in did not start the client"
-cmp "$demo/remote/demo.bin" "$demo/downloads/demo.bin" || fail "the file did not arrive whole"
 [ -s "$demo/finished.png" ] || fail "there is no picture"
 echo "the client was started by the plug-in; the file arrived byte for byte"
+echo "opened from disk, the page says:"
+receive "file://$repository/examples/receive.html" disk.bin disk.png
 echo "picture of the finished page: build/demo/finished.png"

@@ -1,43 +1,68 @@
 #!/bin/sh
-# Runs clang-tidy over the sources of the plug-in; what has passed is not read again until it, a header or the
-# settings change. GoogleTest cases are left out: what the checks find there is in its macros, and
-# each file costs half a minute.
-# usage: tidy.sh    (needs build/host and build/windows to be configured)
+# Checks the C++ sources by .clang-tidy; what has passed is not read again until it, a header or the
+# settings change.
+#
+# What ships is read by clang-tidy, with its headers and all checks. Tests and tools are read by
+# clangd, which makes the same checks for the file itself only, those of clang's analyzer excepted:
+# clang-tidy would search the headers of GoogleTest and Qt as well, half a minute for each file.
+# usage: tidy.sh    (needs build/host, build/windows and, for tools/engine, build/engine configured)
 set -eu
 cd "$(dirname "$0")/.."
 stamps=build/tidy
-mkdir -p "$stamps"
-# Where MinGW's compiler has its C++ library, which clang does not find by itself.
-MINGW_ARGUMENTS=${MINGW_ARGUMENTS:-"--extra-arg=--target=x86_64-w64-mingw32 $(
-  x86_64-w64-mingw32-g++-posix -E -x c++ - -v </dev/null 2>&1 | grep '^ .*include/c++' |
-    sed 's/^ /--extra-arg=-isystem/')"}
-export MINGW_ARGUMENTS
-common=$({ cat "$0"; git ls-files -z -- '*.h' '.clang-tidy' '**/.clang-tidy' | xargs -0 cat; } | sha256sum | cut -c1-16)
+mingw=x86_64-w64-mingw32-g++-posix
 
-# Windows sources are read as MinGW's compiler sees them.
-tidy_one() {
-  source=$1
-  hash=$({ echo "$2"; cat "$source"; } | sha256sum | cut -c1-32)
-  [ -f "build/tidy/$hash" ] && return 0
-  case $source in
-    *_win.cpp)
-      build=build/windows extra=$MINGW_ARGUMENTS ;;
-    *) build=build/host extra= ;;
+# Windows sources are read as MinGW's compiler sees them, all others as the native build does.
+build_of() {
+  case $1 in
+    tools/engine/*) echo engine ;;
+    *_win.cpp|*_win_test.cpp|*_test_win.cpp) echo windows ;;
+    *) if grep -q "/$1\"" $stamps/host/compile_commands.json; then echo host; else echo windows; fi ;;
   esac
-  grep -q "/$source\"" "$build/compile_commands.json" || return 0
-  # shellcheck disable=SC2086 # one word each
-  if clang-tidy -quiet -p "$build" $extra "$source" >"build/tidy/$hash.log" 2>&1; then
-    rm "build/tidy/$hash.log"
-    touch "build/tidy/$hash"
-  else
-    cat "build/tidy/$hash.log"
-    return 1
-  fi
 }
+
+read_by_clang_tidy() {
+  clang-tidy -quiet -p "$stamps/$2" "$1" 2>&1
+}
+
+# Its warnings are those that the compilers make errors; without a function's use in a header's
+# template it sees some wrongly.
+read_by_clangd() {
+  clangd --check="$1" --check-lines=1-1 --compile-commands-dir="$stamps/$2" --log=error \
+    >"$3.raw" 2>&1 || true
+  grep -E '^E\[' "$3.raw" | grep -vF ' [-W' | sed "s|^E[^]]*\]|$1:|" || true
+  rm -f "$3.raw"
+}
+
 if [ "${1:-}" = --one ]; then
-  tidy_one "$3" "$2"
-  exit
+  source=$3
+  hash=$({ echo "$2"; cat "$source"; } | sha256sum | cut -c1-32)
+  [ ! -f "$stamps/$hash" ] || exit 0
+  build=$(build_of "$source")
+  grep -q "/$source\"" "$stamps/$build/compile_commands.json" || exit 0
+  case $source in
+    tests/*|tools/*|*_test.cpp|*_test_win.cpp) found=$(read_by_clangd "$source" "$build" "$stamps/$hash") ;;
+    *) found=$(read_by_clang_tidy "$source" "$build") && found= ;;
+  esac
+  [ -z "$found" ] || { echo "$found"; exit 1; }
+  touch "$stamps/$hash"
+  exit 0
 fi
-git ls-files -z -- 'browsers/*.cpp' 'core/*.cpp' 'runtime/*.cpp' 'service/*.cpp' 'text/*.cpp' 'threads/*.cpp' \
-  ':!*_test.cpp' |
-  xargs -0 -n 1 -P "${OV_TIDY_JOBS:-$(nproc)}" "$0" --one "$common"
+
+# The builds' commands, but with clang for MinGW's compiler, which has its C++ library where clang
+# does not find it by itself, and without precompiled headers: every source is read with its own
+# includes only.
+clang="clang++ --target=x86_64-w64-mingw32 $(
+  $mingw -E -x c++ - -v </dev/null 2>&1 | sed -n 's/^ \(.*include\/c++\)/-isystem \1/p' | tr '\n' ' ')"
+for build in host windows engine; do
+  mkdir -p "$stamps/$build"
+  commands=build/$build/compile_commands.json
+  if [ -f "$commands" ]; then
+    sed -E "s| -Xclang -include(-pch)? -Xclang [^ ]+||g; s| -Winvalid-pch||
+      s| -include [^ ]*cmake_pch\.hxx||; s|\"[^ ]*-w64-mingw32-g\+\+-posix |\"$clang|" "$commands"
+  else
+    echo '[]'
+  fi >"$stamps/$build/compile_commands.json"
+done
+common=$({ cat "$0" .clangd; git ls-files -z -- '*.h' '.clang-tidy' '**/.clang-tidy' | xargs -0 cat; } |
+  sha256sum | cut -c1-16)
+git ls-files -z -- '*.cpp' ':!bench' | xargs -0 -n 1 -P "${OV_TIDY_JOBS:-$(nproc)}" "$0" --one "$common"

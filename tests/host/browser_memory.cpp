@@ -97,11 +97,10 @@ void BrowserMemory::failAllocationAfter(int successes) {
 bool BrowserMemory::covers(const void* text, size_t length) const {
   const std::lock_guard<std::mutex> guard(mutex_);
   const auto* wanted = static_cast<const char*>(text);
-  for (const auto& [block, record] : live_) {
-    const char* start = static_cast<const char*>(block);
-    if (wanted >= start && wanted + length <= start + record.size) return true;
-  }
-  return false;
+  return std::any_of(live_.begin(), live_.end(), [&](const auto& entry) {
+    const char* start = static_cast<const char*>(entry.first);
+    return wanted >= start && wanted + length <= start + entry.second.size;
+  });
 }
 
 int BrowserMemory::live() const {

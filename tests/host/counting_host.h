@@ -42,7 +42,7 @@ struct TableShape {
 class CountingHost {
  public:
   // Loads the library. Throws std::runtime_error when it or one of the three entries is missing.
-  explicit CountingHost(const std::wstring& library);
+  explicit CountingHost(std::wstring library);
   CountingHost(const CountingHost&) = delete;
   CountingHost& operator=(const CountingHost&) = delete;
   // Unloads the library if finish() did not.

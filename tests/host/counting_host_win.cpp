@@ -24,13 +24,13 @@ CountingHost& CountingHost::current() {
   return *currentHost;
 }
 
-CountingHost::CountingHost(const std::wstring& library)
+CountingHost::CountingHost(std::wstring library)
     : calls(faults),
       memory(faults),
       identifiers(faults, memory),
       objects(faults),
       page(faults, objects, memory, identifiers),
-      path_(library),
+      path_(std::move(library)),
       threadsBefore_(threadIds()) {
   if (currentHost != nullptr) throw std::runtime_error("there is a host already");
   module_ = LoadLibraryW(path_.c_str());

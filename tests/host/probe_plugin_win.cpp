@@ -187,7 +187,7 @@ const std::map<std::string, bool (*)(const Call&)> kMethods = {
 
 std::string nameOf(NPIdentifier identifier) {
   char* name = browser.utf8fromidentifier(identifier);
-  const std::string text = name == nullptr ? "" : name;
+  std::string text = name == nullptr ? "" : name;
   browser.memfree(name);
   return text;
 }
