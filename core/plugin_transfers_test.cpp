@@ -121,7 +121,7 @@ TEST_F(PluginTransfersTest, AStartLetsTheClientComeToTheFront) {
   files_.writeProcessId("12");
   int calls = 0;
   platform_.onForeground = [&calls](int32_t id) {
-    calls += id == 12;
+    if (id == 12) ++calls;
     return 0;
   };
   plugin().startDownload("u");

@@ -39,7 +39,7 @@ ov_rc __wrap_ov_file_openread(const char*, ov_file* file) {
 }
 
 int32_t __wrap_ov_file_valid(const ov_file* file) {
-  return *file == &opened;
+  return *file == &opened ? 1 : 0;
 }
 
 ov_rc __wrap_ov_file_read(ov_file*, void* buffer, uint32_t length, uint32_t* read) {

@@ -330,7 +330,7 @@ TEST(Base16Test, LookupTableHoldsDigitsOfEitherCase) {
 
 TEST(Base16Test, EveryByteEncodesInUpperCaseAndComesBackFromEitherCase) {
   for (int byte = 0; byte < 256; ++byte) {
-    const uint8_t value = static_cast<uint8_t>(byte);
+    const auto value = static_cast<uint8_t>(byte);
     char expected[3];
     std::snprintf(expected, sizeof expected, "%02X", byte);
     char text[3];

@@ -139,7 +139,7 @@ TEST(TimeTest, DifferenceIsInMicrosecondsOf64Bits) {
   EXPECT_EQ(-1000101, ov_time_get_usec_diff(&b, &a));
   const ov_timeval least = {INT32_MIN, 0};
   const ov_timeval most = {INT32_MAX, 999999};
-  EXPECT_EQ(4294967295ll * 1000000 + 999999, ov_time_get_usec_diff(&most, &least));
+  EXPECT_EQ(4294967295LL * 1000000 + 999999, ov_time_get_usec_diff(&most, &least));
 }
 
 TEST(TimeTest, IncrementCarriesOneSecond) {

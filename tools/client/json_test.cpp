@@ -72,7 +72,7 @@ TEST(JsonTreeTest, NestingHasALimit) {
   EXPECT_TRUE(parseJson(nested(kMostJsonDepth), problem));
   EXPECT_FALSE(parseJson(nested(kMostJsonDepth + 1), problem));
   EXPECT_EQ(problem, "nested too deep");
-  std::string brackets = "[\"\\\"" + std::string(2 * kMostJsonDepth, '[') + "\"]";
+  std::string brackets = "[\"\\\"" + std::string(size_t{2} * kMostJsonDepth, '[') + "\"]";
   EXPECT_TRUE(parseJson(brackets, problem));
 }
 

@@ -66,8 +66,8 @@ bool isChoice(std::string_view choices, std::string_view value) {
 }
 
 void setText(Knobs& knobs, const KnobEntry& entry, std::string text) {
-  if (auto field = std::get_if<std::string Knobs::*>(&entry.field)) knobs.*(*field) = text;
-  if (auto field = std::get_if<std::optional<std::string> Knobs::*>(&entry.field))
+  if (const auto* field = std::get_if<std::string Knobs::*>(&entry.field)) knobs.*(*field) = text;
+  if (const auto* field = std::get_if<std::optional<std::string> Knobs::*>(&entry.field))
     knobs.*(*field) = std::move(text);
 }
 
