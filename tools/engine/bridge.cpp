@@ -3,24 +3,24 @@
 namespace engine {
 
 void Bridge::attach(Side side, Closure wake, std::function<void(const Closure&)> guard) {
-  const std::lock_guard lock(mutex);
+  const std::lock_guard lock(mutex_);
   thread(side).id = std::this_thread::get_id();
   thread(side).wake = std::move(wake);
   thread(side).guard = std::move(guard);
 }
 
 void Bridge::detach(Side side) {
-  const std::lock_guard lock(mutex);
+  const std::lock_guard lock(mutex_);
   thread(side).wake = nullptr;
 }
 
 bool Bridge::isOn(Side side) const {
-  const std::lock_guard lock(mutex);
-  return (side == Side::Plugin ? plugin : engine).id == std::this_thread::get_id();
+  const std::lock_guard lock(mutex_);
+  return (side == Side::kPlugin ? plugin_ : engine_).id == std::this_thread::get_id();
 }
 
 void Bridge::serve(Side side) {
-  std::unique_lock lock(mutex);
+  std::unique_lock lock(mutex_);
   while (runNext(thread(side), lock)) {
   }
 }
@@ -36,13 +36,13 @@ bool Bridge::runNext(Thread& own, std::unique_lock<std::mutex>& lock) {
     job->run();
   lock.lock();
   job->done = true;
-  (&own == &plugin ? engine : plugin).changed.notify_all();
+  (&own == &plugin_ ? engine_ : plugin_).changed.notify_all();
   return true;
 }
 
 void Bridge::runOn(Side to, Closure run) {
   Job job{std::move(run)};
-  std::unique_lock lock(mutex);
+  std::unique_lock lock(mutex_);
   Thread& target = thread(to);
   Thread& own = other(to);
   if (!target.wake) return;

@@ -18,7 +18,7 @@ namespace engine {
 
 class Bridge {
  public:
-  enum class Side { Plugin, Engine };
+  enum class Side { kPlugin, kEngine };
 
   // Makes the calling thread this side's thread. wake is called, on either thread, when a call
   // is queued while this side's thread is in its event loop; it must make the loop call serve().
@@ -38,11 +38,11 @@ class Bridge {
   // Runs the closure on the other thread and returns its result.
   template <typename Function>
   auto onPluginThread(Function&& function) {
-    return call(Side::Plugin, std::forward<Function>(function));
+    return call(Side::kPlugin, std::forward<Function>(function));
   }
   template <typename Function>
   auto onEngineThread(Function&& function) {
-    return call(Side::Engine, std::forward<Function>(function));
+    return call(Side::kEngine, std::forward<Function>(function));
   }
 
  private:
@@ -73,12 +73,12 @@ class Bridge {
 
   void runOn(Side to, Closure run);
   bool runNext(Thread& own, std::unique_lock<std::mutex>& lock);
-  Thread& thread(Side side) { return side == Side::Plugin ? plugin : engine; }
-  Thread& other(Side side) { return side == Side::Plugin ? engine : plugin; }
+  Thread& thread(Side side) { return side == Side::kPlugin ? plugin_ : engine_; }
+  Thread& other(Side side) { return side == Side::kPlugin ? engine_ : plugin_; }
 
-  mutable std::mutex mutex;  // guards both records and every job
-  Thread plugin;
-  Thread engine;
+  mutable std::mutex mutex_;  // guards both records and every job
+  Thread plugin_;
+  Thread engine_;
 };
 
 // The bridge of this process.

@@ -22,10 +22,10 @@
 namespace engine {
 namespace {
 
-constexpr char pluginSelector[] = "embed, object";
-constexpr char commandPrefix[] = "@browser ";
+constexpr char kPluginSelector[] = "embed, object";
+constexpr char kCommandPrefix[] = "@browser ";
 // Script that the last console line left queued runs before the picture is taken.
-constexpr int settleMs = 50;
+constexpr int kSettleMs = 50;
 
 bool startsWith(const std::string& line, const std::string& prefix) {
   return !prefix.empty() && line.compare(0, prefix.size(), prefix) == 0;
@@ -60,39 +60,39 @@ std::vector<QString> injectedScripts(const Options& options) {
 class Driver {
  public:
   explicit Driver(const Options& wanted)
-      : options(wanted),
-        url(pageUrl(options)),
-        site(url, readFile(QString::fromStdString(options.page)), siteFolder(options)),
-        page(std::make_unique<Page>(QSize(options.width, options.height), &site,
-                                    injectedScripts(options),
-                                    [this](const std::string& line) { consoleLine(line); })) {}
+      : options_(wanted),
+        url_(pageUrl(options_)),
+        site_(url_, readFile(QString::fromStdString(options_.page)), siteFolder(options_)),
+        page_(std::make_unique<Page>(QSize(options_.width, options_.height), &site_,
+                                     injectedScripts(options_),
+                                     [this](const std::string& line) { consoleLine(line); })) {}
 
   int run() {
-    page->load(url);
-    const bool limitIsEnd = options.until.empty();
-    later(static_cast<int>(options.limitSeconds * 1000),
-          [this, limitIsEnd] { finish(limitIsEnd ? exitPassed : exitTimeLimit); });
-    if (options.removeAfterMs) later(*options.removeAfterMs, [this] { remove(pluginSelector); });
-    if (options.reloadAfterMs) later(*options.reloadAfterMs, [this] { page->reload(); });
+    page_->load(url_);
+    const bool limitIsEnd = options_.until.empty();
+    later(static_cast<int>(options_.limitSeconds * 1000),
+          [this, limitIsEnd] { finish(limitIsEnd ? kExitPassed : kExitTimeLimit); });
+    if (options_.removeAfterMs) later(*options_.removeAfterMs, [this] { remove(kPluginSelector); });
+    if (options_.reloadAfterMs) later(*options_.reloadAfterMs, [this] { page_->reload(); });
     QApplication::exec();
-    page.reset();  // destroys the instances
-    return status;
+    page_.reset();  // destroys the instances
+    return status_;
   }
 
  private:
   template <typename Function>
   void later(int ms, Function function) {
-    QTimer::singleShot(ms, &timers, function);
+    QTimer::singleShot(ms, &timers_, function);
   }
 
   void consoleLine(const std::string& line) {
     printConsoleLine(line);
-    if (startsWith(line, commandPrefix))
-      later(0, [this, command = line.substr(sizeof commandPrefix - 1)] { obey(command); });
-    else if (startsWith(line, options.failOn))
-      finish(exitFailed);
-    else if (startsWith(line, options.until))
-      finish(exitPassed);
+    if (startsWith(line, kCommandPrefix))
+      later(0, [this, command = line.substr(sizeof kCommandPrefix - 1)] { obey(command); });
+    else if (startsWith(line, options_.failOn))
+      finish(kExitFailed);
+    else if (startsWith(line, options_.until))
+      finish(kExitPassed);
   }
 
   // Runs from the event loop, so no script of the page is on the stack.
@@ -101,9 +101,9 @@ class Driver {
     const std::string word = command.substr(0, blank);
     const std::string rest = blank == std::string::npos ? "" : command.substr(blank + 1);
     if (word == "remove")
-      remove(rest.empty() ? QString(pluginSelector) : QString::fromStdString(rest));
+      remove(rest.empty() ? QString(kPluginSelector) : QString::fromStdString(rest));
     else if (word == "reload")
-      page->reload();
+      page_->reload();
     else if (word == "picture" && !rest.empty())
       savePicture(pictureBeside(rest));
     else if (word == "pixel")
@@ -114,25 +114,25 @@ class Driver {
 
   // The page names a file, never a folder.
   QString pictureBeside(const std::string& name) const {
-    const QFileInfo main(QString::fromStdString(options.picture));
+    const QFileInfo main(QString::fromStdString(options_.picture));
     return main.absolutePath() + "/" + QFileInfo(QString::fromStdString(name)).fileName();
   }
 
   void remove(const QString& selector) {
-    if (!page->removeElement(selector))
+    if (!page_->removeElement(selector))
       std::fprintf(stderr, "orvane-browser: no element %s to remove\n", qPrintable(selector));
   }
 
   void savePicture(const QString& name) {
-    if (page->picture().save(name, "PNG")) return;
+    if (page_->picture().save(name, "PNG")) return;
     std::fprintf(stderr, "orvane-browser: cannot write %s\n", qPrintable(name));
-    if (status == exitPassed) status = exitSetUp;
+    if (status_ == kExitPassed) status_ = kExitSetUp;
   }
 
   // place: two numbers with a blank between.
   void printPixel(const std::string& place) {
     int x = 0, y = 0;
-    const QImage image = page->picture();
+    const QImage image = page_->picture();
     if (std::sscanf(place.c_str(), "%d %d", &x, &y) != 2 || !image.valid(x, y)) return;
     char line[64];
     std::snprintf(line, sizeof line, "pixel %d %d %06x", x, y, image.pixel(x, y) & 0xffffffU);
@@ -141,48 +141,48 @@ class Driver {
 
   // The first reason to end decides.
   void finish(int newStatus) {
-    if (finished) return;
-    finished = true;
-    status = newStatus;
-    later(settleMs, [this] {
-      if (!options.picture.empty()) savePicture(QString::fromStdString(options.picture));
+    if (finished_) return;
+    finished_ = true;
+    status_ = newStatus;
+    later(kSettleMs, [this] {
+      if (!options_.picture.empty()) savePicture(QString::fromStdString(options_.picture));
       QApplication::quit();
     });
   }
 
-  const Options& options;
-  QUrl url;
-  LocalSite site;
-  QObject timers;
-  bool finished = false;
-  int status = exitPassed;
-  std::unique_ptr<Page> page;
+  const Options& options_;
+  QUrl url_;
+  LocalSite site_;
+  QObject timers_;
+  bool finished_ = false;
+  int status_ = kExitPassed;
+  std::unique_ptr<Page> page_;
 };
 
 // Makes the engine's event loop serve the bridge; the other thread writes to the descriptor.
 class BridgeInEventLoop {
  public:
   BridgeInEventLoop()
-      : descriptor(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)),
-        notifier(descriptor, QSocketNotifier::Read) {
-    QObject::connect(&notifier, &QSocketNotifier::activated, [this] {
+      : descriptor_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)),
+        notifier_(descriptor_, QSocketNotifier::Read) {
+    QObject::connect(&notifier_, &QSocketNotifier::activated, [this] {
       eventfd_t count = 0;
-      eventfd_read(descriptor, &count);
-      bridge().serve(Bridge::Side::Engine);
+      eventfd_read(descriptor_, &count);
+      bridge().serve(Bridge::Side::kEngine);
     });
-    bridge().attach(Bridge::Side::Engine, [this] { eventfd_write(descriptor, 1); });
+    bridge().attach(Bridge::Side::kEngine, [this] { eventfd_write(descriptor_, 1); });
   }
   ~BridgeInEventLoop() {
-    bridge().serve(Bridge::Side::Engine);
-    bridge().detach(Bridge::Side::Engine);
-    close(descriptor);
+    bridge().serve(Bridge::Side::kEngine);
+    bridge().detach(Bridge::Side::kEngine);
+    close(descriptor_);
   }
   BridgeInEventLoop(const BridgeInEventLoop&) = delete;
   BridgeInEventLoop& operator=(const BridgeInEventLoop&) = delete;
 
  private:
-  int descriptor;
-  QSocketNotifier notifier;
+  int descriptor_;
+  QSocketNotifier notifier_;
 };
 
 }  // namespace
@@ -194,7 +194,7 @@ int runEngine(const Options& options) {
     return Driver(options).run();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "orvane-browser: %s\n", e.what());
-    return exitSetUp;
+    return kExitSetUp;
   }
 }
 

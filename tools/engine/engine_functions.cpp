@@ -19,7 +19,7 @@ std::atomic<unsigned> refused{0};
 
 // A browser may crash here; a tool for tests says so and goes on.
 bool onPluginThread(size_t offset) {
-  if (bridge().isOn(Bridge::Side::Plugin)) return true;
+  if (bridge().isOn(Bridge::Side::kPlugin)) return true;
   ++refused;
   std::fprintf(stderr,
                "orvane-browser: browser function at table offset %zu called off the "

@@ -7,7 +7,7 @@
 namespace engine {
 
 // Runs the closure on the calling Wine thread. An exception that comes out of it is told on the
-// standard error and ends the process with exitFault.
+// standard error and ends the process with kExitFault.
 void runGuarded(const std::function<void()>& closure);
 
 }  // namespace engine

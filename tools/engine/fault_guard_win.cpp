@@ -17,7 +17,7 @@ DWORD CDECL endByException(EXCEPTION_RECORD* exception, EXCEPTION_REGISTRATION_R
   std::fprintf(stderr, "orvane-browser: the plug-in raised exception %08x at %p\n",
                static_cast<unsigned>(exception->ExceptionCode), exception->ExceptionAddress);
   std::fflush(nullptr);
-  _exit(exitFault);
+  _exit(kExitFault);
 }
 
 }  // namespace

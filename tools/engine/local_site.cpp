@@ -18,13 +18,13 @@ class MemoryReply : public QNetworkReply {
  public:
   MemoryReply(const QNetworkRequest& request, QNetworkAccessManager::Operation operation,
               const QString& type, const QByteArray& content, QObject* owner)
-      : QNetworkReply(owner), body(content) {
+      : QNetworkReply(owner), body_(content) {
     setRequest(request);
     setUrl(request.url());
     setOperation(operation);
     setAttribute(QNetworkRequest::HttpStatusCodeAttribute, 200);
     setHeader(QNetworkRequest::ContentTypeHeader, type);
-    setHeader(QNetworkRequest::ContentLengthHeader, body.size());
+    setHeader(QNetworkRequest::ContentLengthHeader, body_.size());
     announce();
   }
   // A file that is not there.
@@ -42,15 +42,15 @@ class MemoryReply : public QNetworkReply {
   void abort() override {}
   bool isSequential() const override { return true; }
   qint64 bytesAvailable() const override {
-    return body.size() - position + QNetworkReply::bytesAvailable();
+    return body_.size() - position_ + QNetworkReply::bytesAvailable();
   }
 
  protected:
   qint64 readData(char* data, qint64 limit) override {
-    const qint64 size = std::min<qint64>(limit, body.size() - position);
+    const qint64 size = std::min<qint64>(limit, body_.size() - position_);
     if (size == 0) return -1;
-    std::memcpy(data, body.constData() + position, static_cast<size_t>(size));
-    position += size;
+    std::memcpy(data, body_.constData() + position_, static_cast<size_t>(size));
+    position_ += size;
     return size;
   }
 
@@ -60,14 +60,14 @@ class MemoryReply : public QNetworkReply {
     open(ReadOnly | Unbuffered);
     QTimer::singleShot(0, this, [this] {
       emit metaDataChanged();
-      if (!body.isEmpty()) emit readyRead();
+      if (!body_.isEmpty()) emit readyRead();
       setFinished(true);
       emit finished();
     });
   }
 
-  QByteArray body;
-  qint64 position = 0;
+  QByteArray body_;
+  qint64 position_ = 0;
 };
 
 QString contentType(const QString& fileName) {
@@ -79,7 +79,7 @@ QString contentType(const QString& fileName) {
 }  // namespace
 
 LocalSite::LocalSite(const QUrl& url, const QByteArray& html, const QString& files)
-    : pageUrl(url), page(html), folder(files) {
+    : pageUrl_(url), page_(html), folder_(files) {
   // The engine's console is silent about a script or a picture that is missing.
   connect(this, &QNetworkAccessManager::finished, [](QNetworkReply* reply) {
     if (reply->error() == QNetworkReply::NoError) return;
@@ -91,13 +91,13 @@ LocalSite::LocalSite(const QUrl& url, const QByteArray& html, const QString& fil
 QNetworkReply* LocalSite::createRequest(Operation operation, const QNetworkRequest& request,
                                         QIODevice* data) {
   const QUrl url = request.url();
-  if (url.scheme() != pageUrl.scheme() || url.authority() != pageUrl.authority())
+  if (url.scheme() != pageUrl_.scheme() || url.authority() != pageUrl_.authority())
     return QNetworkAccessManager::createRequest(operation, request, data);
-  if (url.path() == pageUrl.path())
-    return new MemoryReply(request, operation, "text/html; charset=utf-8", page, this);
+  if (url.path() == pageUrl_.path())
+    return new MemoryReply(request, operation, "text/html; charset=utf-8", page_, this);
   // Normalised, the path cannot climb out of the folder.
   const QString path = QDir::cleanPath("/" + url.path());
-  QFile file(folder.absolutePath() + path);
+  QFile file(folder_.absolutePath() + path);
   if (path.startsWith("/..") || QFileInfo(file).isDir() || !file.open(QIODevice::ReadOnly))
     return new MemoryReply(request, operation, this);
   return new MemoryReply(request, operation, contentType(path), file.readAll(), this);

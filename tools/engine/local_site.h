@@ -19,9 +19,9 @@ class LocalSite : public QNetworkAccessManager {
                                QIODevice* data) override;
 
  private:
-  QUrl pageUrl;
-  QByteArray page;
-  QDir folder;
+  QUrl pageUrl_;
+  QByteArray page_;
+  QDir folder_;
 };
 
 }  // namespace engine

@@ -27,9 +27,9 @@ using namespace engine;
 
 // The script engine asks for the bounds of its stack and wants much of it; Wine's threads are no
 // place for it.
-constexpr size_t engineStackBytes = 8 * 1024 * 1024;
+constexpr size_t kEngineStackBytes = 8 * 1024 * 1024;
 // What the destruction of the page and of the plug-in may take beyond the time limit.
-constexpr double graceSeconds = 10;
+constexpr double kGraceSeconds = 10;
 
 struct EngineThread {
   const Options& options;
@@ -46,7 +46,7 @@ void* engineThread(void* argument) {
 
 int fail(const std::string& reason) {
   std::fprintf(stderr, "orvane-browser: %s\n", reason.c_str());
-  return exitSetUp;
+  return kExitSetUp;
 }
 
 int16_t start(const void* browserFunctions, void* pluginFunctions) {
@@ -63,15 +63,15 @@ void publishStub(const Options& options, const PluginInfo& info) {
   char address[32];
   std::snprintf(address, sizeof address, "%llx",
                 static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(&link)));
-  setenv(stubLinkVariable, address, 1);
+  setenv(kStubLinkVariable, address, 1);
   setenv("MOZ_PLUGIN_PATH", options.stubs.c_str(), 1);
 }
 
 int runBrowser(const Options& options, PluginWindows& windows) {
-  EngineThread thread{options, windows, exitSetUp};
+  EngineThread thread{options, windows, kExitSetUp};
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, engineStackBytes);
+  pthread_attr_setstacksize(&attributes, kEngineStackBytes);
   pthread_t id;
   if (pthread_create(&id, &attributes, engineThread, &thread) != 0)
     return fail("cannot start the engine's thread");
@@ -93,7 +93,7 @@ void reportRun() {
 int run(const Options& options) {
   usePageConsole(options.consoleDescriptor);
   catchExit();
-  endProcessAfter(options.limitSeconds + graceSeconds);
+  endProcessAfter(options.limitSeconds + kGraceSeconds);
   std::string problem;
   if (!prepareDisplay(problem)) return fail(problem);
   PluginWindows windows;
@@ -105,7 +105,7 @@ int run(const Options& options) {
   const int status = runBrowser(options, windows);
   reportRun();
   module.close();
-  if (refusedCalls() != 0 && status == exitPassed) return exitFailed;
+  if (refusedCalls() != 0 && status == kExitPassed) return kExitFailed;
   return status;
 }
 

@@ -8,11 +8,11 @@
 namespace engine {
 
 // Exit statuses; a page or a script that starts the browser reads them.
-inline constexpr int exitPassed = 0;
-inline constexpr int exitFailed = 1;     // the page printed the --fail-on text
-inline constexpr int exitTimeLimit = 3;  // the limit was reached before the --until text
-inline constexpr int exitSetUp = 4;      // there was no page to run; stderr says why
-inline constexpr int exitFault = 5;      // the plug-in crashed
+inline constexpr int kExitPassed = 0;
+inline constexpr int kExitFailed = 1;     // the page printed the --fail-on text
+inline constexpr int kExitTimeLimit = 3;  // the limit was reached before the --until text
+inline constexpr int kExitSetUp = 4;      // there was no page to run; stderr says why
+inline constexpr int kExitFault = 5;      // the plug-in crashed
 
 struct Options {
   std::string page;     // file name, or "-" for the standard input

@@ -25,10 +25,10 @@ bool QuietPage::javaScriptPrompt(QWebFrame*, const QString& text, const QString&
 
 Page::Page(const QSize& size, QNetworkAccessManager* network, std::vector<QString> injected,
            LineHandler handler)
-    : scripts(std::move(injected)), onLine(std::move(handler)) {
+    : scripts_(std::move(injected)), onLine_(std::move(handler)) {
   auto* page = new QuietPage;
-  page->setParent(&view);
-  view.setPage(page);
+  page->setParent(&view_);
+  view_.setPage(page);
   page->setNetworkAccessManager(network);
   page->settings()->setAttribute(QWebSettings::PluginsEnabled, true);
   page->settings()->setAttribute(QWebSettings::LocalStorageEnabled, false);
@@ -38,48 +38,48 @@ Page::Page(const QSize& size, QNetworkAccessManager* network, std::vector<QStrin
              int line, const QString& where) { message(source, level, text, line, where); });
   QWebFrame* frame = page->mainFrame();
   QObject::connect(frame, &QWebFrame::javaScriptWindowObjectCleared, [this, frame] {
-    for (const QString& script : scripts) frame->evaluateJavaScript(script);
+    for (const QString& script : scripts_) frame->evaluateJavaScript(script);
   });
   frame->setScrollBarPolicy(Qt::Vertical, Qt::ScrollBarAlwaysOff);
   frame->setScrollBarPolicy(Qt::Horizontal, Qt::ScrollBarAlwaysOff);
-  view.resize(size);
+  view_.resize(size);
   // The engine lays plug-ins out in visible views only.
-  view.show();
+  view_.show();
 }
 
 void Page::load(const QUrl& url) {
-  view.load(url);
+  view_.load(url);
 }
 
 void Page::reload() {
-  view.triggerPageAction(QWebPage::Reload);
+  view_.triggerPageAction(QWebPage::Reload);
 }
 
 bool Page::removeElement(const QString& selector) {
-  QWebElement element = view.page()->mainFrame()->findFirstElement(selector);
+  QWebElement element = view_.page()->mainFrame()->findFirstElement(selector);
   if (element.isNull()) return false;
   element.removeFromDocument();
   return true;
 }
 
 QImage Page::picture() {
-  QImage image(view.size(), QImage::Format_RGB32);
+  QImage image(view_.size(), QImage::Format_RGB32);
   image.fill(Qt::white);
   QPainter painter(&image);
-  view.page()->mainFrame()->render(&painter, QWebFrame::ContentsLayer);
+  view_.page()->mainFrame()->render(&painter, QWebFrame::ContentsLayer);
   return image;
 }
 
 void Page::message(QWebPage::MessageSource source, QWebPage::MessageLevel level,
                    const QString& text, int line, const QString& where) {
   if (source == QWebPage::ConsoleAPIMessageSource) {
-    onLine(text.toStdString());
+    onLine_(text.toStdString());
     return;
   }
   const std::string full =
       text.toStdString() + " (" + where.toStdString() + ":" + std::to_string(line) + ")";
   if (level == QWebPage::ErrorMessageLevel)
-    onLine("error: " + full);
+    onLine_("error: " + full);
   else
     std::fprintf(stderr, "orvane-browser: %s\n", full.c_str());
 }

@@ -27,7 +27,7 @@ class Page {
   // A line of the page's console; an uncaught script error begins "error: ".
   using LineHandler = std::function<void(const std::string& line)>;
 
-  // scripts run in every new document, before the page's own.
+  // The injected scripts run in every new document, before the page's own.
   Page(const QSize& size, QNetworkAccessManager* network, std::vector<QString> injected,
        LineHandler handler);
 
@@ -42,9 +42,9 @@ class Page {
   void message(QWebPage::MessageSource source, QWebPage::MessageLevel level, const QString& text,
                int line, const QString& where);
 
-  std::vector<QString> scripts;
-  LineHandler onLine;
-  QWebView view;
+  std::vector<QString> scripts_;
+  LineHandler onLine_;
+  QWebView view_;
 };
 
 }  // namespace engine

@@ -24,8 +24,8 @@ class PluginModule {
 
   // Loads the library, a Unix path. On failure error() says why, and false is returned.
   bool load(const std::string& path);
-  const std::string& error() const { return failure; }
-  const PluginInfo& info() const { return description; }
+  const std::string& error() const { return failure_; }
+  const PluginInfo& info() const { return description_; }
 
   // NP_Initialize and NP_GetEntryPoints, in this order.
   NPError initialize(NPNetscapeFuncs* browser, NPPluginFuncs* plugin);
@@ -36,13 +36,13 @@ class PluginModule {
   bool readVersionResource(const std::string& path);
   bool fail(const std::string& reason);
 
-  void* handle = nullptr;
-  NP_InitializeProcPtr initializeEntry = nullptr;
-  NP_GetEntryPointsProcPtr entryPointsEntry = nullptr;
-  NP_ShutdownProcPtr shutdownEntry = nullptr;
-  bool initialized = false;
-  PluginInfo description;
-  std::string failure;
+  void* handle_ = nullptr;
+  NP_InitializeProcPtr initializeEntry_ = nullptr;
+  NP_GetEntryPointsProcPtr entryPointsEntry_ = nullptr;
+  NP_ShutdownProcPtr shutdownEntry_ = nullptr;
+  bool initialized_ = false;
+  PluginInfo description_;
+  std::string failure_;
 };
 
 }  // namespace engine

@@ -49,23 +49,23 @@ PluginModule::~PluginModule() {
 }
 
 bool PluginModule::fail(const std::string& reason) {
-  failure = reason;
+  failure_ = reason;
   return false;
 }
 
 bool PluginModule::load(const std::string& path) {
   if (!readVersionResource(path)) return false;
   HMODULE module = LoadLibraryW(windowsPath(path).data());
-  if (!module)
+  if (module == nullptr)
     return fail("cannot load " + path + ": Windows error " + std::to_string(GetLastError()));
-  handle = module;
+  handle_ = module;
   const auto entry = [module](const char* name) {
     return reinterpret_cast<void*>(GetProcAddress(module, name));
   };
-  initializeEntry = reinterpret_cast<NP_InitializeProcPtr>(entry("NP_Initialize"));
-  entryPointsEntry = reinterpret_cast<NP_GetEntryPointsProcPtr>(entry("NP_GetEntryPoints"));
-  shutdownEntry = reinterpret_cast<NP_ShutdownProcPtr>(entry("NP_Shutdown"));
-  if (!initializeEntry || !entryPointsEntry || !shutdownEntry)
+  initializeEntry_ = reinterpret_cast<NP_InitializeProcPtr>(entry("NP_Initialize"));
+  entryPointsEntry_ = reinterpret_cast<NP_GetEntryPointsProcPtr>(entry("NP_GetEntryPoints"));
+  shutdownEntry_ = reinterpret_cast<NP_ShutdownProcPtr>(entry("NP_Shutdown"));
+  if (initializeEntry_ == nullptr || entryPointsEntry_ == nullptr || shutdownEntry_ == nullptr)
     return fail(path + " does not export NP_Initialize, NP_GetEntryPoints and NP_Shutdown");
   return true;
 }
@@ -77,10 +77,10 @@ bool PluginModule::readVersionResource(const std::string& path) {
   std::vector<BYTE> block(size);
   if (!GetFileVersionInfoW(file.data(), 0, size, block.data()))
     return fail("the version resource of " + path + " cannot be read");
-  description.mimeType = versionText(block.data(), "MIMEType");
-  description.extensions = versionText(block.data(), "FileExtents");
-  description.name = versionText(block.data(), "ProductName");
-  if (description.mimeType.empty() || description.name.empty() ||
+  description_.mimeType = versionText(block.data(), "MIMEType");
+  description_.extensions = versionText(block.data(), "FileExtents");
+  description_.name = versionText(block.data(), "ProductName");
+  if (description_.mimeType.empty() || description_.name.empty() ||
       versionText(block.data(), "FileOpenName").empty())
     return fail("the version resource of " + path +
                 " lacks MIMEType, FileOpenName or ProductName in block 040904e4");
@@ -88,17 +88,17 @@ bool PluginModule::readVersionResource(const std::string& path) {
 }
 
 NPError PluginModule::initialize(NPNetscapeFuncs* browser, NPPluginFuncs* plugin) {
-  const NPError result = initializeEntry(browser);
+  const NPError result = initializeEntry_(browser);
   if (result != NPERR_NO_ERROR) return result;
-  initialized = true;
-  return entryPointsEntry(plugin);
+  initialized_ = true;
+  return entryPointsEntry_(plugin);
 }
 
 void PluginModule::close() {
-  if (initialized) shutdownEntry();
-  initialized = false;
-  if (handle) FreeLibrary(static_cast<HMODULE>(handle));
-  handle = nullptr;
+  if (initialized_) shutdownEntry_();
+  initialized_ = false;
+  if (handle_ != nullptr) FreeLibrary(static_cast<HMODULE>(handle_));
+  handle_ = nullptr;
 }
 
 }  // namespace engine

@@ -17,7 +17,7 @@ class PluginWindows {
   bool create();
 
   // The top-level window's handle.
-  void* topLevel() const { return top; }
+  void* topLevel() const { return top_; }
   // The instance's child window at this place; made at the first call.
   void* place(NPP instance, int32_t x, int32_t y, uint32_t width, uint32_t height);
   void remove(NPP instance);
@@ -35,7 +35,7 @@ class PluginWindows {
   void quit();
 
  private:
-  void* top = nullptr;
+  void* top_ = nullptr;
 };
 
 }  // namespace engine

@@ -12,8 +12,8 @@
 namespace engine {
 namespace {
 
-constexpr wchar_t windowClass[] = L"BrowserWindow";
-constexpr UINT serveMessage = WM_APP;
+constexpr wchar_t kWindowClass[] = L"BrowserWindow";
+constexpr UINT kServeMessage = WM_APP;
 
 // The engine's thread is unknown to Wine and cannot post a message, so it rings here and a Wine
 // thread that waits for the bell posts the message in its place.
@@ -21,21 +21,21 @@ class Bell {
  public:
   void ring() {
     {
-      const std::lock_guard lock(mutex);
-      rung = true;
+      const std::lock_guard lock(mutex_);
+      rung_ = true;
     }
-    changed.notify_one();
+    changed_.notify_one();
   }
   void wait() {
-    std::unique_lock lock(mutex);
-    changed.wait(lock, [this] { return rung; });
-    rung = false;
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return rung_; });
+    rung_ = false;
   }
 
  private:
-  std::mutex mutex;  // guards rung
-  std::condition_variable changed;
-  bool rung = false;
+  std::mutex mutex_;  // guards rung_
+  std::condition_variable changed_;
+  bool rung_ = false;
 };
 
 Bell bell;
@@ -44,7 +44,7 @@ std::map<NPP, HWND> children;  // touched by the plug-in's thread only
 DWORD WINAPI postServeMessages(void* window) {
   for (;;) {
     bell.wait();
-    PostMessageW(static_cast<HWND>(window), serveMessage, 0, 0);
+    PostMessageW(static_cast<HWND>(window), kServeMessage, 0, 0);
   }
 }
 
@@ -57,8 +57,8 @@ void pumpMessages() {
 }
 
 LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-  if (message == serveMessage) {
-    bridge().serve(Bridge::Side::Plugin);
+  if (message == kServeMessage) {
+    bridge().serve(Bridge::Side::kPlugin);
     return 0;
   }
   return DefWindowProcW(window, message, wparam, lparam);
@@ -71,16 +71,16 @@ bool PluginWindows::create() {
   description.lpfnWndProc = windowProcedure;
   description.hInstance = GetModuleHandleW(nullptr);
   description.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
-  description.lpszClassName = windowClass;
+  description.lpszClassName = kWindowClass;
   if (!RegisterClassW(&description)) return false;
-  HWND window = CreateWindowExW(0, windowClass, L"Browser", WS_POPUP | WS_CLIPCHILDREN, 0, 0, 1024,
+  HWND window = CreateWindowExW(0, kWindowClass, L"Browser", WS_POPUP | WS_CLIPCHILDREN, 0, 0, 1024,
                                 768, nullptr, nullptr, description.hInstance, nullptr);
   if (!window) return false;
-  top = window;
+  top_ = window;
   // The children of a hidden window are never painted.
   ShowWindow(window, SW_SHOWNOACTIVATE);
   bridge().attach(
-      Bridge::Side::Plugin, [] { bell.ring(); }, runGuarded);
+      Bridge::Side::kPlugin, [] { bell.ring(); }, runGuarded);
   HANDLE thread = CreateThread(nullptr, 0, postServeMessages, window, 0, nullptr);
   if (!thread) return false;
   CloseHandle(thread);
@@ -90,8 +90,9 @@ bool PluginWindows::create() {
 void* PluginWindows::place(NPP instance, int32_t x, int32_t y, uint32_t width, uint32_t height) {
   HWND& child = children[instance];
   if (!child) {
-    child = CreateWindowExW(0, windowClass, L"", WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 1,
-                            1, static_cast<HWND>(top), nullptr, GetModuleHandleW(nullptr), nullptr);
+    child =
+        CreateWindowExW(0, kWindowClass, L"", WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 1, 1,
+                        static_cast<HWND>(top_), nullptr, GetModuleHandleW(nullptr), nullptr);
   }
   SetWindowPos(child, nullptr, x, y, static_cast<int>(width), static_cast<int>(height),
                SWP_NOZORDER | SWP_NOACTIVATE);

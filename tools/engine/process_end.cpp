@@ -15,7 +15,7 @@ namespace {
 void endByFault(int status, void*) {
   std::fprintf(stderr, "orvane-browser: ended by a fault of the plug-in, status %d\n", status);
   std::fflush(nullptr);
-  _exit(exitFault);
+  _exit(kExitFault);
 }
 
 }  // namespace
@@ -24,7 +24,7 @@ void endProcessAfter(double seconds) {
   std::thread([seconds] {
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
     std::fprintf(stderr, "orvane-browser: the plug-in or the page does not return; ended\n");
-    _exit(exitTimeLimit);
+    _exit(kExitTimeLimit);
   }).detach();
 }
 

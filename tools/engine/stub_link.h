@@ -6,7 +6,7 @@
 
 namespace engine {
 
-inline constexpr char stubLinkVariable[] = "ORVANE_BROWSER_STUB_LINK";
+inline constexpr char kStubLinkVariable[] = "ORVANE_BROWSER_STUB_LINK";
 
 struct StubLink {
   const char* mimeDescription;  // type:extensions:name

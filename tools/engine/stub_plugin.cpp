@@ -7,15 +7,15 @@
 namespace {
 
 const engine::StubLink* link() {
-  const char* address = std::getenv(engine::stubLinkVariable);
+  const char* address = std::getenv(engine::kStubLinkVariable);
   if (!address) return nullptr;
   return reinterpret_cast<const engine::StubLink*>(std::strtoull(address, nullptr, 16));
 }
 
 // Variables of NP_GetValue.
-constexpr int nameVariable = 1;
-constexpr int descriptionVariable = 2;
-constexpr int16_t genericError = 1;
+constexpr int kNameVariable = 1;
+constexpr int kDescriptionVariable = 2;
+constexpr int16_t kGenericError = 1;
 
 }  // namespace
 
@@ -26,14 +26,15 @@ __attribute__((visibility("default"))) const char* NP_GetMIMEDescription() {
 }
 
 __attribute__((visibility("default"))) int16_t NP_GetValue(void*, int variable, void* value) {
-  if (!link() || (variable != nameVariable && variable != descriptionVariable)) return genericError;
+  if (!link() || (variable != kNameVariable && variable != kDescriptionVariable))
+    return kGenericError;
   *static_cast<const char**>(value) = link()->name;
   return 0;
 }
 
 __attribute__((visibility("default"))) int16_t NP_Initialize(void* browserFunctions,
                                                              void* pluginFunctions) {
-  return link() ? link()->start(browserFunctions, pluginFunctions) : genericError;
+  return link() ? link()->start(browserFunctions, pluginFunctions) : kGenericError;
 }
 
 // The engine never calls it; main() shuts the library down after the last instance.
