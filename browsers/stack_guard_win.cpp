@@ -2,6 +2,7 @@
 // provider for its value, which loads further libraries, and this library is set up under the
 // loader's lock, where none may be loaded. What stands here asks the kernel only.
 #include <windows.h>
+#include <cpuid.h>
 #include <immintrin.h>
 
 #include <cstdint>
@@ -17,7 +18,15 @@ OV_UNPROTECTED uint64_t spread(uint64_t number) {
   return number ^ (number >> 31);
 }
 
-// The processor's own random number; 0 where it has none.
+OV_UNPROTECTED bool hasHardwareNumbers() {
+  unsigned a = 0;
+  unsigned b = 0;
+  unsigned c = 0;
+  unsigned d = 0;
+  return __get_cpuid(1, &a, &b, &c, &d) != 0 && (c & bit_RDRND) != 0;
+}
+
+// The processor's own random number; 0 when it has none at hand.
 __attribute__((target("rdrnd"))) OV_UNPROTECTED uint64_t hardwareNumber() {
   unsigned long long number = 0;
   return _rdrand64_step(&number) != 0 ? number : 0;
@@ -29,7 +38,6 @@ OV_UNPROTECTED uint64_t gather() {
   FILETIME now = {};
   QueryPerformanceCounter(&ticks);
   GetSystemTimeAsFileTime(&now);
-  __builtin_cpu_init();
   const uint64_t numbers[] = {
       static_cast<uint64_t>(ticks.QuadPart),
       (uint64_t{now.dwHighDateTime} << 32) | now.dwLowDateTime,
@@ -37,7 +45,7 @@ OV_UNPROTECTED uint64_t gather() {
       reinterpret_cast<uintptr_t>(&ticks),   // the stack's place
       reinterpret_cast<uintptr_t>(&gather),  // the library's place
       __rdtsc(),
-      __builtin_cpu_supports("rdrnd") != 0 ? hardwareNumber() : 0,
+      hasHardwareNumbers() ? hardwareNumber() : 0,
   };
   uint64_t sum = 0;
   for (const uint64_t number : numbers) sum = spread(sum + 0x9E3779B97F4A7C15U + number);
@@ -58,6 +66,7 @@ __attribute__((constructor(101))) OV_UNPROTECTED static void seedStackGuard() {
 
 // Ends the process at once: with its stack overwritten, not even a handler of faults may run. Wine
 // makes an exception of it all the same.
+// NOLINTNEXTLINE(readability-identifier-naming): the compiler calls it by this name
 [[noreturn]] OV_UNPROTECTED void __stack_chk_fail() {
   constexpr uint32_t kSpoiltStack = 2;
   __asm__ volatile("int $0x29" : : "c"(kSpoiltStack));  // the platform's fast fail

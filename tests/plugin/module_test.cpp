@@ -61,6 +61,14 @@ TEST_F(ModuleTest, AnEndWithoutAStartDoesNothing) {
   EXPECT_EQ(host().shutdown(), NPERR_NO_ERROR);
 }
 
+TEST_F(ModuleTest, AnInstanceBeforeTheStartFails) {
+  ASSERT_EQ(host().getEntryPoints(), NPERR_NO_ERROR);
+  host().page.address.window = Host::Step::kFails;
+  Instance instance(host());
+  EXPECT_EQ(instance.error(), NPERR_GENERIC_ERROR);
+  instance.end({.scriptObject = 0});
+}
+
 TEST_F(ModuleTest, AScriptObjectAndItsTableOutliveTheLibrary) {
   EXPECT_EQ(host().initialize(), NPERR_NO_ERROR);
   ASSERT_EQ(host().getEntryPoints(), NPERR_NO_ERROR);
