@@ -8,14 +8,23 @@ OV_BEGIN_DECLS
 
 /* Numbers of the platform that the base runtime also returns by itself. */
 #define OV_OK 0
+#define OV_ENOENT 2  /* no such file, key or value */
+#define OV_ENOPATH 3 /* no directory on the way to it */
 #define OV_EINTR 4
 #define OV_EBADF 6
 #define OV_ENOMEM 8
+#define OV_EOUTOFMEM 14 /* no room for a user's profile directory */
+#define OV_ENOTREADY 21 /* a drive without a disk */
 #define OV_EINVAL 22
+#define OV_EWRITEFAULT 31
 #define OV_ENOTSUP 50
 #define OV_ERANGE 122
 #define OV_EEXIST 183
 #define OV_EPATHMAX 206
+#define OV_ENOTDIR 267
+#define OV_ENOPRIVILEGE 1314
+#define OV_ENOTALINK 4390
+#define OV_EILLLINK 4392
 #define OV_ESOCKINTR 10004
 
 /* Private codes, in one unbroken range; OV_ERR_END marks its end and has no message. */

@@ -2,8 +2,8 @@
 #include <windows.h>
 
 #include "runtime/errors/last_code.h"
-#include "runtime/files/handle_win.h"
-#include "runtime/files/times.h"
+#include "runtime/files/handle.h"
+#include "runtime/files/internal.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"
 #include "runtime/paths/wide_path_win.h"

@@ -1,27 +1,19 @@
-// Copying a file.
+// The record of an open file, and copying by it.
+#include "runtime/files/handle.h"
+#include "runtime/files/internal.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"
 
 namespace {
 
 constexpr uint32_t kPieceSize = 4096;
-constexpr ov_rc kWriteFault = 31;
-
-// A file that is closed at the end, whatever comes of it.
-struct ScopedFile {
-  ScopedFile() { ov_file_init(&file); }
-  ~ScopedFile() { ov_file_close(&file); }
-  ScopedFile(const ScopedFile&) = delete;
-  ScopedFile& operator=(const ScopedFile&) = delete;
-  ov_file file;
-};
 
 ov_rc write_all(ov_file* file, const char* data, uint32_t length) {
   while (length > 0) {
     uint32_t written = 0;
     const ov_rc error = ov_file_write(file, data, length, &written);
     if (error != 0) return error;
-    if (written == 0) return kWriteFault;  // it would go on like this for ever
+    if (written == 0) return OV_EWRITEFAULT;  // it would go on like this for ever
     data += written;
     length -= written;
   }
@@ -30,22 +22,37 @@ ov_rc write_all(ov_file* file, const char* data, uint32_t length) {
 
 }  // namespace
 
+ov_rc ov_file_init(ov_file* file) {
+  if (file == nullptr) return OV_EINVAL;
+  *file = ov::kClosedHandle;
+  return 0;
+}
+
+int32_t ov_file_valid(const ov_file* file) {
+  return file != nullptr && *file != ov::kClosedHandle ? 1 : 0;
+}
+
+ov_rc ov_file_exist(const char* path, int32_t flags) {
+  ov_stat record;
+  return ov_file_stat(path, &record, flags);
+}
+
 ov_rc ov_file_copy(const char* from, const char* to, int32_t mode) {
-  ScopedFile source;
-  ov_rc error = ov_file_openread(from, &source.file);
+  ov::FileHandle source;
+  ov_rc error = ov_file_openread(from, source.record());
   if (error != 0) return error;
-  ScopedFile target;
-  error = ov_file_openwrite(to, &target.file, mode);
+  ov::FileHandle target;
+  error = ov_file_openwrite(to, target.record(), mode);
   if (error != 0) return error;
   ov_stat record;
-  error = ov_file_fstat(&source.file, &record);
+  error = ov_file_fstat(source.record(), &record);
   if (error != 0) return error;
   for (;;) {
     char piece[kPieceSize];
     uint32_t count = 0;
-    error = ov_file_read(&source.file, piece, sizeof piece, &count);
+    error = ov_file_read(source.record(), piece, sizeof piece, &count);
     if (error != 0 || count == 0) return error;
-    error = write_all(&target.file, piece, count);
+    error = write_all(target.record(), piece, count);
     if (error != 0) return error;
   }
 }

@@ -56,16 +56,17 @@ ov_rc ov_dir_open(const char* path, ov_dir* dir) {
     return 0;
   }
   const ov_rc error = last_code();
-  if (error != kNoEntry) return error;
+  if (error != OV_ENOENT) return error;
   // The empty root of a volume holds not even a "." to be found.
   search[length] = L'\0';
-  if (!is_directory(search)) return kNoEntry;
+  if (!is_directory(search)) return OV_ENOENT;
   dir->state = kEmptyDirectory;
   return 0;
 }
 
 ov_rc ov_dir_next(ov_dir* dir, ov_dirent* entry) {
   if (dir == nullptr || entry == nullptr) return OV_EINVAL;
+  entry->find = nullptr;
   if (dir->state == kEmptyDirectory) return OV_EDIREND;
   if (dir->state == kFirstPending) {
     dir->state = kReadNext;
@@ -93,13 +94,6 @@ ov_rc ov_dir_close(ov_dir* dir) {
 ov_rc ov::remove_directory(const char* path) {
   const WidePath wide(path);
   return wide.error != 0 ? wide.error : code_of(RemoveDirectoryW(wide.text));
-}
-
-bool ov::is_directory_link(const char* path) {
-  const WidePath wide(path);
-  if (wide.error != 0) return false;
-  const DWORD attributes = GetFileAttributesW(wide.text);
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 
 ov_rc ov::make_directory(const char* path) {

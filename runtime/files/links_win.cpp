@@ -1,9 +1,11 @@
-// Symbolic links.
+// Symbolic links, and the long names of a path.
 #include <windows.h>
 #include <winioctl.h>
 
+#include <cwchar>
+
 #include "runtime/errors/last_code.h"
-#include "runtime/files/handle_win.h"
+#include "runtime/files/handle.h"
 #include "runtime/files/reparse_target.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"
@@ -17,7 +19,8 @@ namespace {
 
 static_assert(sizeof(wchar_t) == sizeof(uint16_t));
 static_assert(kReparseSize == MAXIMUM_REPARSE_DATA_BUFFER_SIZE);
-static_assert(kNotALink == ERROR_NOT_A_REPARSE_POINT && kIllLink == ERROR_INVALID_REPARSE_DATA);
+static_assert(OV_ENOTALINK == ERROR_NOT_A_REPARSE_POINT &&
+              OV_EILLLINK == ERROR_INVALID_REPARSE_DATA);
 
 // Lets users make links who have no such right but develop; older systems do not know it.
 constexpr DWORD kUnprivileged = 2;
@@ -31,6 +34,21 @@ bool leads_to_directory(const char* target, const char* link) {
   ov_file_tounixpath(above);
   ov_file_dirname(above);
   return ov_file_append_path(above, target, whole, sizeof whole) == 0 && ov_path_is_dir(whole) != 0;
+}
+
+constexpr wchar_t kLongNetwork[] = LR"(\\?\UNC\)";
+constexpr wchar_t kLong[] = LR"(\\?\)";
+
+// Steps over the mark of a long path, which only system calls are to see.
+wchar_t* without_mark(wchar_t* path) {
+  constexpr size_t kNetworkLength = sizeof kLongNetwork / sizeof(wchar_t) - 1;
+  constexpr size_t kLength = sizeof kLong / sizeof(wchar_t) - 1;
+  if (wcsncmp(path, kLongNetwork, kNetworkLength) == 0) {
+    wchar_t* const rest = path + kNetworkLength - 2;
+    rest[0] = L'\\';
+    return rest;
+  }
+  return wcsncmp(path, kLong, kLength) == 0 ? path + kLength : path;
 }
 
 }  // namespace
@@ -69,6 +87,19 @@ ov_rc ov_file_readlink(const char* path, char* out, size_t size) {
   wchar_t target[OV_PATH_SIZE];
   ov_rc error = reparse_target(record, length, reinterpret_cast<uint16_t*>(target), OV_PATH_SIZE);
   if (error == 0) error = ov_wchar_to_utf8(target, out, &size);
+  if (error == 0) ov_file_tounixpath(out);
+  return error;
+}
+
+ov_rc ov_file_realpath(const char* path, char* out, size_t size) {
+  if (out == nullptr) return OV_EINVAL;
+  const WidePath wide(path);
+  if (wide.error != 0) return wide.error;
+  wchar_t found[OV_PATH_SIZE];
+  const DWORD length = GetLongPathNameW(wide.text, found, OV_PATH_SIZE);
+  if (length == 0) return last_code();
+  if (length >= OV_PATH_SIZE) return OV_ERANGE;
+  const ov_rc error = ov_wchar_to_utf8(without_mark(found), out, &size);
   if (error == 0) ov_file_tounixpath(out);
   return error;
 }

@@ -55,14 +55,14 @@ void skip_system_mark(Name* name) {
 }  // namespace
 
 ov_rc reparse_target(const uint8_t* record, size_t length, uint16_t* out, size_t size) {
-  if (length < kNamesOfMountPoint) return kIllLink;
+  if (length < kNamesOfMountPoint) return OV_EILLLINK;
   const auto kind = number_at<uint32_t>(record, 0);
-  if (kind != kMountPoint && kind != kSymbolicLink) return kNotALink;
+  if (kind != kMountPoint && kind != kSymbolicLink) return OV_ENOTALINK;
   const size_t names = kind == kMountPoint ? kNamesOfMountPoint : kNamesOfSymbolicLink;
   Name name;
-  if (!read_name(record, length, names, kShownName, &name)) return kIllLink;
+  if (!read_name(record, length, names, kShownName, &name)) return OV_EILLLINK;
   if (name.units == 0) {
-    if (!read_name(record, length, names, kSystemName, &name)) return kIllLink;
+    if (!read_name(record, length, names, kSystemName, &name)) return OV_EILLLINK;
     skip_system_mark(&name);
   }
   if (name.units >= size) return OV_ERANGE;

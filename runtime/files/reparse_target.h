@@ -8,8 +8,6 @@
 
 namespace ov {
 
-constexpr ov_rc kNotALink = 4390;
-constexpr ov_rc kIllLink = 4392;
 // The most that the platform lets a record have, in bytes.
 constexpr size_t kReparseSize = 16384;
 

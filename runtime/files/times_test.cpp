@@ -1,4 +1,4 @@
-#include "runtime/files/times.h"
+#include "runtime/files/internal.h"
 
 #include <gtest/gtest.h>
 

@@ -255,6 +255,35 @@ TEST(FileTreeTest, WalkRefusesMissingArguments) {
   EXPECT_EQ(nullptr, walk);
 }
 
+TEST(FileTreeTest, DirectoriesBelowARootHaveOneSlash) {
+  char out[OV_PATH_SIZE];
+  EXPECT_EQ(6, ov_path_etc_dir("C:/no-such-folder/program", out, sizeof out));
+  EXPECT_STREQ("C:/etc", out);
+  EXPECT_EQ(6, ov_path_lib_dir("C:/no-such-folder/program", out, sizeof out));
+  EXPECT_STREQ("C:/lib", out);
+}
+
+TEST(FileTreeTest, FailureLeavesAnEmptyText) {
+  const TempFolder folder;
+  const std::string program = folder.path("r/p/bin/program");
+  const size_t size = folder.path("r/p").size() + 4;  // one byte less than is needed
+  char out[OV_PATH_SIZE] = "old";
+  for (const auto call : {ov_path_etc_dir, ov_path_lib_dir}) {
+    strcpy(out, "old");
+    EXPECT_EQ(-1, call(program.c_str(), out, size));
+    EXPECT_STREQ("", out);
+    strcpy(out, "old");
+    EXPECT_EQ(-1, call("", out, size));
+    EXPECT_STREQ("", out);
+  }
+  strcpy(out, "old");
+  EXPECT_EQ(-1, ov_path_etc_file("none", program.c_str(), out, sizeof out));
+  EXPECT_STREQ("", out);
+  strcpy(out, "old");
+  EXPECT_EQ(-1, ov_path_root_dir("", out, sizeof out));
+  EXPECT_STREQ("", out);
+}
+
 TEST(FileTreeTest, ConfigurationNeedsRoomBehindTheRoot) {
   const TempFolder folder;
   ASSERT_EQ(0, ov_dir_create(folder.path("r/p/bin").c_str(), 0, 1));

@@ -10,11 +10,46 @@ bool is_dotdot(const char* segment, size_t length) {
   return length == 2 && segment[0] == '.' && segment[1] == '.';
 }
 
-void store(ov_path* path, const char* segment, size_t length) {
-  if (path->count >= OV_PATH_SEGMENTS) return;
-  path->segments[path->count++] = {segment, static_cast<uint32_t>(length), 0};
-  path->segments[path->count] = {};
+// Only a segment that does not begin with ".." can be left.
+bool can_be_left(const ov_path_segment& segment) {
+  return segment.length < 2 || !is_dotdot(segment.text, 2);
 }
+
+// The segments of a path and how many of them can be left, kept along a walk: counting anew at each
+// step would cost the square of the path's length.
+class Walk {
+ public:
+  explicit Walk(ov_path* path) : path_(path) {
+    for (int32_t i = 0; i < path->count; ++i) leavable_ += can_be_left(path->segments[i]) ? 1 : 0;
+  }
+
+  void step(const char* segment, size_t length) {
+    if (length == 0 || (length == 1 && segment[0] == '.')) return;
+    const bool up = is_dotdot(segment, length);
+    if (up && path_->count == 0 && path_->prefix[0] != '\0') return;  // a root cannot be left
+    if (up && leavable_ > 0) {
+      drop();
+    } else {
+      store({segment, static_cast<uint32_t>(length), 0});
+    }
+  }
+
+ private:
+  void drop() {
+    ov_path_segment& last = path_->segments[--path_->count];
+    leavable_ -= can_be_left(last) ? 1 : 0;
+    last = {};
+  }
+  void store(const ov_path_segment& segment) {
+    if (path_->count >= OV_PATH_SEGMENTS) return;
+    leavable_ += can_be_left(segment) ? 1 : 0;
+    path_->segments[path_->count++] = segment;
+    path_->segments[path_->count] = {};
+  }
+
+  ov_path* const path_;
+  int32_t leavable_ = 0;
+};
 
 }  // namespace
 
@@ -26,22 +61,15 @@ void ov_path_init(ov_path* path) {
 }
 
 void ov_path_change_directory(ov_path* path, const char* segment, size_t length) {
-  if (path == nullptr || segment == nullptr || length == 0) return;
-  if (length == 1 && segment[0] == '.') return;
-  const bool up = is_dotdot(segment, length);
-  if (up && path->count == 0 && path->prefix[0] != '\0') return;  // a root cannot be left
-  if (up && ov_path_can_go_up_a_directory(path)) {
-    path->segments[--path->count] = {};
-  } else {
-    store(path, segment, length);
-  }
+  if (path != nullptr && segment != nullptr) Walk(path).step(segment, length);
 }
 
 void ov_path_string_to_path(ov_path* path, const char* text) {
   if (path == nullptr || text == nullptr) return;
+  Walk walk(path);
   while (*(text += strspn(text, "/")) != '\0') {
     const size_t length = strcspn(text, "/");
-    ov_path_change_directory(path, text, length);
+    walk.step(text, length);
     text += length;
   }
 }
@@ -50,8 +78,7 @@ int32_t ov_path_can_go_up_a_directory(const ov_path* path) {
   if (path == nullptr) return 0;
   if (path->count == 0) return path->prefix[0] != '\0' ? 1 : 0;
   for (int32_t i = 0; i < path->count; ++i) {
-    const ov_path_segment& segment = path->segments[i];
-    if (segment.length < 2 || !is_dotdot(segment.text, 2)) return 1;
+    if (can_be_left(path->segments[i])) return 1;
   }
   return 0;
 }

@@ -39,8 +39,8 @@ void rewrite(char* text) {
 ov_rc ov::widened_text(const char* path, char (&buffer)[kWidenedSize], const char** result) {
   *result = nullptr;
   if (strlen(path) < kLongPath) return 0;
-  const bool unc = ov_path_is_unc_path(path);
-  if (!unc && ov_path_is_relative(path)) return 0;
+  const bool unc = ov_path_is_unc_path(path) != 0;
+  if (!unc && ov_path_is_relative(path) != 0) return 0;
   const char* const prefix = unc ? R"(\\?\UNC\)" : R"(\\?\)";
   const ov_rc error =
       ov_str_printf_to(buffer, sizeof buffer, nullptr, "%s%s", prefix, unc ? path + 2 : path);

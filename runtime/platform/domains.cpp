@@ -1,18 +1,17 @@
-#include "runtime/platform/domains.h"
+#include "runtime/platform/internal.h"
 
 #include <cstdint>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/ov_strings.h"
-#include "runtime/platform/identity_platform.h"
+#include "runtime/platform/identity.h"
 #include "runtime/strings/ascii.h"
 
 using namespace ov;
 
 namespace {
 
-constexpr ov_rc kNotFound = 2;
 constexpr int32_t kNoteLevel = 1;
 
 class DomainLock {
@@ -101,7 +100,7 @@ ov_rc ov::remembered_domain_name(const char* domain, char* out, size_t size) {
   ov_rc result = 0;
   if (recall(domain, out, size, &result)) return result;
   char resolved[kNameSize];
-  if (flat_domain_name(domain, resolved, sizeof resolved) != 0) return kNotFound;
+  if (flat_domain_name(domain, resolved, sizeof resolved) != 0) return OV_ENOENT;
   remember(domain, resolved);
   return ov_str_ncpy(out, resolved, size);
 }

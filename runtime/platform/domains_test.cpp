@@ -1,4 +1,4 @@
-#include "runtime/platform/domains.h"
+#include "runtime/platform/internal.h"
 
 #include <gtest/gtest.h>
 
@@ -9,12 +9,12 @@
 #include <vector>
 
 #include "tests/support/runtime/captured_log.h"
-#include "tests/support/runtime/fake_names.h"
+#include "tests/support/runtime/fake_identity.h"
 
 namespace {
 
 using Messages = std::vector<std::string>;
-using ov::fake_names;
+using ov::fake_identity;
 
 constexpr int kThreads = 8;
 constexpr int kRounds = 2000;
@@ -26,16 +26,16 @@ std::string resolved(const std::string& domain) {
 
 // Whether the domain has to be asked for.
 bool isNew(const std::string& domain) {
-  const size_t before = fake_names.asked.size();
-  EXPECT_EQ(fake_names.domains[ov::lower(domain)], resolved(domain));
-  return fake_names.asked.size() != before;
+  const size_t before = fake_identity.asked.size();
+  EXPECT_EQ(fake_identity.domains[ov::lower(domain)], resolved(domain));
+  return fake_identity.asked.size() != before;
 }
 
 class DomainsTest : public ::testing::Test {
  protected:
   DomainsTest() {
-    fake_names = {};
-    for (int i = 0; i < 30; ++i) fake_names.domains[name(i)] = "Flat" + std::to_string(i);
+    fake_identity = {};
+    for (int i = 0; i < 30; ++i) fake_identity.domains[name(i)] = "Flat" + std::to_string(i);
   }
   static std::string name(int i) { return "domain" + std::to_string(i); }
 };
@@ -82,7 +82,7 @@ TEST_F(DomainsTest, UnknownDomainIsNotKeptAndReplacesNothing) {
   for (int i = 0; i < 20; ++i) EXPECT_TRUE(isNew(name(i)));
   EXPECT_EQ("<none>", resolved("unknown"));
   EXPECT_EQ("<none>", resolved("unknown"));
-  EXPECT_EQ(22U, fake_names.asked.size());
+  EXPECT_EQ(22U, fake_identity.asked.size());
   char out[8];
   EXPECT_EQ(2, ov::remembered_domain_name("unknown", out, sizeof out));
   for (int i = 0; i < 20; ++i) EXPECT_FALSE(isNew(name(i))) << i;
@@ -109,13 +109,13 @@ TEST_F(DomainsTest, UseWithoutInitIsNotedOnce) {
 TEST_F(DomainsTest, LookUpHoldsUpNoOther) {
   ov_platform_init();
   EXPECT_TRUE(isNew("domain1"));
-  fake_names.on_ask = [](const std::string& domain) {
+  fake_identity.on_ask = [](const std::string& domain) {
     if (domain != "domain2") return;
     std::thread([] { EXPECT_EQ("Flat1", resolved("domain1")); }).join();
     std::thread([] { EXPECT_EQ("Flat3", resolved("domain3")); }).join();
   };
   EXPECT_EQ("Flat2", resolved("domain2"));
-  fake_names.on_ask = nullptr;
+  fake_identity.on_ask = nullptr;
   for (int i = 1; i < 4; ++i) EXPECT_FALSE(isNew(name(i))) << i;
   ov_platform_fini();
 }
@@ -124,12 +124,12 @@ TEST_F(DomainsTest, DomainThatTwoAskForAtOnceTakesOnePlace) {
   ov_platform_init();
   for (int i = 0; i < 19; ++i) EXPECT_TRUE(isNew(name(i)));
   bool first = true;
-  fake_names.on_ask = [&first](const std::string&) {
+  fake_identity.on_ask = [&first](const std::string&) {
     if (!std::exchange(first, false)) return;
     std::thread([] { EXPECT_EQ("Flat19", resolved("domain19")); }).join();
   };
   EXPECT_EQ("Flat19", resolved("domain19"));
-  fake_names.on_ask = nullptr;
+  fake_identity.on_ask = nullptr;
   for (int i = 0; i < 20; ++i) EXPECT_FALSE(isNew(name(i))) << i;
   ov_platform_fini();
 }
@@ -157,7 +157,7 @@ TEST_F(DomainsTest, ManyThreadsShareTheDomains) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(0, wrong);
-  EXPECT_GE(fake_names.asked.size(), 33U);
+  EXPECT_GE(fake_identity.asked.size(), 33U);
   ov_platform_normalize_set_level(3);
   while (ov_platform_fini() == 0) {
   }

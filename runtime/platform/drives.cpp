@@ -5,7 +5,7 @@
 #include "runtime/ov_files.h"
 #include "runtime/ov_paths.h"
 #include "runtime/ov_strings.h"
-#include "runtime/platform/identity_platform.h"
+#include "runtime/platform/identity.h"
 #include "runtime/platform/record_list.h"
 
 using namespace ov;
@@ -15,8 +15,6 @@ static_assert(sizeof(ov_drive::path) == OV_PATH_SIZE && sizeof(ov_mount::path) =
 namespace {
 
 constexpr size_t kRootsUnits = 4096;
-// The system's code for a drive that is not ready.
-constexpr ov_rc kNotReady = 21;
 
 ov_rc list_drives(RecordList<ov_drive>* drives) {
   struct Roots {
@@ -58,7 +56,7 @@ ov_rc add_mount(RecordList<ov_mount>* mounts, const char* path) {
     mount->total = 0;
     mount->free = 0;
   }
-  if (error == kNotReady) {
+  if (error == OV_ENOTREADY) {
     mount->error = error;
     return 0;
   }

@@ -3,50 +3,19 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "runtime/ov_errors.h"
-#include "runtime/platform/identity_platform.h"
+#include "tests/support/runtime/fake_identity.h"
 
 namespace {
 
-struct Space {
-  ov_rc error;
-  uint64_t total, free;
-};
-
-// In place of the platform's volumes.
-struct Volumes {
-  std::u16string roots{u"C:\\\0D:\\\0Z:\\\0", 12};
-  ov_rc error = 0;
-  std::map<std::string, Space> spaces;
-  std::vector<std::string> asked;
-} volumes;
-
-}  // namespace
-
-ov_rc ov::drive_roots(uint16_t* out, size_t units) {
-  EXPECT_EQ(4096U, units);
-  if (volumes.error != 0) return volumes.error;
-  memcpy(out, volumes.roots.c_str(), (volumes.roots.size() + 1) * sizeof *out);
-  return 0;
-}
-
-ov_rc ov::volume_space(const char* path, uint64_t* total, uint64_t* free) {
-  volumes.asked.push_back(path);
-  const Space space = volumes.spaces[path];
-  *total = space.total;
-  *free = space.free;
-  return space.error;
-}
-
-namespace {
+using ov::fake_identity;
 
 class DrivesTest : public ::testing::Test {
  protected:
-  DrivesTest() { volumes = {}; }
+  DrivesTest() { fake_identity = {}; }
 };
 
 TEST_F(DrivesTest, DrivesInTheirOrder) {
@@ -56,6 +25,7 @@ TEST_F(DrivesTest, DrivesInTheirOrder) {
   for (const ov_drive* drive = list; drive != nullptr; drive = drive->next) {
     paths.push_back(drive->path);
   }
+  EXPECT_EQ(4096U, fake_identity.roots_room);
   EXPECT_EQ((std::vector<std::string>{"C:/", "D:/", "Z:/"}), paths);
   ov_platform_free_drives(&list);
   EXPECT_EQ(nullptr, list);
@@ -64,7 +34,7 @@ TEST_F(DrivesTest, DrivesInTheirOrder) {
 }
 
 TEST_F(DrivesTest, NoDrives) {
-  volumes.roots = u"";
+  fake_identity.roots = u"";
   ov_drive* list = nullptr;
   EXPECT_EQ(0, ov_platform_drives(&list));
   EXPECT_EQ(nullptr, list);
@@ -73,15 +43,15 @@ TEST_F(DrivesTest, NoDrives) {
 TEST_F(DrivesTest, FailureGivesNoList) {
   ov_drive old = {};
   ov_drive* list = &old;
-  volumes.error = 28677;
+  fake_identity.roots_error = 28677;
   EXPECT_EQ(28677, ov_platform_drives(&list));
   EXPECT_EQ(nullptr, list);
-  volumes.error = 0;
-  volumes.roots = std::u16string(u"C:\\\0\xD800\0", 6);
+  fake_identity.roots_error = 0;
+  fake_identity.roots = std::u16string(u"C:\\\0\xD800\0", 6);
   list = &old;
   EXPECT_EQ(22, ov_platform_drives(&list));
   EXPECT_EQ(nullptr, list);
-  volumes.roots = u"C:\\" + std::u16string(517, u'x');
+  fake_identity.roots = u"C:\\" + std::u16string(517, u'x');
   EXPECT_EQ(122, ov_platform_drives(&list));
   EXPECT_EQ(22, ov_platform_drives(nullptr));
 }
@@ -89,7 +59,7 @@ TEST_F(DrivesTest, FailureGivesNoList) {
 class MountsTest : public DrivesTest {};
 
 TEST_F(MountsTest, AllDrives) {
-  volumes.spaces = {{"C:/", {0, 100, 30}}, {"D:/", {21, 5, 5}}, {"Z:/", {0, UINT64_MAX, 1}}};
+  fake_identity.spaces = {{"C:/", {0, 100, 30}}, {"D:/", {21, 5, 5}}, {"Z:/", {0, UINT64_MAX, 1}}};
   ov_mount* list = nullptr;
   ASSERT_EQ(0, ov_platform_mnt(&list, nullptr));
   const ov_mount* mount = list;
@@ -121,13 +91,13 @@ TEST_F(MountsTest, AllDrives) {
 }
 
 TEST_F(MountsTest, OtherErrorEndsTheList) {
-  volumes.spaces = {{"D:/", {5, 0, 0}}};
+  fake_identity.spaces = {{"D:/", {5, 0, 0}}};
   ov_mount old = {};
   ov_mount* list = &old;
   EXPECT_EQ(5, ov_platform_mnt(&list, nullptr));
   EXPECT_EQ(nullptr, list);
-  EXPECT_EQ((std::vector<std::string>{"C:/", "D:/"}), volumes.asked);
-  volumes.error = 8;
+  EXPECT_EQ((std::vector<std::string>{"C:/", "D:/"}), fake_identity.spaces_asked);
+  fake_identity.roots_error = 8;
   EXPECT_EQ(8, ov_platform_mnt(&list, nullptr));
   EXPECT_EQ(22, ov_platform_mnt(nullptr, nullptr));
 }
@@ -146,11 +116,11 @@ TEST_F(MountsTest, OnePath) {
       {"", ""},
   };
   for (const auto& row : rows) {
-    volumes.spaces = {{row.asked, {0, 10, 4}}};
-    volumes.asked.clear();
+    fake_identity.spaces = {{row.asked, {0, 10, 4}}};
+    fake_identity.spaces_asked.clear();
     ov_mount* list = nullptr;
     ASSERT_EQ(0, ov_platform_mnt(&list, row.path)) << row.path;
-    EXPECT_EQ(std::vector<std::string>{row.asked}, volumes.asked);
+    EXPECT_EQ(std::vector<std::string>{row.asked}, fake_identity.spaces_asked);
     EXPECT_STREQ(row.asked, list->path);
     EXPECT_EQ(6U, list->used);
     EXPECT_EQ(nullptr, list->next);
@@ -163,7 +133,7 @@ TEST_F(MountsTest, PathFailures) {
   EXPECT_EQ(28677, ov_platform_mnt(&list, std::string(520, 'x').c_str()));
   const std::string share = "//host/" + std::string(512, 'x');
   EXPECT_EQ(28677, ov_platform_mnt(&list, share.c_str()));
-  volumes.spaces = {{"X:/", {3, 0, 0}}, {"Y:/", {21, 9, 9}}, {"Q:/", {0, 3, 9}}};
+  fake_identity.spaces = {{"X:/", {3, 0, 0}}, {"Y:/", {21, 9, 9}}, {"Q:/", {0, 3, 9}}};
   EXPECT_EQ(3, ov_platform_mnt(&list, "X:/"));
   EXPECT_EQ(nullptr, list);
   ASSERT_EQ(0, ov_platform_mnt(&list, "Y:/"));

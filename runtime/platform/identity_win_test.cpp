@@ -11,7 +11,7 @@
 
 #include "runtime/ov_process.h"
 #include "runtime/ov_strings.h"
-#include "runtime/platform/identity_platform.h"
+#include "runtime/platform/identity.h"
 #include "tests/support/runtime/captured_log.h"
 #include "tests/support/runtime/real_call_win.h"
 
@@ -23,27 +23,33 @@ using Messages = std::vector<std::string>;
 struct Faults {
   DWORD computer = 0, version = 0, owner = 0, roots = 0, space = 0, priority = 0;
   bool locale = false;
-  DWORD rootsLength = 0;  // told instead of the true one
-  DWORD versionSize = 0;  // what the last call asked for
+  DWORD rootsLength = 0;                  // told instead of the true one
+  const wchar_t* computerName = nullptr;  // instead of the true one
+  DWORD versionSize = 0;                  // what the last call asked for
 } faults;
 
 struct Domain {
   bool known = false;
   bool named = true;
-  std::string asked;
+  std::wstring asked;
   ULONG flags = 0;
   int freed = 0;
 } domain;
-DOMAIN_CONTROLLER_INFOA controller;
+DOMAIN_CONTROLLER_INFOW controller;
 
 BOOL fail(DWORD error) {
   SetLastError(error);
   return FALSE;
 }
 
-BOOL WINAPI getComputerName(LPSTR out, LPDWORD size) {
+BOOL WINAPI getComputerName(LPWSTR out, LPDWORD size) {
   if (faults.computer != 0) return fail(faults.computer);
-  return ov::real_call<decltype(&GetComputerNameA)>(L"kernel32.dll", "GetComputerNameA")(out, size);
+  if (faults.computerName == nullptr) {
+    return ov::real_call<decltype(&GetComputerNameW)>(L"kernel32.dll", "GetComputerNameW")(out,
+                                                                                           size);
+  }
+  wcscpy(out, faults.computerName);
+  return TRUE;
 }
 
 BOOL WINAPI getVersion(LPOSVERSIONINFOW info) {
@@ -82,9 +88,9 @@ wchar_t* setLocale(int category, const wchar_t* name) {
   return ov::real_call<decltype(&_wsetlocale)>(L"msvcrt.dll", "_wsetlocale")(category, name);
 }
 
-DWORD WINAPI getDomain(LPCSTR, LPCSTR name, GUID*, LPCSTR, ULONG flags,
-                       PDOMAIN_CONTROLLER_INFOA* info) {
-  static char flat[] = "Acme";
+DWORD WINAPI getDomain(LPCWSTR, LPCWSTR name, GUID*, LPCWSTR, ULONG flags,
+                       PDOMAIN_CONTROLLER_INFOW* info) {
+  static wchar_t flat[] = L"Acm\u20AC";
   domain.asked = name;
   domain.flags = flags;
   if (!domain.known) return ERROR_NO_SUCH_DOMAIN;
@@ -103,14 +109,14 @@ extern "C" NET_API_STATUS WINAPI NetApiBufferFree(LPVOID buffer) {
 }
 
 extern "C" {
-decltype(&GetComputerNameA) __imp_GetComputerNameA = getComputerName;
+decltype(&GetComputerNameW) __imp_GetComputerNameW = getComputerName;
 decltype(&GetVersionExW) __imp_GetVersionExW = getVersion;
 decltype(&GetUserNameW) __imp_GetUserNameW = getUserName;
 decltype(&GetLogicalDriveStringsW) __imp_GetLogicalDriveStringsW = getDriveStrings;
 decltype(&GetDiskFreeSpaceExW) __imp_GetDiskFreeSpaceExW = getSpace;
 decltype(&SetThreadPriority) __imp_SetThreadPriority = setPriority;
 decltype(&_wsetlocale) __imp__wsetlocale = setLocale;
-decltype(&DsGetDcNameA) __imp_DsGetDcNameA = getDomain;
+decltype(&DsGetDcNameW) __imp_DsGetDcNameW = getDomain;
 }
 
 namespace {
@@ -140,19 +146,29 @@ TEST_F(IdentityTest, ComputerName) {
   ov_snprintf(user, sizeof user, "%s\\Bob", name);
   EXPECT_EQ(0, ov_platform_normalize_user_name_ex(user, sizeof user, 3));
   EXPECT_STREQ("bob", user);
-  EXPECT_EQ("", domain.asked);
+  EXPECT_EQ(L"", domain.asked);
+}
+
+// The code page of the system has no such letters.
+TEST_F(IdentityTest, NamesKeepLettersOfAnyScript) {
+  faults.computerName = L"\u0416\u20AC";
+  EXPECT_EQ(0, ov::computer_name(out_, sizeof out_));
+  EXPECT_STREQ("\xD0\x96\xE2\x82\xAC", out_);
+  EXPECT_EQ(122, ov::computer_name(out_, 5));
+  EXPECT_EQ(1355, ov::flat_domain_name("\xD0\x96.example", out_, sizeof out_));
+  EXPECT_EQ(L"\u0416.example", domain.asked);
 }
 
 TEST_F(IdentityTest, DomainsAreAskedForTheirFlatName) {
   EXPECT_EQ(1355, ov::flat_domain_name("acme.example", out_, sizeof out_));
-  EXPECT_EQ("acme.example", domain.asked);
+  EXPECT_EQ(L"acme.example", domain.asked);
   EXPECT_EQ(0x80000000U, domain.flags);
   EXPECT_EQ(0, domain.freed);
   domain.known = true;
   EXPECT_EQ(0, ov::flat_domain_name("acme.example", out_, sizeof out_));
-  EXPECT_STREQ("Acme", out_);
+  EXPECT_STREQ("Acm\xE2\x82\xAC", out_);
   EXPECT_EQ(1, domain.freed);
-  EXPECT_EQ(28677, ov::flat_domain_name("acme.example", out_, 4));
+  EXPECT_EQ(122, ov::flat_domain_name("acme.example", out_, 4));
   EXPECT_EQ(2, domain.freed);
   domain.named = false;
   EXPECT_EQ(1355, ov::flat_domain_name("acme.example", out_, sizeof out_));
@@ -170,9 +186,9 @@ TEST_F(IdentityTest, UserOfADomain) {
   EXPECT_EQ(Messages{"ERR Unable to locate domain acme.example.  Leaving name as is."},
             log_.take());
   domain.known = true;
-  EXPECT_EQ("ACME\\bob", normalized());
+  EXPECT_EQ("ACM\xE2\x82\xAC\\bob", normalized());
   domain.known = false;
-  EXPECT_EQ("ACME\\bob", normalized());
+  EXPECT_EQ("ACM\xE2\x82\xAC\\bob", normalized());
   ov_platform_fini();
 }
 

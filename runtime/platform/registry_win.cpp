@@ -1,6 +1,7 @@
-// Reading values of the Windows registry.
+// Values of the Windows registry: read, written, removed.
 #include <windows.h>
 
+#include <cwchar>
 #include <memory>
 #include <new>
 
@@ -8,46 +9,84 @@
 #include "runtime/ov_log.h"
 #include "runtime/ov_registry.h"
 #include "runtime/ov_strings.h"
-#include "runtime/platform/registry_key_win.h"
+#include "runtime/platform/owners_win.h"
 
 using namespace ov;
 
 namespace {
 
+// What is read is looked for in the 64-bit view first; what is written goes there.
+constexpr REGSAM kQueryIn64 = KEY_QUERY_VALUE | KEY_WOW64_64KEY;
+constexpr REGSAM kQueryIn32 = KEY_QUERY_VALUE | KEY_WOW64_32KEY;
+constexpr REGSAM kSetIn64 = KEY_SET_VALUE | KEY_WOW64_64KEY;
+
+// A text of the system's codes, for log lines.
+struct ErrorText {
+  explicit ErrorText(ov_rc code) : text(ov_platform_errstr_inline(code, buffer, sizeof buffer)) {}
+  char buffer[512];
+  const char* text;
+};
+
+void log_failure(const char* call, const char* what, ov_rc error) {
+  ov_log("%s() %s failed, errno:%d, err desc:%s", call, what, error, ErrorText(error).text);
+}
+
+// The two names of a value: its key and its own, as the caller gave them and as the system wants
+// them.
+struct ValueName {
+  ValueName(const char* keyText, const char* nameText)
+      : key(keyText), name(nameText), wide_key(keyText), wide_name(nameText) {}
+  ov_rc error() const { return wide_key.error() != 0 ? wide_key.error() : wide_name.error(); }
+
+  // Both answer their argument.
+  ov_rc noteOfKey(ov_rc error) const {
+    if (error == ERROR_FILE_NOT_FOUND) {
+      OV_DEBUG("Registry subkey %s not found", key);
+    } else if (error != 0) {
+      log_failure("RegOpenKeyEx", key, error);
+    }
+    return error;
+  }
+  ov_rc noteOfValue(const char* call, ov_rc error) const {
+    if (error == ERROR_FILE_NOT_FOUND) {
+      OV_DEBUG("Registry value %s not found", name);
+    } else if (error != 0) {
+      log_failure(call, name, error);
+    }
+    return error;
+  }
+
+  const char* const key;
+  const char* const name;
+  const WideText wide_key;
+  const WideText wide_name;
+};
+
+// Four bytes of UTF-8 for each byte of the value are enough for any text.
+uint32_t enough_for(uint32_t bytes) {
+  constexpr uint64_t kFactor = 4;
+  const uint64_t needed = bytes * kFactor;
+  return needed > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(needed);
+}
+
 // Opens the key and reads the value into `data`, which may be null, of `*length` bytes.
 ov_rc query(void* hive, const char* key, const char* name, DWORD* type, void* data,
             uint32_t* length) {
-  const WideText wideKey(key);
-  if (wideKey.error() != 0) return wideKey.error();
-  const WideText wideName(name);
-  if (wideName.error() != 0) return wideName.error();
-  Key open;
-  ov_rc error = open.openForQuery(static_cast<HKEY>(hive), wideKey.text());
+  const ValueName value(key, name);
+  if (value.error() != 0) return value.error();
+  RegistryKey open;
+  ov_rc error = open.open(static_cast<HKEY>(hive), value.wide_key.text(), kQueryIn64);
   if (error == ERROR_FILE_NOT_FOUND) {
-    OV_DEBUG("Registry subkey %s not found", key);
-    return error;
+    error = open.open(static_cast<HKEY>(hive), value.wide_key.text(), kQueryIn32);
   }
-  if (error != 0) {
-    log_failure("RegOpenKeyEx", key, error);
-    return error;
-  }
+  if (value.noteOfKey(error) != 0) return error;
   DWORD bytes = data == nullptr ? 0 : *length;
-  error = static_cast<ov_rc>(RegQueryValueExW(open.get(), wideName.text(), nullptr, type,
+  error = static_cast<ov_rc>(RegQueryValueExW(open.get(), value.wide_name.text(), nullptr, type,
                                               static_cast<BYTE*>(data), &bytes));
-  if (error == ERROR_FILE_NOT_FOUND) {
-    OV_DEBUG("Registry value %s not found", name);
-    return error;
-  }
-  if (error != 0 && error != ERROR_MORE_DATA) {
-    log_failure("RegQueryValueEx", name, error);
-    return error;
-  }
+  if (error != ERROR_MORE_DATA && value.noteOfValue("RegQueryValueEx", error) != 0) return error;
   *length = static_cast<uint32_t>(bytes);
   if (error == 0 && data != nullptr) return 0;
-  // Four bytes of UTF-8 for each byte of the value are enough for any text.
-  constexpr uint64_t kFactor = 4;
-  const uint64_t needed = *length * kFactor;
-  *length = needed > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(needed);
+  *length = enough_for(*length);
   OV_DEBUG("Buffer length of %lu required", static_cast<unsigned long>(*length));
   return error == 0 ? 0 : OV_EBUFFER;
 }
@@ -90,6 +129,24 @@ ov_rc get_text(void* hive, const char* key, const char* name, char* out, uint32_
   return deliver(wide.get(), out, size, length);
 }
 
+ov_rc set(void* hive, const char* key, const char* name, DWORD type, const void* data,
+          DWORD bytes) {
+  const ValueName value(key, name);
+  if (value.error() != 0) return value.error();
+  RegistryKey open;
+  bool created = false;
+  ov_rc error = open.create(static_cast<HKEY>(hive), value.wide_key.text(), kSetIn64, &created);
+  if (error != 0) {
+    log_failure("RegCreateKeyEx", key, error);
+    return error;
+  }
+  if (created) OV_DEBUG("Created registry subkey %s", key);
+  error = static_cast<ov_rc>(RegSetValueExW(open.get(), value.wide_name.text(), 0, type,
+                                            static_cast<const BYTE*>(data), bytes));
+  if (error != 0) log_failure("RegSetValueEx", name, error);
+  return error;
+}
+
 }  // namespace
 
 ov_rc ov_reg_get(void* hive, const char* key, const char* name, char* out, uint32_t* length) {
@@ -109,4 +166,27 @@ ov_rc ov_reg_get_binary(void* hive, const char* key, const char* name, void* out
   if (length == nullptr) return OV_EINVAL;
   DWORD type = 0;
   return query(hive, key, name, &type, out, length);
+}
+
+ov_rc ov_reg_set(void* hive, const char* key, const char* name, const char* value) {
+  const WideText wide(value);
+  if (wide.error() != 0) return wide.error();
+  const size_t bytes = (wcslen(wide.text()) + 1) * sizeof(wchar_t);
+  return set(hive, key, name, REG_SZ, wide.text(), static_cast<DWORD>(bytes));
+}
+
+ov_rc ov_reg_set_binary(void* hive, const char* key, const char* name, const void* data,
+                        uint32_t length) {
+  if (data == nullptr && length > 0) return OV_EINVAL;
+  return set(hive, key, name, REG_BINARY, data, length);
+}
+
+ov_rc ov_reg_del(void* hive, const char* key, const char* name) {
+  const ValueName value(key, name);
+  if (value.error() != 0) return value.error();
+  RegistryKey open;
+  const ov_rc error = open.open(static_cast<HKEY>(hive), value.wide_key.text(), kSetIn64);
+  if (value.noteOfKey(error) != 0) return error;
+  return value.noteOfValue("RegDeleteValue",
+                           static_cast<ov_rc>(RegDeleteValueW(open.get(), value.wide_name.text())));
 }

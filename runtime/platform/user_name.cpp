@@ -6,8 +6,8 @@
 #include "runtime/ov_log.h"
 #include "runtime/ov_platform.h"
 #include "runtime/ov_strings.h"
-#include "runtime/platform/domains.h"
-#include "runtime/platform/identity_platform.h"
+#include "runtime/platform/internal.h"
+#include "runtime/platform/identity.h"
 #include "runtime/strings/ascii.h"
 
 using namespace ov;

@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "tests/support/runtime/captured_log.h"
-#include "tests/support/runtime/fake_names.h"
+#include "tests/support/runtime/fake_identity.h"
 #include "tests/support/runtime/user_name_reference.h"
 
 namespace {
 
 using Messages = std::vector<std::string>;
-using ov::fake_names;
+using ov::fake_identity;
 
 // A byte that must not change stands behind the name's room.
 struct Result {
@@ -35,7 +35,7 @@ Result normalized(const std::string& name, int32_t level) {
 class UserNameTest : public ::testing::Test {
  protected:
   UserNameTest() {
-    fake_names = {};
+    fake_identity = {};
     ov_platform_init();
   }
   ~UserNameTest() override {
@@ -80,22 +80,22 @@ TEST_F(UserNameTest, NormalForms) {
     EXPECT_EQ(0, result.error) << row.name;
     EXPECT_EQ(row.expected, result.name) << row.name;
   }
-  EXPECT_EQ(Messages{}, fake_names.asked);
+  EXPECT_EQ(Messages{}, fake_identity.asked);
 }
 
 TEST_F(UserNameTest, LevelsChooseTheLookUp) {
   ov::CapturedLog log;
-  fake_names.domains["acme.example"] = "Acme";
+  fake_identity.domains["acme.example"] = "Acme";
   EXPECT_EQ("Bob@acme.example", normalized("Bob@acme.example", 0).name);
   EXPECT_EQ("ACME.EXAMPLE\\bob", normalized("Bob@acme.example", 1).name);
   EXPECT_EQ("ACME\\bob", normalized("Bob@acme.example", 2).name);
   EXPECT_EQ("ACME\\bob", normalized("Bob@acme.example", 2).name);
-  EXPECT_EQ((Messages{"acme.example", "acme.example"}), fake_names.asked);
+  EXPECT_EQ((Messages{"acme.example", "acme.example"}), fake_identity.asked);
   EXPECT_EQ("ACME\\bob", normalized("ACME.example/Bob", 3).name);
   EXPECT_EQ("ACME\\bob", normalized("Bob@acme.example", 3).name);
-  EXPECT_EQ(3U, fake_names.asked.size());
+  EXPECT_EQ(3U, fake_identity.asked.size());
   EXPECT_EQ("ACME.EXAMPLE\\bob", normalized("Bob@acme.example", 4).name);
-  EXPECT_EQ(3U, fake_names.asked.size());
+  EXPECT_EQ(3U, fake_identity.asked.size());
   EXPECT_EQ(Messages{}, log.take());
 }
 
@@ -105,13 +105,13 @@ TEST_F(UserNameTest, LevelOfTheProcess) {
     EXPECT_EQ(0, ov_platform_normalize_user_name(text, sizeof text));
     return std::string(text);
   };
-  fake_names.domains["acme"] = "Short";
+  fake_identity.domains["acme"] = "Short";
   EXPECT_EQ("SHORT\\bob", name());  // 3 at the start
   EXPECT_EQ("SHORT\\bob", name());
-  EXPECT_EQ(1U, fake_names.asked.size());
+  EXPECT_EQ(1U, fake_identity.asked.size());
   EXPECT_EQ(0, ov_platform_normalize_set_level(2));
   EXPECT_EQ("SHORT\\bob", name());
-  EXPECT_EQ(2U, fake_names.asked.size());
+  EXPECT_EQ(2U, fake_identity.asked.size());
   EXPECT_EQ(0, ov_platform_normalize_set_level(1));
   EXPECT_EQ("ACME\\bob", name());
   EXPECT_EQ(0, ov_platform_normalize_set_level(0));
@@ -130,7 +130,7 @@ TEST_F(UserNameTest, UnknownDomainIsKept) {
 }
 
 TEST_F(UserNameTest, ResultThatDoesNotFitLeavesTheName) {
-  fake_names.domains["a"] = "longer";
+  fake_identity.domains["a"] = "longer";
   EXPECT_EQ(28677, normalized("B@a", 2, 8).error);
   EXPECT_EQ("B@a", normalized("B@a", 2, 8).name);
   EXPECT_EQ(0, normalized("B@a", 2, 9).error);
@@ -157,8 +157,8 @@ TEST_F(UserNameTest, BadArguments) {
 }
 
 std::optional<std::string> fakeShortName(const std::string& domain) {
-  const auto found = fake_names.domains.find(ov::lower(domain));
-  if (found == fake_names.domains.end()) return std::nullopt;
+  const auto found = fake_identity.domains.find(ov::lower(domain));
+  if (found == fake_identity.domains.end()) return std::nullopt;
   return found->second;
 }
 std::optional<std::string> noShortName(const std::string&) {
@@ -166,7 +166,7 @@ std::optional<std::string> noShortName(const std::string&) {
 }
 
 void expectAsReference(const std::string& name, int32_t level) {
-  const auto expected = ov::reference::normalForm(name, fake_names.computer,
+  const auto expected = ov::reference::normalForm(name, fake_identity.computer,
                                                   level == 1 ? noShortName : fakeShortName);
   const Result result = normalized(name, level, 2048);
   ASSERT_EQ(expected.has_value() ? 0 : 28677, result.error) << name;
@@ -174,7 +174,7 @@ void expectAsReference(const std::string& name, int32_t level) {
 }
 
 TEST_F(UserNameTest, EqualsTheReferenceOnAllShortNames) {
-  fake_names.domains = {{"a", "b"}, {"bbb", "Long.name"}, {"a.", ""}};
+  fake_identity.domains = {{"a", "b"}, {"bbb", "Long.name"}, {"a.", ""}};
   const std::string alphabet = "abB@\\/.";
   size_t names = 1;
   for (size_t length = 0; length <= 6; ++length, names *= alphabet.size()) {
@@ -192,7 +192,7 @@ TEST_F(UserNameTest, EqualsTheReferenceOnAllShortNames) {
 }
 
 TEST_F(UserNameTest, EqualsTheReferenceOnRandomNames) {
-  fake_names.domains = {{"a", "b"}, {"bbb", "Long.name"}, {"a.", ""}};
+  fake_identity.domains = {{"a", "b"}, {"bbb", "Long.name"}, {"a.", ""}};
   std::mt19937 random(1);
   for (int round = 0; round < 20000; ++round) {
     std::string name(random() % (round % 10 == 0 ? 1100 : 24), '\0');

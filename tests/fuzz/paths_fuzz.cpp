@@ -28,7 +28,7 @@ void canonicalise(const std::string& path, size_t small) {
   const Result expected = ov::reference::canonical(path);
   const auto out = std::make_unique<char[]>(ample);
   const bool good = ov_path_canonical_path(path.c_str(), out.get(), ample) == 0;
-  check(expected ? good && *expected == out.get() : !good);
+  check(expected ? good && *expected == out.get() : !good && out[0] == '\0');
 
   const auto same = std::make_unique<char[]>(ample);
   std::memcpy(same.get(), path.c_str(), path.size() + 1);
@@ -36,7 +36,7 @@ void canonicalise(const std::string& path, size_t small) {
   check(!good || *expected == same.get());
 
   const auto cut = std::make_unique<char[]>(small);
-  if (ov_path_canonical_path(path.c_str(), cut.get(), small) != 0) return;
+  if (ov_path_canonical_path(path.c_str(), cut.get(), small) != 0) return check(cut[0] == '\0');
   check(std::strlen(cut.get()) < small);
   const bool uri = ov_path_is_zept_uri(path.c_str()) != 0 || ov_uri_valid_uri(path.c_str()) != 0;
   check(uri ? expected->starts_with(cut.get()) : *expected == cut.get());
@@ -79,15 +79,22 @@ void split(const std::string& path) {
 }
 
 void climb(const std::string& path) {
-  char out[OV_PATH_SIZE];
+  char out[OV_PATH_SIZE] = "old";
   const int32_t length = ov_path_parent_dir(path.c_str(), out, sizeof out);
   const Result expected = ov::reference::parent(path);
-  // The text with the two dots has 523 bytes at most, the result 519.
-  const size_t joined = path.size() + (path.ends_with('/') ? 2 : 3);
-  if (!expected || joined >= sizeof out) {
-    check(length == -1 || (joined < 524 && ov_uri_valid_uri(path.c_str()) != 0));
+  // What is joined has 523 bytes at most, and what is written on the way to the result 519: a root
+  // may be longer than what was joined, as "//name" becomes the network path "//name/../".
+  std::string joined = path + (path.ends_with('/') ? ".." : "/..");
+  std::replace(joined.begin(), joined.end(), '\\', '/');
+  const auto root = ov::reference::splitRoot(joined);
+  const size_t written = root ? root->prefix.size() + root->rest.size() : 0;
+  const bool uri = joined.size() < 524 && ov_uri_valid_uri(path.c_str()) != 0;
+  const bool right =
+      expected && length == static_cast<int32_t>(expected->size()) && *expected == out;
+  if (expected && std::max(joined.size(), written) < sizeof out) {
+    check(right);
   } else {
-    check(length == static_cast<int32_t>(expected->size()) && *expected == out);
+    check(uri || right || (length == -1 && out[0] == '\0'));
   }
   if (path.size() < 500) {
     check(ov::reference::leavesHome(path) == (ov_path_leaves_home_dir(path.c_str()) == 1));

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/runtime/fake_names.h"
+#include "tests/support/runtime/fake_identity.h"
 #include "tests/support/runtime/user_name_reference.h"
 
 namespace {
@@ -17,8 +17,8 @@ void check(bool holds) {
 }
 
 std::optional<std::string> shortName(const std::string& domain) {
-  const auto found = ov::fake_names.domains.find(ov::lower(domain));
-  if (found == ov::fake_names.domains.end()) return std::nullopt;
+  const auto found = ov::fake_identity.domains.find(ov::lower(domain));
+  if (found == ov::fake_identity.domains.end()) return std::nullopt;
   return found->second;
 }
 
@@ -31,8 +31,9 @@ std::optional<std::string> noShortName(const std::string&) {
 // The first byte is the level, the second what the name's buffer has beyond the name.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 2) return 0;
-  ov::fake_names.asked.clear();
-  ov::fake_names.domains = {{"a", "Longer.than.the.name"}, {"acme.example", "Acme"}, {"acme", "A"}};
+  ov::fake_identity.asked.clear();
+  ov::fake_identity.domains = {
+      {"a", "Longer.than.the.name"}, {"acme.example", "Acme"}, {"acme", "A"}};
   const int32_t level = data[0] % 4;
   const char* const text = reinterpret_cast<const char*>(data + 2);
   const std::string name(text, ov_str_nlen(text, size - 2));
@@ -41,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const ov_rc error = ov_platform_normalize_user_name_ex(buffer.data(), buffer.size(), level);
   std::optional<std::string> expected = name;
   if (level != 0) {
-    expected = ov::reference::normalForm(name, ov::fake_names.computer,
+    expected = ov::reference::normalForm(name, ov::fake_identity.computer,
                                          level == 1 ? noShortName : shortName);
   }
   if (expected && expected->size() >= buffer.size()) expected.reset();

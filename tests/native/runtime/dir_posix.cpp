@@ -22,6 +22,7 @@ ov_rc ov_dir_open(const char* path, ov_dir* dir) {
 
 ov_rc ov_dir_next(ov_dir* dir, ov_dirent* entry) {
   if (dir == nullptr || entry == nullptr) return OV_EINVAL;
+  entry->find = nullptr;
   errno = 0;
   const dirent* const next = readdir(static_cast<DIR*>(dir->handle));
   if (next == nullptr) return errno == 0 ? OV_EDIREND : code_of_errno();

@@ -24,15 +24,7 @@ ov_rc ov_process_setenv(const char* name, const char* value) {
 int32_t ov_path_executable_path(char* out, size_t size) {
   char text[OV_PATH_SIZE];
   const ssize_t length = readlink("/proc/self/exe", text, sizeof text - 1);
-  if (length < 0) return -1;
+  if (length < 0) return ov::no_path(out, size);
   text[length] = '\0';
   return ov::length_or_failure(ov_path_canonical_path(text, out, size), out);
-}
-
-int32_t ov_path_executable_path_from_arg(void) {
-  return -1;
-}
-
-int32_t ov_path_executable_dir(char* out, size_t size) {
-  return ov_path_executable_path(out, size) < 0 ? -1 : ov_path_parent_dir(out, out, size);
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <functional>
 #include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,15 @@ inline void forEachText(const std::string& alphabet, size_t longest,
   use(text);
   if (text.size() == longest) return;
   for (const char c : alphabet) forEachText(alphabet, longest, use, text + c);
+}
+
+// A text of up to 20 pieces that paths are made of.
+inline std::string randomPath(std::mt19937& random) {
+  constexpr const char* kPieces[] = {"a",  "bc", ".", "..", "...", "/",  "//",  "\\",
+                                     "C:", "é",  " ", "x.", ".y",  "z/", "/../"};
+  std::string text;
+  for (size_t count = random() % 20; count > 0; --count) text += kPieces[random() % 15];
+  return text;
 }
 
 inline bool isLetter(char c) {
