@@ -1,7 +1,9 @@
 /* Files and directories of the base runtime. Part of ov_runtime.h.
 
    Paths are UTF-8 with forward slashes. Results are error codes, 0 for success: the system's last
-   error, or errno if that is 0; 22 stands for a null argument. */
+   error, or errno if that is 0; OV_EINVAL (22) stands for a null argument. What a buffer or a
+   record holds after a failure is of no use unless something is said. Nothing may overlap what is
+   read unless that is said. */
 #pragma once
 
 #include "runtime/ov_types.h"
@@ -52,7 +54,7 @@ typedef struct {
 /* One entry of a directory. `find` points into the ov_dir and lives until its next call. */
 typedef struct {
   char name[520];
-  const ov_find_data* find;
+  const ov_find_data* find; /* null when nothing was delivered */
 } ov_dirent;
 
 /* Marks the record closed. 0. */
@@ -64,16 +66,25 @@ int32_t ov_file_valid(const ov_file* file);
 /* Closes, and marks the record closed on success. Closing a closed record is 0. */
 ov_rc ov_file_close(ov_file* file);
 
-/* Opens an existing file for reading. Meanwhile others may only read it too. */
+/* The functions that open leave the record closed when they fail. While a file is open, nobody can
+   delete or rename it.
+
+   Opens an existing file for reading; meanwhile others may only read it too. */
 ov_rc ov_file_openread(const char* path, ov_file* file);
 
-/* Opens for writing; creates the file or empties it. `mode` has no effect. */
+/* Opens for writing; creates the file or empties it. `mode` has no effect. Meanwhile others may
+   read and write. */
 ov_rc ov_file_openwrite(const char* path, ov_file* file, int32_t mode);
 
-/* Opens for reading and writing; creates the file if need be, but with a `mode` of 7 does not. */
+/* A `mode` of ov_file_openrw. */
+#define OV_OPEN_EXISTING 7
+
+/* Opens for reading and writing; creates the file if need be, but not with OV_OPEN_EXISTING.
+   Meanwhile others may read and write. */
 ov_rc ov_file_openrw(const char* path, ov_file* file, int32_t mode);
 
-/* Opens for appending; creates the file if need be. `mode` has no effect. */
+/* Opens for appending; creates the file if need be. `mode` has no effect. Meanwhile others may read
+   and write. */
 ov_rc ov_file_openappend(const char* path, ov_file* file, int32_t mode);
 
 /* Reads up to `length` bytes; `*read` of 0 is the end of the file or of a broken pipe. */
@@ -95,7 +106,9 @@ ov_rc ov_file_truncate(ov_file* file, int64_t size);
 /* Brings what was written to the disk. */
 ov_rc ov_file_flush(ov_file* file);
 
-/* Tells what is at `path`. `flags`: 0, OV_STAT_NO_FOLLOW, OV_STAT_IDENTITY or both. */
+/* Tells what is at `path`. `flags`: 0, OV_STAT_NO_FOLLOW, OV_STAT_IDENTITY or both. A symbolic link
+   is followed: all that is told is of the object it leads to, and a link that leads nowhere is a
+   failure. With OV_STAT_NO_FOLLOW it is the link's own, which shows as a file or a directory. */
 ov_rc ov_file_stat(const char* path, ov_stat* record, int32_t flags);
 
 /* Tells about an open file. */
@@ -118,15 +131,16 @@ ov_rc ov_file_copy(const char* from, const char* to, int32_t mode);
 ov_rc ov_file_hardlink(const char* existing, const char* link);
 
 /* Makes `link` a symbolic link with the text `target`, which need not lead to anything; a relative
-   one counts from the link's directory. 1314 without the right to make links. */
+   one counts from the link's directory. OV_ENOPRIVILEGE (1314) without the right to make links. */
 ov_rc ov_file_symlink(const char* target, const char* link);
 
 /* Writes what a symbolic link or a mount point leads to, with forward slashes. `size` counts bytes.
-   4390 for a path that is no link, 122 for a target that does not fit. */
+   OV_ENOTALINK (4390) for a path that is no link, OV_EILLLINK (4392) for a record of a link that
+   cannot be read, OV_ERANGE (122) for a target that does not fit. */
 ov_rc ov_file_readlink(const char* path, char* out, size_t size);
 
-/* Sets times of a file or directory, in seconds since 1970; null leaves one as it is. 22 for a time
-   that the platform has no number for. */
+/* Sets times of a file or directory, in seconds since 1970; null leaves one as it is. OV_EINVAL
+   (22) for a time that the platform has no number for. */
 ov_rc ov_file_utime(const char* path, const int64_t* accessed, const int64_t* modified);
 ov_rc ov_file_utime3(const char* path, const int64_t* accessed, const int64_t* modified,
                      const int64_t* created);
@@ -136,33 +150,39 @@ ov_rc ov_file_utime3(const char* path, const int64_t* accessed, const int64_t* m
 ov_rc ov_file_permissions(const char* path, int32_t mode);
 
 /* 0 when `uid` and `gid` are the present ones or -1. Files of this platform have owners without
-   numbers, so every other is 50. */
+   numbers, so every other is OV_ENOTSUP (50). */
 ov_rc ov_file_chown(const char* path, int32_t uid, int32_t gid);
 
 /* Replaces each backslash by a slash, in place. */
 void ov_file_tounixpath(char* path);
 
-/* Writes `dir`, a slash unless it is empty or ends in one, and `name`. `size` counts bytes; a size
-   of 0 is 0, and 28677 says that the result was cut. */
+/* Writes `dir`, a slash unless it is empty or ends in one, and `name`. `dir` may be `out`. `size`
+   counts bytes; a size of 0 is 0, and OV_EBUFFER (28677) says that the result was cut. */
 ov_rc ov_file_append_path(const char* dir, const char* name, char* out, size_t size);
 
-/* Points `*result` at what is behind the last slash; null and 28674 if that is nothing. */
+/* Points `*result` at what is behind the last slash; null and OV_EBASENAME (28674) if that is
+   nothing. */
 ov_rc ov_file_basename(const char* path, const char** result);
 
 /* Cuts the last part off, in place; what is left is at least the root or ".". */
 void ov_file_dirname(char* path);
 
-/* Writes the path with its long names. 122 if it has more than 520 characters or does not fit. */
+/* Writes the path with its long names. OV_ERANGE (122) if it has more than 520 characters or does
+   not fit. `path` may be `out`. */
 ov_rc ov_file_realpath(const char* path, char* out, size_t size);
 
-/* 0 if the paths are equal or `a` is a directory above `b`; else 28675. Case matters. */
+/* 0 if the paths are equal or `a` is a directory above `b`; else OV_EPATHMATCH (28675). Case
+   matters. */
 ov_rc ov_file_path_compare(const char* a, const char* b);
 
 /* Opens a directory for ov_dir_next; an empty path is the root of the present drive. The record is
    to be closed with ov_dir_close after success. */
 ov_rc ov_dir_open(const char* path, ov_dir* dir);
 
-/* Delivers the next entry, "." and ".." included; 28678 behind the last one. */
+/* Delivers the next entry, "." and ".." included; OV_EDIREND (28678) behind the last one. An entry
+   whose name has no room (a name may have 765 bytes) is OV_ERANGE (122), one whose name is no text
+   OV_EINVAL (22), both with `find` pointing at what the platform told; the next call goes on behind
+   it. After any other failure `find` is null. */
 ov_rc ov_dir_next(ov_dir* dir, ov_dirent* entry);
 
 /* Closes the directory. 0, also for a closed record. */
@@ -172,7 +192,7 @@ ov_rc ov_dir_close(ov_dir* dir);
 typedef ov_rc (*ov_dir_cb)(const char* path, int32_t created, void* argument);
 
 /* Makes a directory, with `recursive` also those above it. One that is there already is success, a
-   file in its place is 267. `mode` has no effect. */
+   file in its place is OV_ENOTDIR (267). `mode` has no effect. */
 ov_rc ov_dir_create(const char* path, int32_t mode, int32_t recursive);
 
 /* The same, telling `callback`, which may be null, of each directory from the top; a result of it
@@ -183,7 +203,8 @@ ov_rc ov_dir_create_callback2(const char* path, int32_t mode, int32_t recursive,
                               void* argument);
 
 /* Removes a directory, with `recursive` with all it holds; a link to a directory is removed itself.
-   The first error ends the work. */
+   The first error ends the work; an entry that ov_dir_next has no room to name stays, and with it
+   the directory: 145. */
 ov_rc ov_dir_delete(const char* path, int32_t recursive);
 
 /* What ov_dir_walk_iterate delivers. */
@@ -195,15 +216,19 @@ ov_rc ov_dir_delete(const char* path, int32_t recursive);
 /* A walk through a directory and all below it. */
 struct ov_dir_walk;
 
-/* Starts a walk at a directory or a file; it is to be released. On failure `*walk` is null; 267 for
-   what is neither. */
+/* Starts a walk at a directory or a file; it is to be released. On failure `*walk` is null;
+   OV_ENOTDIR (267) for what is neither. */
 ov_rc ov_dir_walk_init(struct ov_dir_walk** walk, const char* path);
 
 /* Delivers the next path and its kind, a directory before what it holds. The end of each directory,
-   the first one included, is the path ".." of kind OV_WALK_UP; 28678 behind the last. */
+   the first one included, is the path ".." of kind OV_WALK_UP; OV_EDIREND (28678) behind the last.
+   An entry whose name has no room in an ov_dirent or is no text is passed over. A path that does
+   not fit `out` is OV_EBUFFER (28677), and an entry that cannot be looked at is the look's code;
+   after both the next call goes on behind the entry. */
 ov_rc ov_dir_walk_iterate(struct ov_dir_walk* walk, char* out, size_t size, int32_t* type);
 
-/* Leaves the directory that is being read, as if its end were reached; 28678 if there is none. */
+/* Leaves the directory that is being read, as if its end were reached; OV_EDIREND (28678) if there
+   is none. */
 ov_rc ov_dir_walk_pop(struct ov_dir_walk* walk);
 
 /* Ends the walk, frees it and sets null. */

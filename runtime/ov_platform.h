@@ -1,7 +1,8 @@
 /* Who and where this process is: the machine, the system, the user, the drives, the install root.
-   Part of ov_runtime.h. Results are 0 or an error code; 22 stands for a null argument. Texts are
-   UTF-8 and terminated, sizes count bytes with the terminator, and a result that does not fit is
-   28677 unless told otherwise. Any thread may call everything here. */
+   Part of ov_runtime.h. Results are 0 or an error code; OV_EINVAL (22) stands for a null argument.
+   Texts are UTF-8 and terminated, sizes count bytes with the terminator, and a result that does not
+   fit is OV_EBUFFER (28677) unless told otherwise; what `out` holds after a failure is of no use
+   unless something is said. Any thread may call everything here. */
 #pragma once
 
 #include "runtime/ov_types.h"
@@ -30,7 +31,7 @@ typedef struct ov_mount {
   uint64_t used;
   uint64_t free;
   uint64_t reserved; /* always 0 */
-  int32_t error;     /* 21 for a drive that is not ready; then the sizes are 0 */
+  int32_t error;     /* OV_ENOTREADY (21) for a drive that is not ready; then the sizes are 0 */
   struct ov_mount* next;
 } ov_mount;
 
@@ -42,7 +43,8 @@ typedef struct {
 } ov_locale;
 
 /* Each call of ov_platform_init, which gives 0, is to be paired with one of ov_platform_fini, the
-   last of which forgets the domains that were looked up; 22 for one that is not paired. */
+   last of which forgets the domains that were looked up; OV_EINVAL (22) for one that is not
+   paired. */
 ov_rc ov_platform_init(void);
 ov_rc ov_platform_fini(void);
 
@@ -53,14 +55,14 @@ ov_rc ov_platform_thread_init(void);
 ov_rc ov_platform_build_ver(char* out);
 ov_rc ov_platform_build_os(char* out);
 
-/* Writes this computer's name. 22 if the system does not tell it. */
+/* Writes this computer's name. OV_EINVAL (22) if the system does not tell it. */
 ov_rc ov_platform_hostname(char* out, size_t size);
 
 /* Writes "Microsoft Windows MAJOR.MINOR SERVICE-PACK". */
 ov_rc ov_platform_os(char* out, size_t size);
 
 /* Writes the install directory of the first product that the registry knows, as it stands there.
-   2 if there is none. */
+   OV_ENOENT (2) if there is none; then `out` is empty. */
 ov_rc ov_platform_root(char* out, size_t size);
 
 /* Writes the install directory of the product OV_WINREG_ZEPT with forward slashes. */
@@ -69,19 +71,20 @@ ov_rc ov_platform_winpath(char* out, size_t size);
 /* Fills the record from the program's present locale. */
 ov_rc ov_platform_getlocale(ov_locale* locale);
 
-/* There are no such names on this platform: they write an empty text if `size` is not 0. */
+/* There are no such names on this platform: one function, which writes an empty text if `size` is
+   not 0. */
 ov_rc ov_platform_uname(int32_t id, char* out, size_t size);
 ov_rc ov_platform_gname(int32_t id, char* out, size_t size);
 
-/* Writes the name of the account that this process runs as. 122 if it does not fit. */
+/* Writes the name of the account that this process runs as. OV_ERANGE (122) if it does not fit. */
 ov_rc ov_platform_get_process_uname(char* out, size_t size);
 
 /* Writes the user's name as the variables USER, LOGNAME or USERNAME tell it, the last one with its
-   domain and in normal form; 22 if none is set. On failure `out` is empty. */
+   domain and in normal form; OV_EINVAL (22) if none is set. On failure `out` is empty. */
 ov_rc ov_platform_usr(char* out, size_t size);
 
-/* Looks that name up in "etc/passwd" below ov_platform_root. 28687 if it is not there; on any
-   failure `*uid` is -1. */
+/* Looks that name up in "etc/passwd" below ov_platform_root. OV_EUNAME (28687) if it is not there;
+   on any failure `*uid` is -1. */
 ov_rc ov_platform_uid(int32_t* uid);
 
 /* How user names are brought into normal form. */
@@ -90,7 +93,7 @@ ov_rc ov_platform_uid(int32_t* uid);
 #define OV_NORMALIZE_LOOKUP 2 /* with one, each time */
 #define OV_NORMALIZE_CACHED 3 /* with one that is remembered; the level at the start */
 
-/* Sets the level of ov_platform_normalize_user_name; 22 from 4 on. */
+/* Sets the level of ov_platform_normalize_user_name; OV_EINVAL (22) from 4 on. */
 ov_rc ov_platform_normalize_set_level(int32_t level);
 
 /* Brings "user@domain", "domain\user", "domain/user" or "user" into the form "DOMAIN\user", or

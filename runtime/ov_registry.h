@@ -17,9 +17,11 @@
 OV_BEGIN_DECLS
 
 /* Reads a text value as UTF-8. `*length` is the size of `out` in bytes, and afterwards the length
-   with the terminator. 2 if the key or the value is missing, 28677 if `out` is too small, with
-   `*length` set to a size that is enough; a null `out` asks for that size and gives 0. 22 for a
-   value that is no text. On failure `out` is empty. */
+   with the terminator. `out` must have room for the value as it stands in the registry, two bytes a
+   character, also when its UTF-8 is shorter. OV_ENOENT (2) if the key or the value is missing,
+   OV_EBUFFER (28677) if `out` is too small for either form, with `*length` set to a size that is
+   enough; a null `out` asks for that size and gives 0. OV_EINVAL (22) for a value that is no text.
+   On failure `out` is empty. */
 ov_rc ov_reg_get(void* hive, const char* key, const char* name, char* out, uint32_t* length);
 
 /* Reads the bytes of a value of any type; sizes and codes are those of ov_reg_get. */
@@ -30,7 +32,7 @@ ov_rc ov_reg_set(void* hive, const char* key, const char* name, const char* valu
 ov_rc ov_reg_set_binary(void* hive, const char* key, const char* name, const void* data,
                         uint32_t length);
 
-/* Removes a value, in the 64-bit view; 2 if the key or the value is missing. */
+/* Removes a value, in the 64-bit view; OV_ENOENT (2) if the key or the value is missing. */
 ov_rc ov_reg_del(void* hive, const char* key, const char* name);
 
 OV_END_DECLS

@@ -26,9 +26,6 @@ constexpr uint32_t kOpenWrite = kWrite | kShareRead | kShareWrite | kCreate | kT
 constexpr uint32_t kOpenBoth = kRead | kWrite | kShareRead | kShareWrite;
 constexpr uint32_t kOpenAppend = kWrite | kAppend | kShareRead | kShareWrite | kCreate;
 
-// The mode of ov_file_openrw that does not create.
-constexpr int32_t kExistingOnly = 7;
-
 // Waits in milliseconds before the retries of a read that found no system resources.
 constexpr DWORD kReadDelays[] = {0, 0, 0, 0, 0, 10, 10, 10, 10, 10};
 
@@ -76,7 +73,7 @@ ov_rc ov_file_openwrite(const char* path, ov_file* file, int32_t) {
 }
 
 ov_rc ov_file_openrw(const char* path, ov_file* file, int32_t mode) {
-  return open_file(path, file, mode == kExistingOnly ? kOpenBoth : kOpenBoth | kCreate);
+  return open_file(path, file, mode == OV_OPEN_EXISTING ? kOpenBoth : kOpenBoth | kCreate);
 }
 
 ov_rc ov_file_openappend(const char* path, ov_file* file, int32_t) {

@@ -1,7 +1,7 @@
 // Choosing, opening and changing the generation that the log writes to.
 #include <cstdio>
-#include <optional>
 
+#include "runtime/files/dir_reader.h"
 #include "runtime/log/file.h"
 #include "runtime/log/platform.h"
 #include "runtime/ov_errors.h"
@@ -25,30 +25,20 @@ void report(const char* format, ...) {
   }
 }
 
-// The digit of the next entry, -1 for one that is no generation; none at the end of the directory.
-std::optional<int> next_digit(ov_dir* dir, const LogGenerations& generations) {
-  ov_dirent entry;
-  entry.find = nullptr;
-  if (ov_dir_next(dir, &entry) == 0) return generations.digitOf(entry.name);
-  // An entry whose name does not fit or is ill-formed has its record all the same, and the next
-  // call goes on behind it. It is none of ours.
-  if (entry.find != nullptr) return -1;
-  return std::nullopt;
-}
-
 // The generations that there are.
 ov_rc find_generations(const LogGenerations& generations, LogGenerationSet* found) {
   char directory[kLogPathRoom];
   generations.directory(directory);
-  ov_dir dir;
-  if (const ov_rc error = ov_dir_open(directory, &dir)) {
+  DirReader dir;
+  if (const ov_rc error = dir.open(directory)) {
     report("Error opening log directory %s\r\n", directory);
     return error;
   }
-  while (const std::optional<int> digit = next_digit(&dir, generations)) {
-    if (*digit >= 0) found->set(static_cast<size_t>(*digit));
+  ov_dirent entry;
+  while (dir.next(&entry) == 0) {
+    const int digit = generations.digitOf(entry.name);
+    if (digit >= 0) found->set(static_cast<size_t>(digit));
   }
-  ov_dir_close(&dir);
   return 0;
 }
 

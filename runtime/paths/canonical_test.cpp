@@ -148,8 +148,9 @@ TEST(CanonicalTest, CanonicalRefusesInputLargerThanTheBuffer) {
 std::string leftBehind(const std::function<int32_t(char* out)>& call, size_t size) {
   std::vector<char> out(size, '#');
   EXPECT_EQ(-1, call(out.data()));
-  EXPECT_NE(out.end(), std::find(out.begin(), out.end(), '\0'));
-  return out.data();
+  const auto end = std::find(out.begin(), out.end(), '\0');
+  EXPECT_NE(out.end(), end);
+  return {out.begin(), end};
 }
 
 TEST(CanonicalTest, FailureLeavesAnEmptyText) {

@@ -15,18 +15,17 @@ bool can_be_left(const ov_path_segment& segment) {
   return segment.length < 2 || !is_dotdot(segment.text, 2);
 }
 
-// The segments of a path and how many of them can be left, kept along a walk: counting anew at each
-// step would cost the square of the path's length.
+// A path along which ".." is walked: how many of its segments can be left is counted at the first
+// "..", and kept from then on, since counting at each would cost the square of the path's length.
 class Walk {
  public:
-  explicit Walk(ov_path* path) : path_(path) {
-    for (int32_t i = 0; i < path->count; ++i) leavable_ += can_be_left(path->segments[i]) ? 1 : 0;
-  }
+  explicit Walk(ov_path* path) : path_(path) {}
 
   void step(const char* segment, size_t length) {
     if (length == 0 || (length == 1 && segment[0] == '.')) return;
     const bool up = is_dotdot(segment, length);
     if (up && path_->count == 0 && path_->prefix[0] != '\0') return;  // a root cannot be left
+    if (up) count();
     if (up && leavable_ > 0) {
       drop();
     } else {
@@ -35,19 +34,28 @@ class Walk {
   }
 
  private:
+  void count() {
+    if (counted_) return;
+    counted_ = true;
+    for (int32_t i = 0; i < path_->count; ++i) note(path_->segments[i], 1);
+  }
+  void note(const ov_path_segment& segment, int32_t change) {
+    if (can_be_left(segment)) leavable_ += change;
+  }
   void drop() {
     ov_path_segment& last = path_->segments[--path_->count];
-    leavable_ -= can_be_left(last) ? 1 : 0;
+    note(last, -1);
     last = {};
   }
   void store(const ov_path_segment& segment) {
     if (path_->count >= OV_PATH_SEGMENTS) return;
-    leavable_ += can_be_left(segment) ? 1 : 0;
+    if (counted_) note(segment, 1);
     path_->segments[path_->count++] = segment;
     path_->segments[path_->count] = {};
   }
 
   ov_path* const path_;
+  bool counted_ = false;
   int32_t leavable_ = 0;
 };
 
