@@ -24,10 +24,6 @@ constexpr int64_t kEpochDistance = 11644473600000000;
 // Results up to this size are formatted on the stack.
 constexpr size_t kStackRoom = 512;
 
-struct FreeMemory {
-  void operator()(char* memory) const { std::free(memory); }
-};
-
 // The present offset of the machine's local time, in seconds; 0 if the calendar cannot tell.
 int64_t present_utc_offset() {
   const int64_t now = std::time(nullptr);
@@ -67,9 +63,9 @@ std::string expand(const char* format, int32_t milliseconds) {
 // Formats aside first: the standard library leaves an undefined text behind when it does not fit.
 ov_rc format_expanded(char* out, size_t size, const char* format, const std::tm* tm) {
   char on_stack[kStackRoom];
-  std::unique_ptr<char, FreeMemory> on_heap;
+  std::unique_ptr<char[]> on_heap;
   if (size > kStackRoom) {
-    on_heap.reset(static_cast<char*>(std::malloc(size)));
+    on_heap.reset(new (std::nothrow) char[size]);
     if (!on_heap) return OV_ENOMEM;
   }
   char* const text = on_heap ? on_heap.get() : on_stack;
