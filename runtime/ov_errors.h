@@ -13,10 +13,10 @@ OV_BEGIN_DECLS
 #define OV_EINTR 4
 #define OV_EBADF 6
 #define OV_ENOMEM 8
-#define OV_EOUTOFMEM 14 /* no room for a user's profile directory */
+#define OV_ENOSPC 14    /* no room for a user's profile directory */
 #define OV_ENOTREADY 21 /* a drive without a disk */
 #define OV_EINVAL 22
-#define OV_EWRITEFAULT 31
+#define OV_EIO 31
 #define OV_ENOTSUP 50
 #define OV_ERANGE 122
 #define OV_ENOTEMPTY 145

@@ -162,7 +162,7 @@ ov_rc ov_path_getcwd(char* out, size_t size);
 int32_t ov_path_home_dir(char* out, size_t size);
 
 /* Writes the home or profile directory of `user`, which may be "DOMAIN\user", as the system tells
-   it. 0 or an error code: of the system; OV_EINVAL (22) for null arguments; OV_EOUTOFMEM (14) for a
+   it. 0 or an error code: of the system; OV_EINVAL (22) for null arguments; OV_ENOSPC (14) for a
    profile of more than OV_PATH_SIZE characters; OV_ERANGE (122) for a text that does not fit. What
    `out` then holds is of no use. */
 ov_rc ov_path_user_home_dir(const char* user, char* out, size_t size);

@@ -13,7 +13,7 @@ ov_rc write_all(ov_file* file, const char* data, uint32_t length) {
     uint32_t written = 0;
     const ov_rc error = ov_file_write(file, data, length, &written);
     if (error != 0) return error;
-    if (written == 0) return OV_EWRITEFAULT;  // it would go on like this for ever
+    if (written == 0) return OV_EIO;  // it would go on like this for ever
     data += written;
     length -= written;
   }

@@ -64,7 +64,7 @@ ov_rc profile_directory(const wchar_t* server, const wchar_t* name, char* out, s
   wchar_t expanded[OV_PATH_SIZE];
   const DWORD length = ExpandEnvironmentStringsW(value, expanded, OV_PATH_SIZE);
   if (length == 0) return last_code();
-  return length > OV_PATH_SIZE ? OV_EOUTOFMEM : to_utf8(expanded, out, size);
+  return length > OV_PATH_SIZE ? OV_ENOSPC : to_utf8(expanded, out, size);
 }
 
 ov_rc home_directory(const wchar_t* server, const wchar_t* name, char* out, size_t size) {
