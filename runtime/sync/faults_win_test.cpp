@@ -9,6 +9,7 @@
 
 #include "runtime/ov_threads.h"
 #include "tests/support/runtime/captured_log.h"
+#include "tests/support/runtime/unreplaced_call_win.h"
 
 namespace {
 
@@ -40,8 +41,7 @@ HANDLE WINAPI createMutex(LPSECURITY_ATTRIBUTES, BOOL owned, LPCWSTR) {
 }
 
 BOOL WINAPI releaseMutex(HANDLE mutex) {
-  static const auto real = reinterpret_cast<decltype(&ReleaseMutex)>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "ReleaseMutex")));
+  const auto real = ov::unreplaced_call<decltype(&ReleaseMutex)>(L"kernel32.dll", "ReleaseMutex");
   if (faults.releaseMutex != 0) return fail(faults.releaseMutex) != nullptr;
   return real(mutex);
 }
@@ -60,8 +60,7 @@ HANDLE WINAPI createEvent(LPSECURITY_ATTRIBUTES, BOOL, BOOL, LPCWSTR) {
 HANDLE WINAPI createThread(LPSECURITY_ATTRIBUTES attributes, SIZE_T stack,
                            LPTHREAD_START_ROUTINE function, LPVOID argument, DWORD flags,
                            LPDWORD id) {
-  static const auto real = reinterpret_cast<decltype(&CreateThread)>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "CreateThread")));
+  const auto real = ov::unreplaced_call<decltype(&CreateThread)>(L"kernel32.dll", "CreateThread");
   if (faults.createThread != 0) return fail(faults.createThread);
   const HANDLE thread = real(attributes, stack, function, argument, flags, id);
   if ((flags & CREATE_SUSPENDED) == 0) WaitForSingleObjectEx(thread, INFINITE, FALSE);
@@ -69,16 +68,14 @@ HANDLE WINAPI createThread(LPSECURITY_ATTRIBUTES attributes, SIZE_T stack,
 }
 
 DWORD WINAPI resumeThread(HANDLE thread) {
-  static const auto real = reinterpret_cast<decltype(&ResumeThread)>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "ResumeThread")));
+  const auto real = ov::unreplaced_call<decltype(&ResumeThread)>(L"kernel32.dll", "ResumeThread");
   if (faults.resumeThread == 0) return real(thread);
   fail(faults.resumeThread);
   return ~DWORD{0};
 }
 
 BOOL WINAPI closeHandle(HANDLE handle) {
-  static const auto real = reinterpret_cast<decltype(&CloseHandle)>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "CloseHandle")));
+  const auto real = ov::unreplaced_call<decltype(&CloseHandle)>(L"kernel32.dll", "CloseHandle");
   if (faults.closeHandle != 0) return fail(faults.closeHandle) != nullptr;
   ++faults.closed;
   return real(handle);
@@ -91,8 +88,8 @@ DWORD WINAPI waitForSingleObject(HANDLE handle, DWORD milliseconds) {
 }
 
 DWORD WINAPI signalObjectAndWait(HANDLE signal, HANDLE wait, DWORD milliseconds, BOOL alertable) {
-  static const auto real = reinterpret_cast<decltype(&SignalObjectAndWait)>(reinterpret_cast<void*>(
-      GetProcAddress(GetModuleHandleW(L"kernel32"), "SignalObjectAndWait")));
+  const auto real =
+      ov::unreplaced_call<decltype(&SignalObjectAndWait)>(L"kernel32.dll", "SignalObjectAndWait");
   if (faults.signalAndWait == WAIT_OBJECT_0) return real(signal, wait, milliseconds, alertable);
   ReleaseMutex(signal);
   return faults.signalAndWait;
