@@ -25,25 +25,26 @@ windows reg add 'HKCU\SOFTWARE\Orvane\Orvane Vantrel\v2' /v InstallDir \
 data="$build/wine-engine/prefix/drive_c/users/$(id -un)/AppData/Local/Orvane/Orvane Vantrel"
 rm -rf "$data/var"
 
-# receive ADDRESS FILE PICTURE: opens the page at that address, which receives FILE.
+# receive ADDRESS ROOT FILE PICTURE: opens the page at that address, whose paths begin in the folder
+# ROOT; the page receives FILE.
 receive() {
   {
     "$repository/tools/engine/orvane-browser" --build "$build" \
-      --page "$repository/examples/receive.html" --base-url "$1?source=/$2&start=1" \
-      --until 'transfer completed' --fail-on 'error: ' --limit 60 --picture "$demo/$3" ||
+      --page "$repository/examples/receive.html" --base-url "$1?source=/$3&start=1" --root "$2" \
+      --until 'transfer completed' --fail-on 'error: ' --limit 60 --picture "$demo/$4" ||
       echo "$?" >"$demo/status"
   } | sed 's/^/  /'
   [ ! -f "$demo/status" ] || fail "the page did not finish (browser's exit status $(cat "$demo/status"))"
-  cmp "$demo/remote/$2" "$demo/downloads/$2" || fail "the file did not arrive whole"
+  cmp "$demo/remote/$3" "$demo/downloads/$3" || fail "the file did not arrive whole"
 }
 
 echo "the page says:"
-receive http://demo.orvane.test/receive.html demo.bin finished.png
+receive http://demo.orvane.test/receive.html "$repository/examples" demo.bin finished.png
 log=$(ls "$data/var/log/"*.log 2>/dev/null | head -n 1)
 [ -n "$log" ] || fail "the plug-in wrote no log"
 grep -q 'Launching Orvane Vantrel' "$log" || fail "the plug-in did not start the client"
 [ -s "$demo/finished.png" ] || fail "there is no picture"
 echo "the client was started by the plug-in; the file arrived byte for byte"
 echo "opened from disk, the page says:"
-receive "file://$repository/examples/receive.html" disk.bin disk.png
+receive "file://$repository/examples/receive.html" / disk.bin disk.png
 echo "picture of the finished page: build/demo/finished.png"
