@@ -80,7 +80,7 @@ ServiceCaches& serviceCaches() {
   return processCaches;
 }
 
-std::string plugin_app_data_dir() {
+std::string pluginAppDataDir() {
   std::string directory = cachedText(&ServiceCaches::appDataDirectory);
   if (!directory.empty()) return directory;
   if (const int32_t result = localAppDataDirectory(&directory); result < 0) {
@@ -94,10 +94,10 @@ std::string plugin_app_data_dir() {
   return directory;
 }
 
-std::string plugin_base_dir() {
+std::string pluginBaseDir() {
   std::string directory = cachedText(&ServiceCaches::baseDirectory);
   if (!directory.empty()) return directory;
-  directory = plugin_app_data_dir();
+  directory = pluginAppDataDir();
   // The root of a drive ends in a separator, and the platform's long form of a path allows no two.
   while (!directory.empty() && (directory.back() == '\\' || directory.back() == '/')) {
     directory.pop_back();
@@ -108,7 +108,7 @@ std::string plugin_base_dir() {
 }
 
 std::string vantrelUrlFile() {
-  return plugin_base_dir() + kUrlFile;
+  return pluginBaseDir() + kUrlFile;
 }
 
 std::string vantrelExecutablePath() {
@@ -132,7 +132,7 @@ std::string vantrelExecutablePath() {
 }
 
 int32_t vantrelProcessId() {
-  return ov_str_atoi(readFile(plugin_base_dir() + kProcessIdFile).c_str());
+  return ov_str_atoi(readFile(pluginBaseDir() + kProcessIdFile).c_str());
 }
 
 std::string vantrelUuid() {

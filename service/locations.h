@@ -15,12 +15,12 @@
 namespace Vantrel::Web {
 
 // The user's local application data directory, UTF-8. Throws SystemException if there is none.
-std::string plugin_app_data_dir();
+std::string pluginAppDataDir();
 
 // The desktop client's data directory below it, without a trailing separator.
-std::string plugin_base_dir();
+std::string pluginBaseDir();
 
-// The file that holds the service's URL and its key. Throws as plugin_base_dir does.
+// The file that holds the service's URL and its key. Throws as pluginBaseDir does.
 std::string vantrelUrlFile();
 
 // The path of the desktop client's executable; empty when nothing was found, which is logged.

@@ -36,9 +36,9 @@ class LocationsTest : public testing::Test {
 };
 
 TEST_F(LocationsTest, BaseDirectoryLiesBelowTheApplicationData) {
-  EXPECT_EQ(plugin_app_data_dir(), files_.appDataDirectory());
-  EXPECT_EQ(plugin_base_dir(), files_.appDataDirectory() + "\\Orvane\\Orvane Vantrel");
-  EXPECT_EQ(plugin_base_dir(), files_.appDataDirectory() + "\\Orvane\\Orvane Vantrel");
+  EXPECT_EQ(pluginAppDataDir(), files_.appDataDirectory());
+  EXPECT_EQ(pluginBaseDir(), files_.appDataDirectory() + "\\Orvane\\Orvane Vantrel");
+  EXPECT_EQ(pluginBaseDir(), files_.appDataDirectory() + "\\Orvane\\Orvane Vantrel");
   EXPECT_EQ(vantrelUrlFile(),
             files_.appDataDirectory() + "\\Orvane\\Orvane Vantrel/var/run/http.uri");
 }
@@ -154,25 +154,25 @@ constexpr char kFailure[] = "Failed to determine application data directory (-21
 
 TEST_F(NoLocationTest, DirectoriesThrowWithTheReportedText) {
   try {
-    plugin_app_data_dir();
+    pluginAppDataDir();
     FAIL();
   } catch (const SystemException& error) {
     EXPECT_STREQ(error.what(), kFailure);
   }
-  EXPECT_THROW(plugin_base_dir(), SystemException);
+  EXPECT_THROW(pluginBaseDir(), SystemException);
   EXPECT_THROW(vantrelProcessId(), SystemException);
   EXPECT_EQ(log_.lines("ERR"), (std::vector<std::string>{kFailure, kFailure, kFailure}));
 }
 
 TEST_F(NoLocationTest, FirstSuccessIsLoggedAndKept) {
-  EXPECT_THROW(plugin_app_data_dir(), SystemException);
+  EXPECT_THROW(pluginAppDataDir(), SystemException);
   log_.clear();
   platform_.appDataResult = 0;
   platform_.appDataDirectory = "C:\\Users\\%s";
-  EXPECT_EQ(plugin_app_data_dir(), "C:\\Users\\%s");
+  EXPECT_EQ(pluginAppDataDir(), "C:\\Users\\%s");
   EXPECT_EQ(log_.text(), "LOG Application data directory: C:\\Users\\%s\n");
   platform_.appDataResult = -1;
-  EXPECT_EQ(plugin_base_dir(), "C:\\Users\\%s\\Orvane\\Orvane Vantrel");
+  EXPECT_EQ(pluginBaseDir(), "C:\\Users\\%s\\Orvane\\Orvane Vantrel");
   TestSupport::resetServiceCaches();
 }
 
@@ -180,7 +180,7 @@ TEST_F(NoLocationTest, APathBelowTheRootOfADriveHasNoDoubledSeparator) {
   platform_.appDataResult = 0;
   for (const char* const root : {"D:\\", "D:/"}) {
     platform_.appDataDirectory = root;
-    EXPECT_EQ(plugin_app_data_dir(), root);
+    EXPECT_EQ(pluginAppDataDir(), root);
     EXPECT_EQ(vantrelUrlFile(), "D:\\Orvane\\Orvane Vantrel/var/run/http.uri");
     TestSupport::resetServiceCaches();
   }

@@ -46,7 +46,7 @@ namespace {
 TEST(AppDataWinTest, IsTheLocalFolderInUtf8) {
   TestSupport::resetServiceCaches();
   TestSupport::LogRecorder log;
-  EXPECT_EQ(plugin_app_data_dir(), "C:\\users\\J\xc3\xb6rg\\Local");
+  EXPECT_EQ(pluginAppDataDir(), "C:\\users\\J\xc3\xb6rg\\Local");
   EXPECT_EQ(log.text(), "LOG Application data directory: C:\\users\\J\xc3\xb6rg\\Local\n");
 }
 
@@ -54,7 +54,7 @@ TEST(AppDataWinTest, FailureIsReportedAsASignedDecimal) {
   TestSupport::resetServiceCaches();
   folderResult = static_cast<HRESULT>(0x80070003U);
   TestSupport::LogRecorder log;
-  EXPECT_THROW(plugin_app_data_dir(), SystemException);
+  EXPECT_THROW(pluginAppDataDir(), SystemException);
   EXPECT_EQ(log.text(), "ERR Failed to determine application data directory (-2147024893)\n");
 }
 

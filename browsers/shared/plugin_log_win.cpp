@@ -25,7 +25,7 @@ std::string logPath;
 
 const std::string& pluginLogPath() {
   if (logPath.empty()) {
-    const std::string directory = plugin_base_dir() + kLogDirectory;
+    const std::string directory = pluginBaseDir() + kLogDirectory;
     // Where the directory cannot be made, opening the log tells so.
     SHCreateDirectoryExW(nullptr, toWide(directory).c_str(), nullptr);
     logPath = directory + kLogName;
