@@ -33,7 +33,7 @@ bool writeInstallDir(const std::wstring& text) {
 
 bool runsProgram(HANDLE process, const fs::path& program) {
   std::array<wchar_t, 1024> image{};
-  DWORD size = static_cast<DWORD>(image.size());
+  auto size = static_cast<DWORD>(image.size());
   if (!QueryFullProcessImageNameW(process, 0, image.data(), &size)) return false;
   std::error_code error;
   return fs::equivalent(image.data(), program, error);

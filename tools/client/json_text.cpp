@@ -52,7 +52,8 @@ void appendAscii(std::string& out, char c) {
     out += c;
   } else if (static_cast<unsigned char>(c) < 0x20U || c == 0x7F) {
     std::array<char, 8> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), "\\u%04x", static_cast<unsigned>(c));
+    static_cast<void>(
+        std::snprintf(buffer.data(), buffer.size(), "\\u%04x", static_cast<unsigned>(c)));
     out += buffer.data();
   } else {
     out += c;
