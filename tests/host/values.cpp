@@ -66,8 +66,8 @@ bool Value::operator==(const Value& other) const {
     case NPVariantType_Int32:
       return integer == other.integer;
     case NPVariantType_Double:
-      return std::memcmp(&real, &other.real, sizeof real) ==
-             0;  // NOLINT(cert-exp42-c): the very same number, -0 and NaN included
+      // The very same number, -0 and NaN included. NOLINTNEXTLINE(cert-exp42-c)
+      return std::memcmp(&real, &other.real, sizeof real) == 0;
     case NPVariantType_String:
       return text == other.text && nullText == other.nullText;
     case NPVariantType_Object:
