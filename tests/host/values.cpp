@@ -66,7 +66,7 @@ bool Value::operator==(const Value& other) const {
     case NPVariantType_Int32:
       return integer == other.integer;
     case NPVariantType_Double:
-      // The very same number, -0 and NaN included. NOLINTNEXTLINE(cert-*)
+      // The very same number, -0 and NaN included. NOLINTNEXTLINE(cert-*,bugprone-*)
       return std::memcmp(&real, &other.real, sizeof real) == 0;
     case NPVariantType_String:
       return text == other.text && nullText == other.nullText;
