@@ -20,6 +20,10 @@ void ovOrvaneWebView::setImage(const unsigned char* data, uint32_t length) {
   if (impl_) impl_->setImage(data, length);
 }
 
+void ovOrvaneWebView::setDelegate(ovIOrvaneWebViewDelegate* delegate) {
+  if (impl_) impl_->setDelegate(delegate);
+}
+
 void ovOrvaneWebView::handleDrop(const NPVariant* arguments) {
   if (impl_) impl_->handleDrop(arguments);
 }

@@ -36,6 +36,8 @@ class ovIOrvaneWebViewImpl {
                     bool allowMultiple) = 0;
   virtual void destroy() = 0;
   virtual void setImage(const unsigned char* data, uint32_t length) = 0;
+  // Who is told of drags and drops; it outlives the view.
+  virtual void setDelegate(ovIOrvaneWebViewDelegate* delegate) = 0;
   virtual void handleDrop(const NPVariant* arguments) = 0;
   virtual int16_t handleEvent(void* event) = 0;
   virtual void markSession(bool value) = 0;
@@ -55,6 +57,7 @@ class ovOrvaneWebView {
   bool init(NPWindow* window, NPP instance, bool dropEnabled, bool allowDirectories,
             bool allowMultiple);
   void setImage(const unsigned char* data, uint32_t length);
+  void setDelegate(ovIOrvaneWebViewDelegate* delegate);
   void handleDrop(const NPVariant* arguments);
   int16_t handleEvent(void* event);
   void markSession(bool value);
@@ -65,5 +68,8 @@ class ovOrvaneWebView {
  private:
   std::unique_ptr<ovIOrvaneWebViewImpl> impl_;
 };
+
+// The platform's view; null where there is none.
+std::unique_ptr<ovIOrvaneWebViewImpl> newOrvaneWebViewImpl();
 
 }  // namespace Vantrel::Web::Gecko

@@ -36,9 +36,10 @@ bool ovOrvaneWebPlugin::setWindow(NPWindow* window, NPP instance) {
     view_->updateWindow(window);
     return true;
   }
-  view_ = std::make_unique<ovOrvaneWebView>(nullptr);
+  view_ = std::make_unique<ovOrvaneWebView>(newOrvaneWebViewImpl());
   view_->init(window, instance, dropMode_ != DropMode::kNone, dropAllowDirectories_,
               dropAllowMultiple_);
+  view_->setDelegate(this);
   view_->setBrowserHost(core->getBrowserHost());
   view_->setTransparent(transparent_);
   if (!imageUrl_.empty() && !requestImage()) {
