@@ -11,6 +11,6 @@ void __freeres();  // gives back the memory that the C++ runtime keeps for excep
 }
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
-  if (reason == DLL_PROCESS_DETACH && !processEnds) __gnu_cxx::__freeres();
+  if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) __gnu_cxx::__freeres();
   return TRUE;
 }

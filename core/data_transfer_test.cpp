@@ -1,10 +1,10 @@
 #include "core/data_transfer.h"
 
 #include <gtest/gtest.h>
-#include <time.h>
 
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <utility>
 

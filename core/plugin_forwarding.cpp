@@ -17,12 +17,13 @@ namespace Vantrel::Web {
 
 namespace {
 
-const std::string kEmptyBody = "{}";
+constexpr char kEmptyBody[] = "{}";
 constexpr char kVersionPath[] = "/v4/vantrel/version";
 constexpr char kVersionBody[] = R"({"orvane_vantrel_settings":{"app_id":"version request"}})";
 
 std::string bodyToSend(std::string body) {
-  return body.empty() ? kEmptyBody : std::move(body);
+  if (body.empty()) body = kEmptyBody;
+  return body;
 }
 
 // A request as a page asks for it, without the client's key; null when memory runs out or when the

@@ -24,11 +24,11 @@ constexpr char kTypes[] =
 class ModernCallsTest : public testing::Test {
  protected:
   ModernCallsTest() {
-    fake.chosen = {L"C:\\a.txt", L"C:\\größe.txt"};
+    fake_.chosen = {L"C:\\a.txt", L"C:\\größe.txt"};
     // A window with a popup: while a dialog is shown for the popup, the window is disabled.
     window_ = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr,
                               nullptr);
-    fake.watched = window_;
+    fake_.watched = window_;
     SetActiveWindow(window_);
   }
   ~ModernCallsTest() override {
@@ -47,19 +47,19 @@ class ModernCallsTest : public testing::Test {
   }
   // The arguments of a call, "absent" if it was not made.
   std::string argumentsOf(const std::string& name) const {
-    for (const std::string& call : fake.calls) {
+    for (const std::string& call : fake_.calls) {
       if (call.rfind(name + " ", 0) == 0) return call.substr(name.size() + 1);
     }
     return "absent";
   }
 
-  FakeFileDialogs fake;
+  FakeFileDialogs fake_;
   HWND window_;
 };
 
 TEST_F(ModernCallsTest, AnOpenDialogGoesThroughItsStepsInOrder) {
   EXPECT_THAT(showOpen("Tïtle", true, kTypes), ElementsAre("C:\\a.txt", "C:\\größe.txt"));
-  EXPECT_THAT(fake.calls,
+  EXPECT_THAT(fake_.calls,
               ElementsAre("CoCreateInstance", "SetDefaultFolder", "SetTitle Tïtle", "GetOptions",
                           "SetOptions 6664", "SetFileTypes Text|*.txt, Bilder|*.jpg;*.gif", "Show",
                           "GetResults", "GetCount", "GetItemAt 0", "GetDisplayName 2147844096",
@@ -71,7 +71,7 @@ TEST_F(ModernCallsTest, WhatIsEmptyIsNotSet) {
   EXPECT_EQ(argumentsOf("SetTitle"), "absent");
   EXPECT_EQ(argumentsOf("SetFileTypes"), "absent");
   EXPECT_EQ(argumentsOf("SetOptions"), "6152");  // as the dialog had them
-  fake.calls.clear();
+  fake_.calls.clear();
   showOpen("", false, "[]");
   EXPECT_EQ(argumentsOf("SetFileTypes"), "absent");
 }
@@ -79,13 +79,13 @@ TEST_F(ModernCallsTest, WhatIsEmptyIsNotSet) {
 TEST_F(ModernCallsTest, AFolderDialogPicksFolders) {
   showOpen("", false, "", true);
   EXPECT_EQ(argumentsOf("SetOptions"), std::to_string(0x1808 | 0x20));
-  fake.calls.clear();
+  fake_.calls.clear();
   EXPECT_THAT(showOpen("", true, "", true), ElementsAre("C:\\a.txt", "C:\\größe.txt"));
   EXPECT_EQ(argumentsOf("SetOptions"), std::to_string(0x1808 | 0x20 | 0x200));
 }
 
 TEST_F(ModernCallsTest, ACancelIsEmptyAndNoError) {
-  fake.results["Show"] = kCancelled;
+  fake_.results["Show"] = kCancelled;
   const LogRecorder log;
   EXPECT_THAT(showOpen(), IsEmpty());
   EXPECT_THAT(showSave(), IsEmpty());
@@ -95,7 +95,7 @@ TEST_F(ModernCallsTest, ACancelIsEmptyAndNoError) {
 
 TEST_F(ModernCallsTest, ASaveDialogGoesThroughItsStepsInOrder) {
   EXPECT_THAT(showSave("T", "x.jpg", kTypes), ElementsAre("C:\\a.txt"));
-  EXPECT_THAT(fake.calls,
+  EXPECT_THAT(fake_.calls,
               ElementsAre("CoCreateInstance", "SetDefaultFolder", "SetTitle T", "SetFileName x.jpg",
                           "SetFileTypes Text|*.txt, Bilder|*.jpg;*.gif", "SetFileTypeIndex 2",
                           "SetDefaultExtension", "Show", "GetResult", "GetDisplayName 2147844096"));
@@ -110,7 +110,7 @@ TEST_F(ModernCallsTest, ASaveDialogMakesItsFiltersOfTheSuggestedName) {
   };
   for (const auto& [name, filters] : rows) {
     for (const char* const types : {"", "[]"}) {
-      fake.calls.clear();
+      fake_.calls.clear();
       showSave("", name, types);
       EXPECT_EQ(argumentsOf("SetFileTypes"), filters) << name;
       EXPECT_EQ(argumentsOf("SetFileTypeIndex"), "1") << name;
@@ -158,12 +158,12 @@ TEST_F(ModernCallsTest, EveryFatalFailureIsThrownWithItsDigitsAndLeavesNothing) 
       {"GetDisplayName", "GetDisplayName failed", "GetDisplayName failed"},
   };
   for (const auto& row : rows) {
-    fake.results = {{row.call, static_cast<HRESULT>(0x80070005)}};
-    const int before = fake.living;
+    fake_.results = {{row.call, static_cast<HRESULT>(0x80070005)}};
+    const int before = fake_.living;
     const std::string digits = ": 0x80070005";
     EXPECT_EQ(thrownBy(open), row.openWords == nullptr ? "none" : row.openWords + digits);
     EXPECT_EQ(thrownBy(save), row.saveWords == nullptr ? "none" : row.saveWords + digits);
-    EXPECT_EQ(fake.living, before) << row.call;
+    EXPECT_EQ(fake_.living, before) << row.call;
     EXPECT_TRUE(IsWindowEnabled(window_)) << row.call;
   }
 }
@@ -175,14 +175,14 @@ TEST_F(ModernCallsTest, WhatCostsOnlyComfortIsLoggedAndPassedOver) {
       {"SetOptions", "SetOptions failed: 80070005"},
   };
   for (const auto& [call, line] : rows) {
-    fake.results = {{call, static_cast<HRESULT>(0x80070005)}};
-    fake.calls.clear();
+    fake_.results = {{call, static_cast<HRESULT>(0x80070005)}};
+    fake_.calls.clear();
     const LogRecorder log;
     EXPECT_EQ(showOpen().size(), 2u);
     EXPECT_THAT(log.lines("ERR"), ElementsAre(line));
     EXPECT_EQ(argumentsOf("SetOptions") == "absent", call == std::string("GetOptions"));
   }
-  fake.results = {{"SetDefaultExtension", static_cast<HRESULT>(0x80070005)}};
+  fake_.results = {{"SetDefaultExtension", static_cast<HRESULT>(0x80070005)}};
   const LogRecorder log;
   EXPECT_EQ(showSave().size(), 1u);
   EXPECT_THAT(log.lines("ERR"), ElementsAre("SetDefaultExtension failed: 80070005"));
@@ -191,7 +191,7 @@ TEST_F(ModernCallsTest, WhatCostsOnlyComfortIsLoggedAndPassedOver) {
 TEST_F(ModernCallsTest, FileTypesThatDoNotParseAreThrownBeforeTheDialogShows) {
   EXPECT_THROW(showOpen("", false, "{}"), std::runtime_error);
   EXPECT_THROW(showSave("", "", "{}"), std::runtime_error);
-  EXPECT_EQ(std::count(fake.calls.begin(), fake.calls.end(), "Show"), 0);
+  EXPECT_EQ(std::count(fake_.calls.begin(), fake_.calls.end(), "Show"), 0);
 }
 
 TEST_F(ModernCallsTest, TheWindowBelowThePopupIsDisabledWhileTheDialogIsShown) {
@@ -201,9 +201,9 @@ TEST_F(ModernCallsTest, TheWindowBelowThePopupIsDisabledWhileTheDialogIsShown) {
   SetActiveWindow(popup);
   SetActiveWindow(window_);
   showOpen();
-  const HWND owner = fake.owner;
+  const HWND owner = fake_.owner;
   EXPECT_EQ(owner, GetLastActivePopup(window_));
-  EXPECT_EQ(fake.watchedEnabled, owner == window_);
+  EXPECT_EQ(fake_.watchedEnabled, owner == window_);
   EXPECT_TRUE(IsWindowEnabled(window_));
   DestroyWindow(popup);
 }

@@ -51,7 +51,9 @@ void setFileTypes(IFileDialog& dialog, const std::vector<FileTypeFilter>& filter
 }
 
 bool isAccepted(HRESULT shown) {
-  if (shown == HRESULT_FROM_WIN32(ERROR_CANCELLED)) return false;
+  // HRESULT_FROM_WIN32(ERROR_CANCELLED)
+  constexpr auto kCancelled = static_cast<HRESULT>(0x800704C7);
+  if (shown == kCancelled) return false;
   require(shown, "Show failed: 0x");
   return true;
 }

@@ -53,7 +53,7 @@ OpenFileDialog::OpenFileDialog(void* parentWindow, std::string title, bool allow
       fileTypes_(std::move(fileTypes)),
       extendedInfo_(extendedInfo) {
   ov_log("OpenFileDialog() - title=%s, allowDirectories=%u, allowMultiple=%u, fileTypes=%s",
-         title_.c_str(), unsigned{allowDirectories}, unsigned{allowMultiple}, fileTypes_.c_str());
+         title_.c_str(), allowDirectories ? 1U : 0U, allowMultiple ? 1U : 0U, fileTypes_.c_str());
 }
 
 void OpenFileDialog::createDialogImpl() {

@@ -75,7 +75,7 @@ void RequestWorker::processOneRequest(std::unique_ptr<HttpRequest> request) {
 
 void RequestWorker::stop() {
   const bool finished = done_;
-  OV_DEBUG("RequestWorker::stop() - done?=%i", int{finished});
+  OV_DEBUG("RequestWorker::stop() - done?=%i", finished ? 1 : 0);
   if (finished) return;
   {
     const std::lock_guard lock(mutex_);

@@ -24,7 +24,7 @@ TransfersPoller::TransfersPoller() {
 }
 
 TransfersPoller::~TransfersPoller() {
-  OV_DEBUG("%p ~TransfersPoller() - started?=%u", static_cast<void*>(this), unsigned{started_});
+  OV_DEBUG("%p ~TransfersPoller() - started?=%u", static_cast<void*>(this), started_ ? 1U : 0U);
 }
 
 void TransfersPoller::setAppId(const std::string& text) {
@@ -114,7 +114,7 @@ void TransfersPoller::notifyListeners(const std::string& text) {
 
 void TransfersPoller::stop() {
   const bool finished = done_;
-  OV_DEBUG("%p TransferPoller::stop() - done?=%i", static_cast<void*>(this), int{finished});
+  OV_DEBUG("%p TransferPoller::stop() - done?=%i", static_cast<void*>(this), finished ? 1 : 0);
   if (finished) return;
   stopRequested_ = true;
   stopSignal_.post();

@@ -33,7 +33,7 @@ Worker::ThreadResult Worker::startHelper(void* argument) {
 
 void Worker::join() {
   const bool finished = done();
-  OV_DEBUG("Worker::join() - started?=%u done?=%u", unsigned{started_}, unsigned{finished});
+  OV_DEBUG("Worker::join() - started?=%u done?=%u", started_ ? 1U : 0U, finished ? 1U : 0U);
   if (!started_) return;
   if (finished) {
     waitForFinishedThread();

@@ -140,7 +140,7 @@ TEST_F(CallbacksTest, AnAnswerFromAWorkerTouchesNoReferenceThere) {
 
 TEST_F(CallbacksTest, ARequestDroppedWithoutAnAnswerKeepsItsReference) {
   NPObject* const function = browser_.newObject();
-  RequestCallback(&browser_.instance, function);
+  { const RequestCallback dropped(&browser_.instance, function); }
   EXPECT_EQ(function->referenceCount, 1u);
   browser_.expectReferencesLeft(1);
 }

@@ -6,6 +6,7 @@
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"
+#include "runtime/ov_strings.h"
 
 namespace ov {
 
@@ -47,9 +48,9 @@ inline ov_rc entry_path(const char* dir, const char* name, char* out, size_t siz
   const size_t length = strlen(dir);
   if (length == 0 || dir[length - 1] != '\\') return ov_file_append_path(dir, name, out, size);
   if (length + strlen(name) >= size) return OV_EBUFFER;
-  memcpy(out, dir, length);
-  memcpy(out + length, name, strlen(name) + 1);
-  return 0;
+  size_t end = 0;
+  const ov_rc error = ov_str_to(out, dir, size, &end);
+  return error != 0 ? error : ov_str_to(out, name, size, &end);
 }
 
 }  // namespace ov

@@ -107,7 +107,7 @@ ov_rc read_information(const wchar_t* path, DWORD access, bool follow,
 
 // Fills all of the record from what a symbolic link leads to, so that its parts are of one object.
 ov_rc fill_from_target(ov_stat* record, const wchar_t* path, bool identity) {
-  BY_HANDLE_FILE_INFORMATION data;
+  BY_HANDLE_FILE_INFORMATION data = {};
   const ov_rc error = read_information(path, FILE_READ_ATTRIBUTES, true, &data);
   if (error != 0) return error;
   fill(record, data);
@@ -116,7 +116,7 @@ ov_rc fill_from_target(ov_stat* record, const wchar_t* path, bool identity) {
 }
 
 ov_rc take_identity(ov_stat* record, const wchar_t* path, bool follow) {
-  BY_HANDLE_FILE_INFORMATION data;
+  BY_HANDLE_FILE_INFORMATION data = {};
   const ov_rc error = read_information(path, GENERIC_READ, follow, &data);
   if (error == 0) fill_identity(record, data);
   return error;
@@ -159,7 +159,7 @@ ov_rc ov_file_stat(const char* path, ov_stat* record, int32_t flags) {
 ov_rc ov_file_fstat(ov_file* file, ov_stat* record) {
   if (file == nullptr || record == nullptr) return OV_EINVAL;
   *record = {};
-  BY_HANDLE_FILE_INFORMATION data;
+  BY_HANDLE_FILE_INFORMATION data = {};
   if (!GetFileInformationByHandle(*file, &data)) {
     const ov_rc error = last_code();
     if (GetFileType(*file) != FILE_TYPE_CHAR) return error;

@@ -22,7 +22,7 @@ uint64_t coarse_milliseconds() {
 // descriptor is in text mode, and the mode is the host program's. A program without a standard
 // error has a handle there that no write accepts.
 void write_standard_error(std::string_view text) {
-  const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(kStandardError));
+  auto* const handle = reinterpret_cast<HANDLE>(_get_osfhandle(kStandardError));
   DWORD written = 0;
   WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
 }

@@ -192,7 +192,7 @@ int32_t ov_path_append(const char* dir, const char* rel, char* out, size_t size)
   if (dir == nullptr || rel == nullptr || out == nullptr) return -1;
   const size_t dirLength = strlen(dir);
   if (dirLength >= size) return 0;
-  const bool relative = ov_path_is_relative(rel);
+  const bool relative = ov_path_is_relative(rel) != 0;
   if (dirLength == 0 || (equal(dir, ".") && relative) || (equal(dir, "/") && !relative)) {
     return ov_path_canonical_path(rel, out, size);
   }
