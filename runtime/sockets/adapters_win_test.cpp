@@ -91,31 +91,31 @@ class SocketAdaptersTest : public ov::SocketFixture {
     return addr;
   }
   // The answer, or less than 0 for a failure.
-  static int32_t is_interface(const char* text) {
+  static int32_t isInterface(const char* text) {
     const ov_sock_addr addr = of(text);
     int32_t answer = 9;
     const ov_rc error = ov_sock_is_local_interface_address(&addr, &answer);
     return error == 0 ? answer : -error;
   }
-  static int32_t is_local(const char* text) {
+  static int32_t isLocal(const char* text) {
     const ov_sock_addr addr = of(text);
     int32_t answer = 9;
     const ov_rc error = ov_sock_is_local_address(&addr, &answer);
     return error == 0 ? answer : -error;
   }
-  static int32_t is_localhost(const char* text) {
+  static int32_t isLocalhost(const char* text) {
     int32_t answer = 9;
     const ov_rc error = ov_sock_is_localhost(text, &answer);
     EXPECT_TRUE(error == 0 || answer == 0);
     return error == 0 ? answer : -error;
   }
-  static std::string mac_of(const char* text) {
+  static std::string macOf(const char* text) {
     const ov_sock_addr addr = of(text);
     char out[18];
     const ov_rc error = ov_sock_get_mac_addr(nullptr, &addr, out, sizeof out);
     return error == 0 ? out : std::to_string(error);
   }
-  static void use_usual_machine() {
+  static void useUsualMachine() {
     machine.adapters.emplace_back(std::vector<const char*>{"::1", "127.0.0.1"});
     machine.adapters.emplace_back(std::vector<const char*>{});
     machine.adapters.emplace_back(std::vector<const char*>{"2001:db8::5", "0.0.0.0", "192.168.1.5"},
@@ -126,21 +126,21 @@ class SocketAdaptersTest : public ov::SocketFixture {
 };
 
 TEST_F(SocketAdaptersTest, AddressOfAnInterface) {
-  use_usual_machine();
+  useUsualMachine();
   for (const char* own : {"192.168.1.5", "10.0.0.5", "2001:db8::5", "127.0.0.1", "::1"}) {
-    EXPECT_EQ(1, is_interface(own)) << own;
+    EXPECT_EQ(1, isInterface(own)) << own;
   }
   for (const char* other : {"192.168.1.6", "2001:db8::6", "127.0.0.2", "::"}) {
-    EXPECT_EQ(0, is_interface(other)) << other;
+    EXPECT_EQ(0, isInterface(other)) << other;
   }
 }
 
 TEST_F(SocketAdaptersTest, LocalAddress) {
-  use_usual_machine();
-  EXPECT_EQ(1, is_local("10.0.0.5"));
-  EXPECT_EQ(0, is_local("10.0.0.6"));
+  useUsualMachine();
+  EXPECT_EQ(1, isLocal("10.0.0.5"));
+  EXPECT_EQ(0, isLocal("10.0.0.6"));
   reset();
-  for (const char* always : {"0.0.0.0", "::", "127.9.9.9", "::1"}) EXPECT_EQ(1, is_local(always));
+  for (const char* always : {"0.0.0.0", "::", "127.9.9.9", "::1"}) EXPECT_EQ(1, isLocal(always));
   const ov_sock_addr none = {};
   int32_t answer = 9;
   EXPECT_EQ(0, ov_sock_is_local_address(&none, &answer));
@@ -149,16 +149,16 @@ TEST_F(SocketAdaptersTest, LocalAddress) {
 }
 
 TEST_F(SocketAdaptersTest, Localhost) {
-  use_usual_machine();
-  for (const char* name : {"localhost", "127.0.0.1", "::1"}) EXPECT_EQ(1, is_localhost(name));
+  useUsualMachine();
+  for (const char* name : {"localhost", "127.0.0.1", "::1"}) EXPECT_EQ(1, isLocalhost(name));
   EXPECT_TRUE(machine.sizes.empty());
-  EXPECT_EQ(1, is_localhost("192.168.1.5"));
-  EXPECT_EQ(1, is_localhost("[2001:db8::5]:80"));
-  EXPECT_EQ(0, is_localhost("192.168.1.6"));
-  EXPECT_EQ(0, is_localhost("127.0.0.2"));  // no interface has it
-  EXPECT_EQ(-11001, is_localhost("no-such-host.invalid"));
+  EXPECT_EQ(1, isLocalhost("192.168.1.5"));
+  EXPECT_EQ(1, isLocalhost("[2001:db8::5]:80"));
+  EXPECT_EQ(0, isLocalhost("192.168.1.6"));
+  EXPECT_EQ(0, isLocalhost("127.0.0.2"));  // no interface has it
+  EXPECT_EQ(-11001, isLocalhost("no-such-host.invalid"));
   machine.results = {ERROR_ACCESS_DENIED};
-  EXPECT_EQ(-5, is_localhost("192.168.1.5"));
+  EXPECT_EQ(-5, isLocalhost("192.168.1.5"));
 }
 
 TEST_F(SocketAdaptersTest, FirstAddressOfTheHost) {
@@ -174,19 +174,19 @@ TEST_F(SocketAdaptersTest, FirstAddressOfTheHost) {
   EXPECT_EQ(7, addr.port);
   EXPECT_EQ(0, addr.family);
   reset();
-  use_usual_machine();
+  useUsualMachine();
   EXPECT_EQ(0, ov_sock_get_1host_ipaddr(&addr));
   EXPECT_EQ(of("192.168.1.5").ipv4, addr.ipv4);
   EXPECT_EQ(2, addr.family);
 }
 
 TEST_F(SocketAdaptersTest, HardwareAddress) {
-  use_usual_machine();
-  EXPECT_EQ("00:1b:44:11:3a:b7", mac_of("192.168.1.5"));
-  EXPECT_EQ("00:1b:44:11:3a:b7", mac_of("2001:db8::5"));
-  EXPECT_EQ("ff:01:02:03:04:05", mac_of("10.0.0.5"));
+  useUsualMachine();
+  EXPECT_EQ("00:1b:44:11:3a:b7", macOf("192.168.1.5"));
+  EXPECT_EQ("00:1b:44:11:3a:b7", macOf("2001:db8::5"));
+  EXPECT_EQ("ff:01:02:03:04:05", macOf("10.0.0.5"));
   for (const char* none : {"0.0.0.0", "::", "127.0.0.1", "::1", "192.168.1.6"}) {
-    EXPECT_EQ("22", mac_of(none)) << none;
+    EXPECT_EQ("22", macOf(none)) << none;
   }
   const ov_sock_addr addr = of("10.0.0.5");
   char text[18] = "x";
@@ -196,26 +196,26 @@ TEST_F(SocketAdaptersTest, HardwareAddress) {
 }
 
 TEST_F(SocketAdaptersTest, RoomGrowsAsTheSystemTells) {
-  use_usual_machine();
+  useUsualMachine();
   machine.results = {ERROR_BUFFER_OVERFLOW, ERROR_BUFFER_OVERFLOW};
   machine.wanted = 50000;
-  EXPECT_EQ(1, is_interface("10.0.0.5"));
+  EXPECT_EQ(1, isInterface("10.0.0.5"));
   EXPECT_EQ((std::vector<ULONG>{16384, 50000, 50000}), machine.sizes);
   machine.results.assign(20, ERROR_BUFFER_OVERFLOW);
-  EXPECT_EQ(-111, is_interface("10.0.0.5"));
+  EXPECT_EQ(-111, isInterface("10.0.0.5"));
 }
 
 TEST_F(SocketAdaptersTest, FailureOfTheSystem) {
   ov_sock_addr addr = {};
   machine.results.assign(4, ERROR_NOT_ENOUGH_MEMORY);
-  EXPECT_EQ(-8, is_interface("10.0.0.5"));
-  EXPECT_EQ(-8, is_local("10.0.0.5"));
+  EXPECT_EQ(-8, isInterface("10.0.0.5"));
+  EXPECT_EQ(-8, isLocal("10.0.0.5"));
   EXPECT_EQ(8, ov_sock_get_1host_ipaddr(&addr));
-  EXPECT_EQ("8", mac_of("10.0.0.5"));
+  EXPECT_EQ("8", macOf("10.0.0.5"));
   machine.results.assign(3, ERROR_NO_DATA);  // no address at all
-  EXPECT_EQ(0, is_interface("10.0.0.5"));
+  EXPECT_EQ(0, isInterface("10.0.0.5"));
   EXPECT_EQ(1, ov_sock_get_1host_ipaddr(&addr));
-  EXPECT_EQ("22", mac_of("10.0.0.5"));
+  EXPECT_EQ("22", macOf("10.0.0.5"));
 }
 
 TEST_F(SocketAdaptersTest, BadArguments) {
@@ -233,9 +233,9 @@ TEST_F(SocketAdaptersTest, BadArguments) {
 
 TEST_F(SocketAdaptersTest, OnThisMachine) {
   machine.faked = false;
-  EXPECT_EQ(1, is_interface("127.0.0.1"));
-  EXPECT_EQ(0, is_interface("192.0.2.1"));  // a network for examples
-  EXPECT_EQ(0, is_local("192.0.2.1"));
+  EXPECT_EQ(1, isInterface("127.0.0.1"));
+  EXPECT_EQ(0, isInterface("192.0.2.1"));  // a network for examples
+  EXPECT_EQ(0, isLocal("192.0.2.1"));
   ov_sock_addr addr = {};
   const ov_rc result = ov_sock_get_1host_ipaddr(&addr);
   if (result != 0) {

@@ -105,7 +105,7 @@ class SocketDestinationTest : public ov::SocketFixture {
     return ov_sock_recvmsg_dstaddr(sock, buffer_, sizeof buffer_, &bytes_, &from_, &dst_, isIpv6);
   }
   // Sends to a port of this machine.
-  ov_sock send_to(ov_sock_addr to, const std::string& text) {
+  ov_sock sendTo(ov_sock_addr to, const std::string& text) {
     const ov_sock sender = make(to.family, SOCK_DGRAM);
     const int size = static_cast<int>(text.size());
     EXPECT_EQ(size, sendto(sender, text.data(), size, 0, ov::system_address(&to),
@@ -113,7 +113,7 @@ class SocketDestinationTest : public ov::SocketFixture {
     return sender;
   }
   // The lines of a datagram that came with its destination; the index is the machine's affair.
-  void expect_lines(const std::string& last) {
+  void expectLines(const std::string& last) {
     const Messages lines = log_.take();
     ASSERT_EQ(2U, lines.size());
     const std::string index = "DBG ov_sock_recvmsg_dstaddr: incoming interface index ";
@@ -134,7 +134,7 @@ TEST_F(SocketDestinationTest, Ipv4) {
   ASSERT_EQ(0, ov_sock_set_recvmsg_dstaddr(&receiver, 0));
   ov_sock_addr to = ov::own_address(receiver);
   ASSERT_EQ(0, ov_sock_store_ipaddr("127.0.0.5", &to, nullptr));
-  const ov_sock sender = send_to(to, "hello");
+  const ov_sock sender = sendTo(to, "hello");
   ASSERT_EQ(0, receive(&receiver, 0));
   EXPECT_EQ("hello", std::string(buffer_, bytes_));
   EXPECT_EQ(2, dst_.family);
@@ -142,13 +142,13 @@ TEST_F(SocketDestinationTest, Ipv4) {
   EXPECT_EQ(0, dst_.port);
   EXPECT_EQ(2, from_.family);
   EXPECT_EQ(ov::own_address(sender).port, from_.port);
-  expect_lines("returning dstaddr [127.0.0.5] ");
+  expectLines("returning dstaddr [127.0.0.5] ");
 }
 
 TEST_F(SocketDestinationTest, Ipv6) {
   ov_sock receiver = makeReceiver(AF_INET6);
   ASSERT_EQ(0, ov_sock_set_recvmsg_dstaddr(&receiver, 1));
-  send_to(ov::own_address(receiver), "hi");
+  sendTo(ov::own_address(receiver), "hi");
   ASSERT_EQ(0, receive(&receiver, 1));
   EXPECT_EQ(2U, bytes_);
   int32_t same = 0;
@@ -157,7 +157,7 @@ TEST_F(SocketDestinationTest, Ipv6) {
   EXPECT_EQ(1, same);
   EXPECT_EQ(0, ov_sock_ipaddr_is_equal(&self, &from_, &same));
   EXPECT_EQ(1, same);
-  expect_lines("returning dstaddr [::1] ");
+  expectLines("returning dstaddr [::1] ");
 }
 
 TEST_F(SocketDestinationTest, DestinationBehindOtherControlData) {
@@ -174,7 +174,7 @@ TEST_F(SocketDestinationTest, DestinationBehindOtherControlData) {
 TEST_F(SocketDestinationTest, SenderNeedNotBeTold) {
   ov_sock receiver = makeReceiver(AF_INET);
   ASSERT_EQ(0, ov_sock_set_recvmsg_dstaddr(&receiver, 0));
-  send_to(ov::own_address(receiver), "hi");
+  sendTo(ov::own_address(receiver), "hi");
   EXPECT_EQ(0, ov_sock_recvmsg_dstaddr(&receiver, buffer_, 8, &bytes_, nullptr, &dst_, 0));
   EXPECT_EQ(2U, bytes_);
 }
@@ -228,7 +228,7 @@ TEST_F(SocketDestinationTest, SocketThatIsNotPrepared) {
   ov_sock prepared = makeReceiver(AF_INET);
   ASSERT_EQ(0, ov_sock_set_recvmsg_dstaddr(&prepared, 0));
   ov_sock receiver = makeReceiver(AF_INET);
-  send_to(ov::own_address(receiver), "hello");
+  sendTo(ov::own_address(receiver), "hello");
   EXPECT_EQ(22, receive(&receiver, 0));
   EXPECT_EQ("hello", std::string(buffer_, bytes_));  // it is there all the same
   EXPECT_EQ(2, from_.family);
@@ -239,12 +239,12 @@ TEST_F(SocketDestinationTest, SocketThatIsNotPrepared) {
 TEST_F(SocketDestinationTest, AddressWithoutText) {
   ov_sock receiver = makeReceiver(AF_INET);
   ASSERT_EQ(0, ov_sock_set_recvmsg_dstaddr(&receiver, 0));
-  send_to(ov::own_address(receiver), "hi");
+  sendTo(ov::own_address(receiver), "hi");
   nameFailure = 10014;
   EXPECT_EQ(0, receive(&receiver, 0));
   EXPECT_EQ(2, dst_.family);
-  expect_lines("cannot get ipaddrstr, errno 10014");
-  send_to(ov::own_address(receiver), "hi");
+  expectLines("cannot get ipaddrstr, errno 10014");
+  sendTo(ov::own_address(receiver), "hi");
   ov_dbg_set_all(1);
   EXPECT_EQ(0, receive(&receiver, 0));
   EXPECT_EQ(Messages{}, log_.take());

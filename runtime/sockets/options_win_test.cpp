@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
@@ -32,7 +33,7 @@ int WSAAPI getOption(SOCKET, int level, int option, char* value, int* size) {
     return SOCKET_ERROR;
   }
   EXPECT_LE(found->second.size(), static_cast<size_t>(*size));
-  memcpy(value, found->second.data(), found->second.size());
+  std::copy(found->second.begin(), found->second.end(), value);
   return 0;
 }
 

@@ -136,7 +136,7 @@ class SocketPairSystemTest : public ov::SocketFixture {
     listeners = 0;
     sleeps.clear();
   }
-  void expect_pair() {
+  void expectPair() {
     EXPECT_EQ(2, open);  // the listener is closed
     char text[4];
     EXPECT_EQ(3, send(sockets_[0], "one", 3, 0));
@@ -154,7 +154,7 @@ class SocketPairSystemTest : public ov::SocketFixture {
 
 TEST_F(SocketPairSystemTest, IsConnectedBothWays) {
   EXPECT_EQ(0, ov_sock_pair(sockets_));
-  expect_pair();
+  expectPair();
   EXPECT_EQ(Messages{}, log_.take());
   EXPECT_EQ(22, ov_sock_pair(nullptr));
 }
@@ -184,7 +184,7 @@ TEST_F(SocketPairSystemTest, CollisionInAnyStepIsTriedAgain) {
     SCOPED_TRACE(step);
     fail(step, 10048, 1);
     EXPECT_EQ(0, ov_sock_pair(sockets_));
-    expect_pair();
+    expectPair();
     EXPECT_EQ(std::vector<DWORD>{0}, sleeps);
     EXPECT_EQ((Messages{"LOG ov_sock_pair: port collision in " + std::string(step) +
                             "().  Retrying (1 of 10)",
@@ -196,7 +196,7 @@ TEST_F(SocketPairSystemTest, CollisionInAnyStepIsTriedAgain) {
 TEST_F(SocketPairSystemTest, TenCollisionsAreSurvived) {
   fail("bind", 10048, 10);
   EXPECT_EQ(0, ov_sock_pair(sockets_));
-  expect_pair();
+  expectPair();
   EXPECT_EQ((std::vector<DWORD>{0, 20, 40, 60, 80, 100, 120, 140, 160, 180}), sleeps);
   EXPECT_EQ("LOG ov_sock_pair: success on reattempt 10", log_.take().back());
   fail("bind", 10048, 11);

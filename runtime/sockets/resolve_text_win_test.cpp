@@ -36,7 +36,7 @@ namespace {
 class SocketTextTest : public ov::SocketFixture {
  protected:
   SocketTextTest() { failure = 0; }
-  static std::string text_of(const ov_sock_addr& addr) {
+  static std::string textOf(const ov_sock_addr& addr) {
     char text[65];
     EXPECT_EQ(0, ov_sock_get_ipaddrstr(&addr, text, sizeof text));
     return text;
@@ -140,7 +140,7 @@ TEST_F(SocketTextTest, StoreTakesFamilyAndAddressOnly) {
     EXPECT_EQ(77, addr.port);
     EXPECT_EQ(5U, addr.scope_id);
     addr.scope_id = 0;
-    EXPECT_EQ(c.text, text_of(addr));
+    EXPECT_EQ(c.text, textOf(addr));
     EXPECT_EQ(0, ov_sock_store_ipaddr(c.text, &addr, nullptr));
     isIpv6 = 9;
     EXPECT_EQ(0, ov_sock_ip6_or_ip4(c.text, &isIpv6));

@@ -155,7 +155,7 @@ class SocketResolveTest : public ov::SocketFixture {
     return std::string(out) + " " + std::to_string(ntohs(ov_sock_get_port(&addr_)));
   }
   // The port of a listening socket, as text.
-  static std::string port_of(ov_sock server) {
+  static std::string portOf(ov_sock server) {
     return std::to_string(ntohs(ov::own_address(server).port));
   }
 
@@ -244,7 +244,7 @@ TEST_F(SocketResolveTest, ServerAndClient) {
   EXPECT_EQ(SOCK_STREAM, lookup.hints.ai_socktype);
   EXPECT_EQ((Steps{"reuseaddr", "bind", "listen 128"}), steps);
   ov_sock client = 7;
-  const std::string port = port_of(server);
+  const std::string port = portOf(server);
   ASSERT_EQ(0, ov_sock_create_client("127.0.0.1", port.c_str(), AF_INET, SOCK_STREAM, &client));
   keep(client);
   EXPECT_EQ(0, lookup.hints.ai_flags);
@@ -266,7 +266,7 @@ TEST_F(SocketResolveTest, ClientFromALocalAddress) {
   ov_sock server = 7;
   ASSERT_EQ(0, ov_sock_create_server("127.0.0.1", "0", AF_INET, SOCK_STREAM, &server));
   keep(server);
-  const std::string port = port_of(server);
+  const std::string port = portOf(server);
   ASSERT_EQ(0, ov_sock_create_client2("127.0.0.9:5", "127.0.0.1", port.c_str(), AF_INET,
                                       SOCK_STREAM, &sock_));
   addr_ = ov::own_address(keep(sock_));
