@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "dialogs/common_dialogs_win.h"
 #include "dialogs/popup_manager_win.h"
 #include "runtime/ov_log.h"
 #include "text/wide_text.h"
@@ -91,8 +92,8 @@ std::vector<std::string> WinSaveFileDialogImpl::doShow() {
   dialog.Flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_NOTESTFILECREATE |
                  OFN_EXPLORER;
   dialog.lpstrDefExt = L"";
-  if (GetSaveFileNameW(&dialog)) return {toUtf8(path)};
-  const DWORD code = CommDlgExtendedError();
+  if (CommonDialogs::saveFileName(&dialog)) return {toUtf8(path)};
+  const DWORD code = CommonDialogs::extendedError();
   if (code == 0) return {};
   const std::string text = "Save file dialog failed (" + std::to_string(code) + ")";
   ov_err("%s", text.c_str());

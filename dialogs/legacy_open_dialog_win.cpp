@@ -10,6 +10,7 @@
 #include <cwchar>
 #include <exception>
 
+#include "dialogs/common_dialogs_win.h"
 #include "dialogs/legacy_dialogs_win.h"
 #include "runtime/ov_log.h"
 #include "text/wide_text.h"
@@ -132,7 +133,7 @@ COrvOpenFileDialog::COrvOpenFileDialog(HWND parentWindow, const std::string& tit
 }
 
 int COrvOpenFileDialog::doModal() {
-  return GetOpenFileNameW(&dialog_);
+  return CommonDialogs::openFileName(&dialog_) ? 1 : 0;
 }
 
 UINT_PTR CALLBACK COrvOpenFileDialog::hook(HWND child, UINT message, WPARAM, LPARAM lParam) {
@@ -259,7 +260,7 @@ std::vector<std::string> WinOpenFileDialogImpl::doShow() {
                             fileTypes_);
   const int result = dialog.doModal();
   // A cancel has no code.
-  const DWORD code = result == 1 ? 0 : CommDlgExtendedError();
+  const DWORD code = result == 1 ? 0 : CommonDialogs::extendedError();
   if (code != 0) {
     const std::string text =
         "Open file dialog failed (0x" + hexText(static_cast<HRESULT>(code)) + ")";

@@ -5,7 +5,7 @@ set -eu
 headers=$(x86_64-w64-mingw32-objdump -p "$1")
 fail() { echo "$1" >&2; exit 1; }
 
-system='advapi32 comdlg32 urlmon gdi32 gdiplus kernel32 msvcrt ole32 oleaut32 psapi shell32 shlwapi user32 ws2_32 iphlpapi
+system='advapi32 urlmon gdi32 gdiplus kernel32 msvcrt ole32 oleaut32 psapi shell32 shlwapi user32 ws2_32 iphlpapi
         netapi32 userenv'
 for dll in $(printf '%s\n' "$headers" | awk '/DLL Name:/ { print tolower($3) }'); do
   case " $(echo $system) " in

@@ -136,7 +136,7 @@ class ViewTest : public PluginTest {
   }
   // The colour in the middle once everything that waits is painted.
   COLORREF painted(bool erase = false) {
-    InvalidateRect(child_, nullptr, erase);
+    InvalidateRect(child_, nullptr, erase ? TRUE : FALSE);
     UpdateWindow(child_);
     const HDC dc = GetDC(child_);
     const COLORREF colour = GetPixel(dc, kSize / 2, kSize / 2);

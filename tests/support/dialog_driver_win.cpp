@@ -34,6 +34,13 @@ BOOL CALLBACK takeNameEdit(HWND window, LPARAM result) {
   return TRUE;
 }
 
+HWND nameEdit(HWND dialog) {
+  HWND edit = nullptr;
+  EnumChildWindows(dialog, takeNameEdit, reinterpret_cast<LPARAM>(&edit));
+  EXPECT_NE(edit, nullptr);
+  return edit;
+}
+
 }  // namespace
 
 DialogDriver::DialogDriver(Action action)
@@ -67,10 +74,13 @@ HWND DialogDriver::waitForDialog() const {
 }
 
 void DialogDriver::type(HWND dialog, const std::wstring& text) {
-  HWND edit = nullptr;
-  EnumChildWindows(dialog, takeNameEdit, reinterpret_cast<LPARAM>(&edit));
-  EXPECT_NE(edit, nullptr);
-  SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+  SendMessageW(nameEdit(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+std::wstring DialogDriver::typed(HWND dialog) {
+  wchar_t text[260] = L"";
+  SendMessageW(nameEdit(dialog), WM_GETTEXT, 260, reinterpret_cast<LPARAM>(text));
+  return text;
 }
 
 void DialogDriver::accept(HWND dialog) {

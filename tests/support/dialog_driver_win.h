@@ -24,8 +24,9 @@ class DialogDriver {
   DialogDriver(const DialogDriver&) = delete;
   DialogDriver& operator=(const DialogDriver&) = delete;
 
-  // Puts the text where the name of a file is typed.
+  // Puts the text where the name of a file is typed, and tells what stands there.
   static void type(HWND dialog, const std::wstring& text);
+  static std::wstring typed(HWND dialog);
   // The OK button, with or without a text first; the Cancel button; the cross.
   static void accept(HWND dialog);
   static void accept(HWND dialog, const std::wstring& text);
