@@ -71,7 +71,7 @@ class StartedProcessWinTest : public testing::Test {
   StartedProcessWinTest() { std::filesystem::create_directories(directory_); }
   ~StartedProcessWinTest() override {
     std::error_code ignored;
-    std::filesystem::remove_all(root, ignored);
+    std::filesystem::remove_all(root_, ignored);
   }
 
   std::string install() {
@@ -90,8 +90,8 @@ class StartedProcessWinTest : public testing::Test {
     return exitCode;
   }
 
-  const std::string root = TestSupport::makeTemporaryDirectory();
-  const std::string directory_ = root + "/with blanks";
+  const std::string root_ = TestSupport::makeTemporaryDirectory();
+  const std::string directory_ = root_ + "/with blanks";
 };
 
 TEST_F(StartedProcessWinTest, CommandTextIsThePathAloneAndUnquoted) {
@@ -110,12 +110,12 @@ TEST_F(StartedProcessWinTest, CommandTextIsThePathAloneAndUnquoted) {
 TEST_F(StartedProcessWinTest, NoOtherProgramOnTheWayIsStarted) {
   // "with.exe" is what the platform would try first for an unquoted command text.
   const std::string path = install();
-  std::filesystem::copy_file(std::filesystem::path(START_PROBE_NAME), root + "/with.exe");
+  std::filesystem::copy_file(std::filesystem::path(START_PROBE_NAME), root_ + "/with.exe");
   StartedProcess process;
   ASSERT_EQ(process.start(path), 0);
   EXPECT_EQ(waitForExit(process), 7);
   EXPECT_TRUE(std::filesystem::exists(path + ".txt"));
-  EXPECT_FALSE(std::filesystem::exists(root + "/with.exe.txt"));
+  EXPECT_FALSE(std::filesystem::exists(root_ + "/with.exe.txt"));
 }
 
 TEST_F(StartedProcessWinTest, RecordIsClosedWhileTheProcessRunsOn) {

@@ -22,14 +22,14 @@ using TestSupport::TestSocket;
 // Brings the socket layer up for cases that use no server.
 class TcpSocketTest : public testing::Test {
  protected:
-  const TestSocket listener = TestSocket::listenLoopback(0);
+  const TestSocket listener_ = TestSocket::listenLoopback(0);
   LogRecorder log_;
 };
 
 TEST_F(TcpSocketTest, SendsAndReceives) {
   TcpSocket socket;
-  ASSERT_EQ(socket.connect("127.0.0.1", listener.localPort()), 0);
-  const TestSocket peer = listener.accept();
+  ASSERT_EQ(socket.connect("127.0.0.1", listener_.localPort()), 0);
+  const TestSocket peer = listener_.accept();
   EXPECT_EQ(socket.send("abc", 3), 3);
   char buffer[8] = "";
   EXPECT_EQ(peer.receive(buffer, sizeof buffer), 3);
@@ -41,8 +41,8 @@ TEST_F(TcpSocketTest, SendsAndReceives) {
 
 TEST_F(TcpSocketTest, PeersCloseIsZero) {
   TcpSocket socket;
-  ASSERT_EQ(socket.connect("127.0.0.1", listener.localPort()), 0);
-  listener.accept().close();
+  ASSERT_EQ(socket.connect("127.0.0.1", listener_.localPort()), 0);
+  listener_.accept().close();
   char buffer[8];
   EXPECT_EQ(socket.recv(buffer, sizeof buffer), 0);
   EXPECT_EQ(log_.text(), "");
@@ -50,8 +50,8 @@ TEST_F(TcpSocketTest, PeersCloseIsZero) {
 
 TEST_F(TcpSocketTest, ResetWhileReceivingIsAFailure) {
   TcpSocket socket;
-  ASSERT_EQ(socket.connect("127.0.0.1", listener.localPort()), 0);
-  TestSocket peer = listener.accept();
+  ASSERT_EQ(socket.connect("127.0.0.1", listener_.localPort()), 0);
+  TestSocket peer = listener_.accept();
   // The reset must come while the call waits; one that is there before may read as an orderly end.
   std::thread reset([&peer] {
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
@@ -74,7 +74,7 @@ TEST_F(TcpSocketTest, DottedAddressResolvesToItself) {
 TEST_F(TcpSocketTest, NameResolves) {
   EXPECT_EQ(IpAddress::resolve("localhost").rfind("127.", 0), 0U);
   TcpSocket socket;
-  EXPECT_EQ(socket.connect("localhost", listener.localPort()), 0);
+  EXPECT_EQ(socket.connect("localhost", listener_.localPort()), 0);
   EXPECT_EQ(log_.text(), "");
 }
 
@@ -102,7 +102,7 @@ TEST_F(TcpSocketTest, ClosedSocketFailsSilently) {
   EXPECT_EQ(socket.recv(buffer, 1), -1);
   EXPECT_EQ(socket.send(buffer, 1), -1);
   socket.close();
-  ASSERT_EQ(socket.connect("127.0.0.1", listener.localPort()), 0);
+  ASSERT_EQ(socket.connect("127.0.0.1", listener_.localPort()), 0);
   socket.close();
   socket.close();
   EXPECT_EQ(socket.recv(buffer, 1), -1);
@@ -113,9 +113,9 @@ TEST_F(TcpSocketTest, ClosedSocketFailsSilently) {
 TEST_F(TcpSocketTest, DestructorClosesTheConnection) {
   {
     TcpSocket socket;
-    ASSERT_EQ(socket.connect("127.0.0.1", listener.localPort()), 0);
+    ASSERT_EQ(socket.connect("127.0.0.1", listener_.localPort()), 0);
   }
-  const TestSocket peer = listener.accept();
+  const TestSocket peer = listener_.accept();
   char buffer[1];
   EXPECT_EQ(peer.receive(buffer, 1), 0);
 }

@@ -118,7 +118,7 @@ TEST(SystemExceptionTest, CarriesItsMessageAlsoAsACopy) {
   const SystemException exception("message");
   const SystemException copy(exception);
   EXPECT_STREQ(copy.what(), "message");
-  EXPECT_THROW(throw copy, std::runtime_error);
+  EXPECT_THROW(throw SystemException(copy), std::runtime_error);
 }
 
 TEST(SystemExceptionTest, DescribesACodeWithThePlatformsText) {

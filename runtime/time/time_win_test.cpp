@@ -68,7 +68,7 @@ TEST(ClockFailureTest, FailuresAreToldAndTheClockStartsAfterThem) {
   counter_fails = false;
 
   // A year of ticks, far beyond the overflow of ticks times microseconds.
-  counter = 1000 + 365ll * 86400 * frequency + 5;
+  counter = 1000 + 365LL * 86400 * frequency + 5;
   EXPECT_EQ(0, ov_time_gettimeofday(&now));
   EXPECT_EQ(365 * 86400, now.sec);
   EXPECT_EQ(0, now.usec);

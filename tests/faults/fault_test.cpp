@@ -125,7 +125,9 @@ TEST_F(FaultTest, PrivilegedInstruction) {
 TEST_F(FaultTest, StackOverflow) {
   const Outcome outcome = run("overflow");
   EXPECT_EQ(0xC00000FD, outcome.status);
-  expectFault(outcome, "STACK_OVERFLOW(3221225725)", "probe_recurses");
+  // Names would take more stack than is left.
+  expectFault(outcome, "STACK_OVERFLOW(3221225725)", "");
+  EXPECT_EQ(-1, find(outcome.lines, ".*probe_recurses.*"));
 }
 
 TEST_F(FaultTest, HostsOwnHandlerIsReachedBehindTheReport) {

@@ -26,7 +26,7 @@ void split(const std::string& text) {
   check(port + strlen(port) == text.c_str() + text.size());
 }
 
-void read_scope(const std::string& text) {
+void readScope(const std::string& text) {
   constexpr uint32_t kBefore = 7;
   ov_sock_addr addr = {};
   addr.scope_id = kBefore;
@@ -44,6 +44,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string whole(reinterpret_cast<const char*>(data), size);
   const std::string text(whole, 0, whole.find('\0'));
   split(text);
-  read_scope(text);
+  readScope(text);
   return 0;
 }

@@ -22,7 +22,7 @@ void check(bool holds) {
   if (!holds) std::abort();
 }
 
-bool well_formed(const std::string& text) {
+bool wellFormed(const std::string& text) {
   return slow_well_formed_length(text) == text.size();
 }
 
@@ -54,7 +54,7 @@ void convert(const std::string& text) {
 }
 
 // The bytes as units of UTF-16.
-void convert_units(const std::string& bytes) {
+void convertUnits(const std::string& bytes) {
   Units units;
   for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
     const int unit = static_cast<uint8_t>(bytes[i]) << 8 | static_cast<uint8_t>(bytes[i + 1]);
@@ -82,11 +82,11 @@ void replace(const std::string& text, size_t room) {
   const ov_rc result =
       ov_utf8_replace_invalid_sequence(out.data(), text.c_str(), &size, nullptr, 0);
   check(size == expected.size() && expected == out.data());
-  check(result == (well_formed(text) ? 0 : OV_EILLUTFSTR));
+  check(result == (wellFormed(text) ? 0 : OV_EILLUTFSTR));
   out.resize(room);
   size = room;
   if (ov_utf8_replace_invalid_sequence(out.data(), text.c_str(), &size, nullptr, 0) == OV_EBUFFER) {
-    check(expected.starts_with(out.data()) && well_formed(out.data()));
+    check(expected.starts_with(out.data()) && wellFormed(out.data()));
   } else {
     check(expected == out.data());
   }
@@ -107,10 +107,10 @@ void cut(const std::string& text, size_t room) {
   const ov_rc result = ov_str_to(out.data(), text.c_str(), out.size(), &pos);
   check(result == 0 ? text == out.data() : text.starts_with(out.data()));
   check(pos == std::strlen(out.data()));
-  if (well_formed(text)) check(well_formed(out.data()));
+  if (wellFormed(text)) check(wellFormed(out.data()));
 }
 
-void read_number(const std::string& text) {
+void readNumber(const std::string& text) {
   Reading reading{0, kUntouched, 0};
   const char* end = nullptr;
   reading.code = ov_str_ahtoll_err(text.c_str(), &reading.value, &end);
@@ -160,11 +160,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string text = whole.c_str();
   test(text);
   convert(text);
-  convert_units(whole);
+  convertUnits(whole);
   replace(text, data[0] + size_t{1});
   trim(text);
   cut(text, data[0] + size_t{1});
-  read_number(text);
+  readNumber(text);
   tokenize(text);
   const size_t line = std::min(text.find('\n'), text.size());
   match(text.substr(0, line), text.substr(std::min(line + 1, text.size())));

@@ -85,10 +85,10 @@ int main() {
   try {
     return Vantrel::StandIn::runClient();
   } catch (const Vantrel::StandIn::BadKnobs& fault) {
-    std::fprintf(stderr, "orvanevantrel: %s\n", fault.what());
+    static_cast<void>(std::fprintf(stderr, "orvanevantrel: %s\n", fault.what()));
     return Vantrel::StandIn::kBadKnobs;
   } catch (const std::exception& fault) {
-    std::fprintf(stderr, "orvanevantrel: %s\n", fault.what());
+    static_cast<void>(std::fprintf(stderr, "orvanevantrel: %s\n", fault.what()));
     return Vantrel::StandIn::kFailed;
   }
 }
