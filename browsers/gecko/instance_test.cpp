@@ -313,6 +313,12 @@ TEST_F(InstanceTest, ThePictureComesByTheBrowsersStream) {
   EXPECT_EQ(functions_.write(&browser_.instance, &stream, -1, 5, bytes), -1);
   EXPECT_EQ(functions_.write(&browser_.instance, &stream, 0, -5, bytes), -1);
   EXPECT_EQ(functions_.write(&browser_.instance, &other, 0, 5, bytes), -1);
+  EXPECT_EQ(functions_.write(&browser_.instance, &stream, 0x7FFFFFFF, 1, bytes), -1);
+  NPStream nameless = {};
+  uint16_t kind = 0;
+  EXPECT_EQ(functions_.newstream(&browser_.instance, nullptr, &nameless, 0, &kind), 0);
+  EXPECT_EQ(functions_.write(&browser_.instance, &nameless, 0, 5, bytes), -1);
+  EXPECT_EQ(functions_.destroystream(&browser_.instance, &nameless, 0), 0);
   EXPECT_EQ(functions_.destroystream(&browser_.instance, &other, NPRES_DONE), NPERR_NO_ERROR);
   EXPECT_EQ(functions_.destroystream(&browser_.instance, &stream, NPRES_NETWORK_ERR),
             NPERR_NO_ERROR);

@@ -95,6 +95,7 @@ class ovOrvaneWebPlugin : public ovIOrvaneWebViewDelegate {
   void createScriptObject();
   // False when the browser does not fetch the element's picture.
   bool requestImage();
+  bool isImage(const NPStream& stream) const;
   // Sends an event that only a page with drop mode "callback" gets.
   void tellPage(PageEvent event, const std::string& payload);
   // Ends everything that initialize() made, as far as it came.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <string_view>
 
@@ -53,16 +54,22 @@ bool ovOrvaneWebPlugin::requestImage() {
          browserFuncs.geturlnotify(npp_, imageUrl_.c_str(), nullptr, nullptr) == NPERR_NO_ERROR;
 }
 
+// A stream without an address is none of ours.
+bool ovOrvaneWebPlugin::isImage(const NPStream& stream) const {
+  return stream.url != nullptr && imageUrl_ == stream.url;
+}
+
 bool ovOrvaneWebPlugin::createStream(NPMIMEType, NPStream* stream, NPBool, uint16_t*) {
   OV_DEBUG("ovOrvaneWebPlugin::createStream()");
-  OV_DEBUG("  URL: %s", stream->url);
+  OV_DEBUG("  URL: %s", stream->url != nullptr ? stream->url : "");
   return true;
 }
 
 int32_t ovOrvaneWebPlugin::write(NPStream* stream, int32_t offset, int32_t length, void* buffer) {
-  if (imageUrl_ != stream->url || offset < 0 || length < 0) return -1;
-  // Two 31-bit numbers; the browser sends what it has downloaded, so the data grows no faster than
-  // that.
+  if (!isImage(*stream) || offset < 0 || length < 0) return -1;
+  // A browser counts a stream in 31 bits; it sends what it has downloaded, so the data grows no
+  // faster than that.
+  if (length > std::numeric_limits<int32_t>::max() - offset) return -1;
   const auto begin = static_cast<size_t>(offset);
   const auto bytes = static_cast<size_t>(length);
   try {
@@ -76,7 +83,7 @@ int32_t ovOrvaneWebPlugin::write(NPStream* stream, int32_t offset, int32_t lengt
 
 bool ovOrvaneWebPlugin::destroyStream(NPStream* stream, NPReason) {
   OV_DEBUG("ovOrvaneWebPlugin::destroyStream()");
-  if (imageUrl_ != stream->url) return false;
+  if (!isImage(*stream)) return false;
   if (view_) view_->setImage(imageData_.data(), static_cast<uint32_t>(imageData_.size()));
   imageData_ = {};
   return true;
