@@ -1,0 +1,1 @@
+#include "browsers/activex/identifiers.h"
