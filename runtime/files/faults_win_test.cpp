@@ -81,7 +81,7 @@ BOOL WINAPI findNextFile(HANDLE handle, LPWIN32_FIND_DATAW data) {
   }
   const BOOL found = real<decltype(&FindNextFileW)>("FindNextFileW")(handle, data);
   // Wine's host has no names of more than 255 bytes.
-  if (found && !faults.longName.empty() && std::wstring(data->cFileName) == L"long") {
+  if (found != FALSE && !faults.longName.empty() && std::wstring(data->cFileName) == L"long") {
     wcscpy(data->cFileName, faults.longName.c_str());
   }
   return found;
@@ -352,7 +352,7 @@ TEST_F(FilesWinTest, StatusOfAHandle) {
 }
 
 TEST_F(FilesWinTest, CloseThatFailsKeepsTheRecord) {
-  ov_file file = reinterpret_cast<ov_file>(uintptr_t{0x7FFFFFF0});
+  auto file = reinterpret_cast<ov_file>(uintptr_t{0x7FFFFFF0});
   EXPECT_EQ(6, ov_file_close(&file));
   EXPECT_EQ(1, ov_file_valid(&file));
   EXPECT_EQ(6, ov_file_flush(&file));

@@ -42,7 +42,7 @@ HANDLE WINAPI createMutex(LPSECURITY_ATTRIBUTES, BOOL owned, LPCWSTR) {
 
 BOOL WINAPI releaseMutex(HANDLE mutex) {
   const auto real = ov::unreplaced_call<decltype(&ReleaseMutex)>(L"kernel32.dll", "ReleaseMutex");
-  if (faults.releaseMutex != 0) return fail(faults.releaseMutex) != nullptr;
+  if (faults.releaseMutex != 0) return fail(faults.releaseMutex) != nullptr ? TRUE : FALSE;
   return real(mutex);
 }
 
@@ -76,7 +76,7 @@ DWORD WINAPI resumeThread(HANDLE thread) {
 
 BOOL WINAPI closeHandle(HANDLE handle) {
   const auto real = ov::unreplaced_call<decltype(&CloseHandle)>(L"kernel32.dll", "CloseHandle");
-  if (faults.closeHandle != 0) return fail(faults.closeHandle) != nullptr;
+  if (faults.closeHandle != 0) return fail(faults.closeHandle) != nullptr ? TRUE : FALSE;
   ++faults.closed;
   return real(handle);
 }

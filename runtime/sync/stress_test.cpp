@@ -134,7 +134,7 @@ TEST_F(StressConditionTest, BoundedQueueWithTwoConditionsLosesNothing) {
   constexpr int kEach = 400;
   constexpr size_t kRoom = 3;
   std::deque<int> queue;
-  std::vector<int> seen(kPairs * kEach);
+  std::vector<int> seen(size_t{kPairs} * kEach);
   int left = kPairs * kEach;
   run_threads(2 * kPairs, [&](int number) {
     if (number < kPairs) {

@@ -48,7 +48,7 @@ struct EngineThunk<member, Result (NP_ABI* NPNetscapeFuncs::*)(Args...)> {
 };
 
 NPObject* NP_ABI createObject(NPP npp, NPClass* objectClass) {
-  if (!objectClass || !onPluginThread(offsetInTable<&NPNetscapeFuncs::createobject>()))
+  if (objectClass == nullptr || !onPluginThread(offsetInTable<&NPNetscapeFuncs::createobject>()))
     return nullptr;
   return bridge().onEngineThread(
       [&] { return native(engineTable.createobject)(npp, engineClass(objectClass)); });

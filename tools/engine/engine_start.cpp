@@ -17,10 +17,10 @@ namespace {
 // runs without the toolkit too, so it may be missing.
 void initialiseToolkit() {
   void* library = dlopen("libgtk-x11-2.0.so.0", RTLD_NOW | RTLD_GLOBAL);
-  if (!library) return;
+  if (library == nullptr) return;
   using InitCheck = int (*)(int*, char***);
   const auto initCheck = reinterpret_cast<InitCheck>(dlsym(library, "gtk_init_check"));
-  if (initCheck) initCheck(nullptr, nullptr);
+  if (initCheck != nullptr) initCheck(nullptr, nullptr);
 }
 
 // Qt's own words on the standard error, without the warning that tells what is done here on

@@ -15,7 +15,7 @@ const XGraphicsExposeEvent& request(const void* event) {
 }  // namespace
 
 bool isPaintEvent(const void* event) {
-  return event && static_cast<const XEvent*>(event)->type == GraphicsExpose;
+  return event != nullptr && static_cast<const XEvent*>(event)->type == GraphicsExpose;
 }
 
 bool paint(const void* event, const PluginWindows::Picture& picture) {
@@ -34,7 +34,7 @@ bool paint(const void* event, const PluginWindows::Picture& picture) {
       XCreateImage(display, nullptr, depth, ZPixmap, 0, reinterpret_cast<char*>(pixels.data()),
                    static_cast<unsigned>(picture.width), static_cast<unsigned>(picture.height), 32,
                    picture.width * 4);
-  if (!image) return false;
+  if (image == nullptr) return false;
   GC context = XCreateGC(display, drawable, 0, nullptr);
   XPutImage(display, drawable, context, image, 0, 0, 0, 0,
             std::min(width, static_cast<unsigned>(picture.width)),

@@ -53,7 +53,8 @@ NPError destroyInstance(NPP npp, NPSavedData** saved) {
 }
 
 NPError setWindow(NPP npp, NPWindow* window) {
-  if (!window) return bridge().onPluginThread([&] { return pluginTable.setwindow(npp, nullptr); });
+  if (window == nullptr)
+    return bridge().onPluginThread([&] { return pluginTable.setwindow(npp, nullptr); });
   const EngineWindow& from = *reinterpret_cast<EngineWindow*>(window);
   return bridge().onPluginThread([&] {
     void* child = pluginWindows->place(npp, from.x, from.y, from.width, from.height);

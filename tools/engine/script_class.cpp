@@ -46,7 +46,7 @@ void wrap(WrappedClass& wrapped) {
 std::unique_ptr<WrappedClass> wrapClass(NPClass* plugin) {
   auto wrapped = std::make_unique<WrappedClass>(WrappedClass{{}, plugin});
   wrapped->table.structVersion = plugin->structVersion;
-  if (plugin->allocate) wrapped->table.allocate = asTableMember(allocate);
+  if (plugin->allocate != nullptr) wrapped->table.allocate = asTableMember(allocate);
   wrap<&NPClass::deallocate>(*wrapped);
   wrap<&NPClass::invalidate>(*wrapped);
   wrap<&NPClass::hasMethod>(*wrapped);

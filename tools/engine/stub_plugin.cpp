@@ -8,7 +8,7 @@ namespace {
 
 const engine::StubLink* link() {
   const char* address = std::getenv(engine::kStubLinkVariable);
-  if (!address) return nullptr;
+  if (address == nullptr) return nullptr;
   return reinterpret_cast<const engine::StubLink*>(std::strtoull(address, nullptr, 16));
 }
 
@@ -22,11 +22,11 @@ constexpr int16_t kGenericError = 1;
 extern "C" {
 
 __attribute__((visibility("default"))) const char* NP_GetMIMEDescription() {
-  return link() ? link()->mimeDescription : "";
+  return link() != nullptr ? link()->mimeDescription : "";
 }
 
 __attribute__((visibility("default"))) int16_t NP_GetValue(void*, int variable, void* value) {
-  if (!link() || (variable != kNameVariable && variable != kDescriptionVariable))
+  if (link() == nullptr || (variable != kNameVariable && variable != kDescriptionVariable))
     return kGenericError;
   *static_cast<const char**>(value) = link()->name;
   return 0;
@@ -34,7 +34,7 @@ __attribute__((visibility("default"))) int16_t NP_GetValue(void*, int variable, 
 
 __attribute__((visibility("default"))) int16_t NP_Initialize(void* browserFunctions,
                                                              void* pluginFunctions) {
-  return link() ? link()->start(browserFunctions, pluginFunctions) : kGenericError;
+  return link() != nullptr ? link()->start(browserFunctions, pluginFunctions) : kGenericError;
 }
 
 // The engine never calls it; main() shuts the library down after the last instance.

@@ -9,9 +9,9 @@ namespace engine {
 bool prepareDisplay(std::string& problem) {
   XInitThreads();
   Display* display = XOpenDisplay(nullptr);
-  if (!display) {
+  if (display == nullptr) {
     const char* name = std::getenv("DISPLAY");
-    problem = std::string("no X display ") + (name ? name : "(DISPLAY is not set)");
+    problem = std::string("no X display ") + (name != nullptr ? name : "(DISPLAY is not set)");
     return false;
   }
   XCloseDisplay(display);
