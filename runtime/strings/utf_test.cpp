@@ -312,6 +312,29 @@ TEST(UtfTest, RandomUnitsAgreeWithPairingThemByHand) {
   }
 }
 
+TEST(UtfTest, LongRandomTextsOfMixedScriptsAgreeWithPairingThemByHand) {
+  // Runs of one kind and single units, pairs mostly whole, so that each meets every place of a
+  // block.
+  static constexpr uint16_t kBases[] = {0x20, 0x60, 0x7f0, 0x7f8, 0x4e00, 0xd800, 0xdc00, 0xffe0};
+  std::mt19937 random(29);
+  for (int round = 0; round < 20000; ++round) {
+    Units units;
+    const size_t length = random() % 80;
+    while (units.size() < length) {
+      const uint16_t base = kBases[random() % std::size(kBases)];
+      for (size_t run = random() % 12 + 1; run > 0; --run) {
+        units.push_back(static_cast<uint16_t>(base + random() % 16));
+        const bool isPaired = base == 0xd800 && random() % 50 != 0;
+        if (isPaired) units.push_back(static_cast<uint16_t>(0xdc00 + random() % 0x400));
+      }
+    }
+    const FromUnits expected = slow_to_utf8(units);
+    ASSERT_EQ(expected.text, to_utf8(units, 1));
+    ASSERT_EQ(expected.loneSurrogate ? std::nullopt : std::optional(expected.text),
+              to_utf8(units, 0));
+  }
+}
+
 TEST(Utf8FaultTest, PointsAtTheFirstByteThatBreaksTheSequence) {
   const auto fault = [](const std::string& text) -> int64_t {
     const char* at = ov_utf8c_find_invalid_byte(text.data(), text.size());
