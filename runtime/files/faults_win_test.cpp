@@ -352,7 +352,7 @@ TEST_F(FilesWinTest, StatusOfAHandle) {
 }
 
 TEST_F(FilesWinTest, CloseThatFailsKeepsTheRecord) {
-  auto file = reinterpret_cast<ov_file>(uintptr_t{0x7FFFFFF0});
+  auto* file = reinterpret_cast<ov_file>(uintptr_t{0x7FFFFFF0});
   EXPECT_EQ(6, ov_file_close(&file));
   EXPECT_EQ(1, ov_file_valid(&file));
   EXPECT_EQ(6, ov_file_flush(&file));

@@ -52,7 +52,7 @@ TEST_F(SemaphoresTest, Failures) {
   EXPECT_EQ((Messages{"LOG ov_sem_wait, not signalled, err=5",
                       "LOG ov_sem_wait, not signalled, err=128"}),
             log_.take());
-  auto stale = reinterpret_cast<ov_sem>(uintptr_t{0x7FFFFFF0});
+  auto* stale = reinterpret_cast<ov_sem>(uintptr_t{0x7FFFFFF0});
   EXPECT_EQ(6, ov_sem_destroy(&stale));
   EXPECT_EQ(Messages{"LOG ov_sem_destroy, CloseHandle failed, err=6"}, log_.take());
   EXPECT_EQ(0, ov_sem_destroy(&s));
