@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "browsers/shared/plugin_log.h"
+#include "runtime/ov_log.h"
 #include "runtime/ov_time.h"
 #include "threads/runnable_scheduler.h"
 
@@ -29,11 +30,13 @@ void startModule() noexcept {
   RunnableScheduler::init();
 }
 
-void endModule() noexcept {
+void endModule(const char* farewell) noexcept {
   const std::lock_guard<std::mutex> lock(lifeMutex);
-  if (starts == 0 || --starts != 0) return;
-  RunnableScheduler::cleanup();
-  closePluginLog();
+  if (starts == 0) return;
+  const bool last = --starts == 0;
+  if (last) RunnableScheduler::cleanup();
+  if (farewell != nullptr) ov_log("%s", farewell);
+  if (last) closePluginLog();
 }
 
 }  // namespace Vantrel::Web

@@ -8,6 +8,7 @@ namespace Vantrel::Web {
 
 // Each start is one end later. A log that cannot be opened is no failure: the rest works without.
 void startModule() noexcept;
-void endModule() noexcept;
+// `farewell`, if not null, is logged between the scheduler's end and the log's.
+void endModule(const char* farewell = nullptr) noexcept;
 
 }  // namespace Vantrel::Web
