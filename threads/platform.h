@@ -15,4 +15,13 @@ void uninitializeThreadCom();
 // thread.
 void* moduleHandle();
 
+// Takes a reference on that module, so that it stays loaded; false if there is none to be had. Any
+// thread.
+bool holdModule();
+
+// Gives such a reference back, which may be the last one, once the calling thread has left this
+// module's code: when it next takes messages. The caller has to leave without doing so. Where this
+// cannot be arranged the module stays for ever, which harms nobody. Browser's thread.
+void releaseModuleLater();
+
 }  // namespace Vantrel::Web

@@ -3,6 +3,8 @@
 #include <windows.h>
 #include <objbase.h>
 
+#include "runtime/ov_log.h"
+
 // The linker places this symbol at the module's first byte, whose address is the module's handle.
 extern "C" IMAGE_DOS_HEADER __ImageBase;
 
@@ -18,6 +20,38 @@ void uninitializeThreadCom() {
 
 void* moduleHandle() {
   return &__ImageBase;
+}
+
+bool holdModule() {
+  HMODULE module = nullptr;
+  return GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                            static_cast<LPCWSTR>(moduleHandle()), &module) != FALSE;
+}
+
+namespace {
+
+// Code must not unload itself under its own feet, nor under the browser's thread, which returns
+// through it. So a thread of its own does it: it sends the window a message, which the browser's
+// thread takes in its message loop only, when it has left our code; the window's class is the
+// system's, so the answer needs none of it. FreeLibraryAndExitThread then does not come back here.
+DWORD WINAPI releaseModule(void* window) {
+  SendMessageW(static_cast<HWND>(window), WM_CLOSE, 0, 0);  // destroys the window
+  FreeLibraryAndExitThread(static_cast<HMODULE>(moduleHandle()), 0);
+}
+
+}  // namespace
+
+void releaseModuleLater() {
+  const HWND window = CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                      nullptr, nullptr);
+  const HANDLE thread =
+      window != nullptr ? CreateThread(nullptr, 0, releaseModule, window, 0, nullptr) : nullptr;
+  if (thread != nullptr) {
+    CloseHandle(thread);
+    return;
+  }
+  ov_err("The library stays loaded: error %u", static_cast<unsigned>(GetLastError()));
+  if (window != nullptr) DestroyWindow(window);
 }
 
 }  // namespace Vantrel::Web

@@ -7,6 +7,7 @@
 
 #include "runtime/ov_log.h"
 #include "threads/guarded.h"
+#include "threads/modal_scope.h"
 
 namespace Vantrel::Web {
 
@@ -69,6 +70,7 @@ void RunnableScheduler::scheduleRunnable(OneShotManager* oneShotManager,
 }
 
 void RunnableScheduler::handleRunnablePair(void* argument) {
+  const ModalScope scope;
   OV_DEBUG("RunnableScheduler - handleRunnablePair()");
   const std::unique_ptr<RunnablePair> pair(static_cast<RunnablePair*>(argument));
   Runnable* const runnable = pair->runnable.get();
@@ -82,6 +84,7 @@ void RunnableScheduler::handleRunnablePair(void* argument) {
 }
 
 void RunnableScheduler::stopRunnables(OneShotManager* oneShotManager) {
+  ModalScope::instanceEnds();
   std::vector<Runnable*> own;
   {
     const std::lock_guard<std::mutex> lock(pendingMutex);

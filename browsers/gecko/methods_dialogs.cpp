@@ -15,6 +15,7 @@
 #include "text/error_reply.h"
 #include "text/error_texts.h"
 #include "text/text.h"
+#include "threads/modal_scope.h"
 #include "threads/runnable_scheduler.h"
 
 namespace Vantrel::Web::Gecko {
@@ -40,6 +41,7 @@ void* parentWindow(NPP npp) {
 // the page sees a cancel.
 template <class Show>
 bool answerNow(const char* failure, NPVariant* result, Show show) {
+  const ModalScope scope;
   if (isDialogOpen()) {
     stringToVariant(nullptr, result);
     return true;

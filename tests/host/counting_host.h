@@ -61,7 +61,14 @@ class CountingHost {
   const void* module() const { return module_; }
   NPPluginFuncs& plugin() { return plugin_; }
 
-  // Shuts the module down if it is initialised, unloads it and closes the books. Returns all
+  // Shuts the module down if it is initialised and gives the library back. Code of it that is still
+  // on the stack goes on, if the library has seen to that.
+  void unload();
+  // Whether the library is in the process, loaded by whomever.
+  bool mapped() const;
+  // Threads that began in the library's code.
+  size_t pluginThreads() const;
+  // Unloads the module if that was not done, and closes the books. Returns all
   // faults, those of the books included: live objects, blocks, queued calls, threads, the mapped
   // library.
   std::vector<std::string> finish();
@@ -94,6 +101,7 @@ class CountingHost {
   const std::wstring path_;
   const std::set<uint32_t> threadsBefore_;
   void* module_ = nullptr;
+  bool loaded_ = false;
   NP_InitializeProcPtr initialize_ = nullptr;
   NP_GetEntryPointsProcPtr getEntryPoints_ = nullptr;
   NP_ShutdownProcPtr shutdown_ = nullptr;

@@ -37,6 +37,7 @@ CountingHost::CountingHost(std::wstring library)
   if (module_ == nullptr) {
     throw std::runtime_error("LoadLibrary failed: " + std::to_string(GetLastError()));
   }
+  loaded_ = true;
   const auto resolve = [this](auto& function, const char* name) {
     void* address = symbol(name);
     if (address == nullptr) throw std::runtime_error(std::string("no entry ") + name);
@@ -49,7 +50,7 @@ CountingHost::CountingHost(std::wstring library)
 }
 
 CountingHost::~CountingHost() {
-  if (module_ != nullptr) FreeLibrary(static_cast<HMODULE>(module_));
+  if (loaded_) FreeLibrary(static_cast<HMODULE>(module_));
   currentHost = nullptr;
 }
 
@@ -93,13 +94,27 @@ NPError CountingHost::shutdown() {
   return shutdown_();
 }
 
-std::vector<std::string> CountingHost::finish() {
+void CountingHost::unload() {
   if (instances != 0) faults.add("an instance was never destroyed");
   if (initialized_) shutdown();
-  const std::set<uint32_t> ours = threadsStartedIn(module_);
-  if (!ours.empty()) faults.add(std::to_string(ours.size()) + " threads of the plug-in are alive");
-  FreeLibrary(static_cast<HMODULE>(std::exchange(module_, nullptr)));
-  if (moduleMapped(path_)) faults.add("the library is still mapped");
+  if (const size_t ours = pluginThreads(); ours != 0) {
+    faults.add(std::to_string(ours) + " threads of the plug-in are alive");
+  }
+  loaded_ = false;
+  FreeLibrary(static_cast<HMODULE>(module_));
+}
+
+size_t CountingHost::pluginThreads() const {
+  return threadsStartedIn(module_).size();
+}
+
+bool CountingHost::mapped() const {
+  return moduleMapped(path_);
+}
+
+std::vector<std::string> CountingHost::finish() {
+  if (loaded_) unload();
+  if (mapped()) faults.add("the library is still mapped");
   // A joined thread leaves the system's list a moment after its handle is signalled.
   const uint64_t deadline = milliseconds() + kThreadEndMs;
   while (extraThreads() != 0 && milliseconds() < deadline) pause();

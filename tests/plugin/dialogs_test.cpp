@@ -5,80 +5,13 @@
 #include <filesystem>
 #include <optional>
 
-#include "tests/plugin/plugin_fixture.h"
-#include "tests/support/dialog_driver_win.h"
-#include "tests/support/fake_file_dialogs_win.h"
-#include "tests/support/runtime/temp_folder.h"
-#include "text/wide_text.h"
+#include "tests/plugin/dialogs_fixture.h"
 
 namespace Vantrel::Web {
 namespace {
 
-using ov::TempFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using TestSupport::DialogDriver;
-using TestSupport::FakeFileDialogs;
-
-constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
-constexpr char kHello[] = "data:text/plain;base64,SGVsbG8=";
-
-class DialogsTest : public PluginTest {
- protected:
-  void SetUp() override {
-    PluginTest::SetUp();
-    file_ = path("höllo.txt");
-    TempFolder::write(file_, "Hello");
-    folder_ = path("a folder");
-    std::filesystem::create_directory(TempFolder::native(folder_));
-  }
-
-  // A path as the platform writes it.
-  std::string path(const std::string& name) const {
-    std::string text = temp_.path(name);
-    for (char& byte : text) byte = byte == '/' ? '\\' : byte;
-    return text;
-  }
-  // The forms in which a page gets a path.
-  static std::string doubled(std::string text) {
-    for (size_t at = 0; (at = text.find('\\', at)) != std::string::npos; at += 2) {
-      text.insert(at, 1, '\\');
-    }
-    return text;
-  }
-  static std::string escaped(std::string text) {
-    text = doubled(text);
-    for (size_t at = 0; (at = text.find(':', at)) != std::string::npos; at += 2) {
-      text.insert(at, 1, '\\');
-    }
-    return text;
-  }
-
-  Value read(Instance& instance, const std::string& name) {
-    return instance.call("readAsArrayBuffer", {text(name)}).value;
-  }
-  bool isRefused(Instance& instance, const std::string& name) {
-    return read(instance, name) ==
-           text(errorReply("Unable to read file context. Only files selected via standard file "
-                           "dialog or drag and drop accepted: " +
-                           name));
-  }
-  // Whether a download may go there; the question uses the consent up.
-  bool mayDownloadTo(Instance& instance, const std::string& name) {
-    const size_t before = logCount("LOG Accepted download to ");
-    instance.call("startDownloadToPath", {text("http://x/y"), text(name)});
-    return logCount("LOG Accepted download to ") > before;
-  }
-  Host::CallResult openAsync(Instance& instance, const Host::PageReference& function,
-                             const std::string& types = "") {
-    return instance.call("runOpenFileDialogAsync",
-                         {text("Title"), Value::boolean(true), text(types), function.value()});
-  }
-
-  TempFolder temp_;
-  std::string file_;
-  std::string folder_;
-};
 
 TEST_F(DialogsTest, ASynchronousOpenAnswersAndApprovesTheFiles) {
   FakeFileDialogs dialogs;
@@ -216,6 +149,7 @@ TEST_F(DialogsTest, AnInstanceMayEndUnderItsAsynchronousDialog) {
   EXPECT_THAT(function->calls, IsEmpty());
   instance->settle({.objects = {{function.get(), 1}}});
   instance.reset();
+  waitForRelease();
   // A stopped dialog's choice is nobody's.
   Instance other(host());
   EXPECT_TRUE(isRefused(other, file_));
@@ -232,6 +166,7 @@ TEST_F(DialogsTest, AnInstanceMayEndUnderItsSynchronousDialog) {
         std::string(method) == "runSaveFileDialog" ? text("") : Value::boolean(true);
     EXPECT_TRUE(instance->call(method, {argument}).accepted);
     instance->settle();
+    waitForRelease();
   }
 }
 
@@ -249,29 +184,6 @@ TEST_F(DialogsTest, TwoDialogsAtOnceAreBothAnswered) {
   ASSERT_TRUE(waitForCalls(first, 1));
   EXPECT_EQ(second->calls.size(), 1u);
 }
-
-// With the platform's own dialogs. The first one in a process makes the platform start a thread
-// that stays, so one is shown before the host counts.
-class RealDialogsTest : public DialogsTest {
- protected:
-  void SetUp() override {
-    showOne();
-    DialogsTest::SetUp();
-  }
-  static void showOne() {
-    ASSERT_GE(CoInitialize(nullptr), 0);
-    IFileOpenDialog* dialog = nullptr;
-    ASSERT_EQ(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_ALL, IID_IFileOpenDialog,
-                               reinterpret_cast<void**>(&dialog)),
-              S_OK);
-    {
-      const DialogDriver driver(DialogDriver::cancel);
-      EXPECT_EQ(dialog->Show(nullptr), kCancelled);
-    }
-    dialog->Release();
-    CoUninitialize();
-  }
-};
 
 TEST_F(RealDialogsTest, TheAnswerIsWhatTheUserTyped) {
   const Host::PageReference function = host().page.makeFunction("callback");

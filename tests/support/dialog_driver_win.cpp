@@ -133,4 +133,31 @@ int DialogDriver::select(HWND dialog, const std::wstring& name) {
   return selected;
 }
 
+namespace {
+constexpr UINT kRunMessage = WM_APP;
+}
+
+PageTask::PageTask(std::function<void()> function)
+    : function_(std::move(function)),
+      window_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
+                              nullptr)) {
+  EXPECT_NE(window_, nullptr);
+  SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(windowProc));
+}
+
+PageTask::~PageTask() {
+  DestroyWindow(window_);
+}
+
+void PageTask::run() const {
+  SendMessageW(window_, kRunMessage, 0, 0);
+}
+
+LRESULT CALLBACK PageTask::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message != kRunMessage) return DefWindowProcW(window, message, wParam, lParam);
+  reinterpret_cast<PageTask*>(GetWindowLongPtrW(window, GWLP_USERDATA))->function_();
+  return 0;
+}
+
 }  // namespace Vantrel::Web::TestSupport

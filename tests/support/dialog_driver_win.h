@@ -48,4 +48,23 @@ class DialogDriver {
   bool found_ = false;
 };
 
+// What the page does while the user looks at a dialog: a function that the driver lets the dialog's
+// thread run, in the middle of the dialog's message loop. Made by the dialog's thread.
+class PageTask {
+ public:
+  explicit PageTask(std::function<void()> function);
+  ~PageTask();
+  PageTask(const PageTask&) = delete;
+  PageTask& operator=(const PageTask&) = delete;
+
+  // For the driver's thread; returns when the function has.
+  void run() const;
+
+ private:
+  static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+  const std::function<void()> function_;
+  HWND window_ = nullptr;
+};
+
 }  // namespace Vantrel::Web::TestSupport

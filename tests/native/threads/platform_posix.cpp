@@ -8,4 +8,11 @@ int32_t initializeThreadCom() {
 
 void uninitializeThreadCom() {}
 
+// A test program is never unloaded.
+bool holdModule() {
+  return false;
+}
+
+void releaseModuleLater() {}
+
 }  // namespace Vantrel::Web
