@@ -10,6 +10,7 @@ constexpr GUID kTypeLibraryId = {
     0x36B9C4ED, 0x8E71, 0x46A7, {0x82, 0x27, 0x8F, 0xBD, 0x96, 0x2E, 0xD1, 0x69}};
 constexpr unsigned short kTypeLibraryMajor = 2;
 constexpr unsigned short kTypeLibraryMinor = 8;
+constexpr unsigned long kTypeLibraryLocale = 1033;
 
 constexpr GUID kDispatchInterfaceId = {
     0xF0D8624E, 0x30EE, 0x422E, {0xAB, 0xD8, 0xC3, 0xE9, 0x7A, 0xB6, 0x04, 0xBC}};
@@ -22,5 +23,9 @@ constexpr GUID kPropertyPageClassId = {
 
 constexpr wchar_t kControlProgId[] = L"Orvane.OrvaneWebCtrl.1";
 constexpr wchar_t kPropertyPageProgId[] = L"Orvane.OrvaneWebPropPage.1";
+
+// What a container learns of the control before it makes one: OLEMISC_RECOMPOSEONRESIZE,
+// CANTLINKINSIDE, INSIDEOUT, ACTIVATEWHENVISIBLE and SETCLIENTSITEFIRST.
+constexpr unsigned long kControlMiscStatus = 0x20191;
 
 }  // namespace Vantrel::Web::ActiveX
