@@ -1,0 +1,108 @@
+// Drops on the element, by calls of its window's target.
+#include <gmock/gmock.h>
+
+#include <optional>
+
+#include "tests/plugin/drop_fixture.h"
+
+namespace Vantrel::Web {
+namespace {
+
+using testing::ElementsAre;
+
+TEST_F(DropTest, WithoutADropModeNothingIsTakenOrAskedFor) {
+  Instance instance(host(), {{"drop-allow-multiple", "true"}});
+  setWindow(instance);
+  EXPECT_EQ(drop({"a.txt"}), S_OK);
+  EXPECT_EQ(asked_, 0);
+  EXPECT_FALSE(isApproved(instance, "a.txt"));
+}
+
+TEST_F(DropTest, ACallbackDropTellsTheHandlerAndApproves) {
+  Instance instance(host(), {{"drop-mode", "callback"}});
+  setWindow(instance);
+  const Host::PageReference handler = host().page.makeFunction("handler");
+  instance.set("eventHandler", handler.value());
+  EXPECT_EQ(drop({"ö.txt"}), S_OK);
+  ASSERT_EQ(handler->calls.size(), 2u);
+  EXPECT_THAT(handler->calls[0].arguments,
+              ElementsAre(text("drop"), text("[\"" + doubled(path("ö.txt")) + "\"]")));
+  EXPECT_EQ(handler->calls[1].arguments.at(0), text("dropex"));
+  EXPECT_THAT(handler->calls[1].arguments.at(1).text,
+              testing::HasSubstr("\"name\":\"" + doubled(path("ö.txt")) +
+                                 R"(","size":5,"type":"text/plain"}]}})"));
+  EXPECT_TRUE(isApproved(instance, "ö.txt"));
+  target().DragOver(0, {}, nullptr);
+  target().DragLeave();
+  ASSERT_EQ(handler->calls.size(), 4u);
+  EXPECT_THAT(handler->calls[2].arguments, ElementsAre(text("dragover"), text("")));
+  EXPECT_THAT(handler->calls[3].arguments, ElementsAre(text("dragleave"), text("")));
+  instance.set("eventHandler", Value::null());
+}
+
+TEST_F(DropTest, ASecondItemThatIsNotAllowedMakesTheWholeDropNothing) {
+  Instance instance(host(), {{"drop-mode", "callback"}});
+  setWindow(instance);
+  EXPECT_EQ(drop({"a.txt", "ö.txt"}), S_OK);
+  EXPECT_FALSE(isApproved(instance, "a.txt"));
+  EXPECT_FALSE(isApproved(instance, "ö.txt"));
+}
+
+TEST_F(DropTest, ADirectoryThatIsNotAllowedIsLeftOut) {
+  Instance instance(host(), {{"drop-mode", "callback"}, {"drop-allow-multiple", "true"}});
+  setWindow(instance);
+  const Host::PageReference handler = host().page.makeFunction("handler");
+  instance.set("eventHandler", handler.value());
+  EXPECT_EQ(drop({"sub", "gone.txt", "a.txt"}), S_OK);
+  ASSERT_EQ(handler->calls.size(), 2u);
+  EXPECT_EQ(handler->calls[0].arguments.at(1), text("[\"" + doubled(path("a.txt")) + "\"]"));
+  EXPECT_TRUE(logHas("ERR stat failed for file " + path("gone.txt") + "\r\n"));
+  EXPECT_EQ(drop({"sub"}), S_OK);
+  EXPECT_EQ(handler->calls.size(), 2u);
+  instance.set("eventHandler", Value::null());
+}
+
+TEST_F(DropTest, AnAllowedDirectoryIsTold) {
+  Instance instance(host(), {{"drop-mode", "callback"}, {"drop-allow-directories", "true"}});
+  setWindow(instance);
+  const Host::PageReference handler = host().page.makeFunction("handler");
+  instance.set("eventHandler", handler.value());
+  EXPECT_EQ(drop({"sub"}), S_OK);
+  ASSERT_EQ(handler->calls.size(), 2u);
+  EXPECT_THAT(handler->calls[1].arguments.at(1).text,
+              testing::HasSubstr(R"("size":0,"type":"text/directory")"));
+  instance.set("eventHandler", Value::null());
+}
+
+TEST_F(DropTest, WhatIsNoFilesOrNoDropIsInvalid) {
+  Instance instance(host(), {{"drop-mode", "callback"}});
+  setWindow(instance);
+  DWORD effect = 0;
+  FileList nothing({});
+  EXPECT_EQ(target().Drop(nullptr, 0, {}, &effect), E_INVALIDARG);
+  EXPECT_EQ(target().Drop(&nothing, 0, {}, nullptr), E_INVALIDARG);
+  EXPECT_EQ(target().Drop(&nothing, 0, {}, &effect), E_INVALIDARG);
+}
+
+TEST_F(DropTest, ATargetThatOutlivesItsViewAnswersAndDoesNothing) {
+  std::optional<Instance> instance(std::in_place, host(),
+                                   std::vector<Host::Parameter>{{"drop-mode", "callback"}});
+  setWindow(*instance);
+  IDropTarget* const kept = &target();
+  void* same = nullptr;
+  ASSERT_EQ(kept->QueryInterface(IID_IDropTarget, &same), S_OK);
+  EXPECT_EQ(same, kept);
+  EXPECT_EQ(kept->QueryInterface(IID_IDataObject, &same), E_NOINTERFACE);
+  EXPECT_EQ(same, nullptr);
+  EXPECT_EQ(kept->QueryInterface(IID_IDropTarget, nullptr), E_POINTER);
+  instance.reset();
+  FileList list({toWide(path("a.txt"))});
+  DWORD effect = 0;
+  EXPECT_EQ(kept->Drop(&list, 0, {}, &effect), S_OK);
+  EXPECT_EQ(kept->DragOver(0, {}, &effect), S_OK);
+  EXPECT_EQ(list.asked, 0);
+  kept->Release();
+}
+
+}  // namespace
+}  // namespace Vantrel::Web
