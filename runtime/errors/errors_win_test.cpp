@@ -8,6 +8,7 @@
 #include <string>
 
 #include "runtime/ov_errors.h"
+#include "tests/support/runtime/real_call_win.h"
 
 namespace {
 
@@ -24,9 +25,8 @@ DWORD WINAPI testFormatMessageW(DWORD flags, LPCVOID source, DWORD id, DWORD lan
     SetLastError(static_cast<DWORD>(format_error));
     return 0;
   }
-  const auto format = reinterpret_cast<decltype(&FormatMessageW)>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "FormatMessageW")));
-  return format(flags, source, id, language, buffer, size, arguments);
+  return ov::real_call<decltype(&FormatMessageW)>(L"kernel32.dll", "FormatMessageW")(
+      flags, source, id, language, buffer, size, arguments);
 }
 
 }  // namespace

@@ -20,13 +20,13 @@
 #include "runtime/ov_strings.h"
 #include "tests/support/runtime/captured_log.h"
 #include "tests/support/runtime/temp_folder.h"
-#include "tests/support/runtime/unreplaced_call_win.h"
+#include "tests/support/runtime/real_call_win.h"
 
 namespace {
 
 using Lines = std::vector<std::string>;
 using ov::TempFolder;
-using ov::unreplaced_call;
+using ov::real_call;
 
 // What the replaced calls do, and what they have seen.
 struct Platform {
@@ -61,7 +61,7 @@ std::string narrow(const wchar_t* text) {
 
 HMODULE WINAPI testLoadLibraryW(LPCWSTR name) {
   static const auto load =
-      unreplaced_call<decltype(&LoadLibraryW)>(L"kernel32.dll", "LoadLibraryW");
+      real_call<decltype(&LoadLibraryW)>(L"kernel32.dll", "LoadLibraryW");
   platform.libraries.push_back(narrow(name));
   if (platform.allLibrariesMissing || platform.libraries.back() == platform.missingLibrary) {
     SetLastError(ERROR_MOD_NOT_FOUND);
@@ -73,7 +73,7 @@ HMODULE WINAPI testLoadLibraryW(LPCWSTR name) {
 }
 
 BOOL WINAPI testFreeLibrary(HMODULE module) {
-  static const auto free = unreplaced_call<decltype(&FreeLibrary)>(L"kernel32.dll", "FreeLibrary");
+  static const auto free = real_call<decltype(&FreeLibrary)>(L"kernel32.dll", "FreeLibrary");
   ++platform.freed;
   return free(module);
 }
@@ -86,7 +86,7 @@ BOOL WINAPI failingLookUp(HANDLE, DWORD64, DWORD64*, void*) {
 
 FARPROC WINAPI testGetProcAddress(HMODULE module, LPCSTR name) {
   static const auto get =
-      unreplaced_call<decltype(&GetProcAddress)>(L"kernel32.dll", "GetProcAddress");
+      real_call<decltype(&GetProcAddress)>(L"kernel32.dll", "GetProcAddress");
   if (platform.missingSymbol == name) {
     SetLastError(ERROR_PROC_NOT_FOUND);
     return nullptr;
@@ -99,7 +99,7 @@ FARPROC WINAPI testGetProcAddress(HMODULE module, LPCSTR name) {
 
 BOOL WINAPI testGetFileAttributesExW(LPCWSTR path, GET_FILEEX_INFO_LEVELS level, LPVOID data) {
   static const auto get =
-      unreplaced_call<decltype(&GetFileAttributesExW)>(L"kernel32.dll", "GetFileAttributesExW");
+      real_call<decltype(&GetFileAttributesExW)>(L"kernel32.dll", "GetFileAttributesExW");
   const bool local = narrow(path).ends_with(".local");
   return get(local && platform.hasLocalFile ? L"C:\\" : path, level, data);
 }
@@ -117,7 +117,7 @@ int WINAPI testGetSystemMetrics(int index) {
 }
 
 USHORT WINAPI testCaptureStackBackTrace(ULONG skip, ULONG count, PVOID* frames, PULONG hash) {
-  static const auto capture = unreplaced_call<decltype(&RtlCaptureStackBackTrace)>(
+  static const auto capture = real_call<decltype(&RtlCaptureStackBackTrace)>(
       L"ntdll.dll", "RtlCaptureStackBackTrace");
   platform.framesSkipped = static_cast<int>(skip);
   platform.framesAsked = static_cast<int>(count);
@@ -125,7 +125,7 @@ USHORT WINAPI testCaptureStackBackTrace(ULONG skip, ULONG count, PVOID* frames, 
 }
 
 PVOID WINAPI testAddHandler(ULONG first, PVECTORED_EXCEPTION_HANDLER handler) {
-  static const auto add = unreplaced_call<decltype(&AddVectoredExceptionHandler)>(
+  static const auto add = real_call<decltype(&AddVectoredExceptionHandler)>(
       L"kernel32.dll", "AddVectoredExceptionHandler");
   // Ours is the last in the chain; the thread library's own is the first.
   if (first == 0) ++platform.handlersAdded;
@@ -133,7 +133,7 @@ PVOID WINAPI testAddHandler(ULONG first, PVECTORED_EXCEPTION_HANDLER handler) {
 }
 
 ULONG WINAPI testRemoveHandler(PVOID handler) {
-  static const auto remove = unreplaced_call<decltype(&RemoveVectoredExceptionHandler)>(
+  static const auto remove = real_call<decltype(&RemoveVectoredExceptionHandler)>(
       L"kernel32.dll", "RemoveVectoredExceptionHandler");
   ++platform.handlersRemoved;
   return remove(handler);
@@ -141,7 +141,7 @@ ULONG WINAPI testRemoveHandler(PVOID handler) {
 
 BOOL WINAPI testWriteFile(HANDLE file, LPCVOID bytes, DWORD length, LPDWORD written,
                           LPOVERLAPPED overlapped) {
-  static const auto write = unreplaced_call<decltype(&WriteFile)>(L"kernel32.dll", "WriteFile");
+  static const auto write = real_call<decltype(&WriteFile)>(L"kernel32.dll", "WriteFile");
   if (platform.faultsInWrite > 0) {
     --platform.faultsInWrite;
     raise(0xc0000006);
@@ -156,7 +156,7 @@ extern "C" DWORD WINAPI K32GetModuleFileNameExW(HANDLE process, HMODULE module, 
                                                 DWORD size);
 extern "C" DWORD WINAPI K32GetModuleFileNameExW(HANDLE process, HMODULE module, LPWSTR out,
                                                 DWORD size) {
-  static const auto get = unreplaced_call<decltype(&K32GetModuleFileNameExW)>(
+  static const auto get = real_call<decltype(&K32GetModuleFileNameExW)>(
       L"kernel32.dll", "K32GetModuleFileNameExW");
   if (platform.programLength < 0) return get(process, module, out, size);
   if (platform.programLength == 0) return 0;
@@ -186,10 +186,10 @@ namespace {
 class Catcher {
  public:
   Catcher()
-      : handler_(unreplaced_call<decltype(&AddVectoredExceptionHandler)>(
+      : handler_(real_call<decltype(&AddVectoredExceptionHandler)>(
             L"kernel32.dll", "AddVectoredExceptionHandler")(0, &handle)) {}
   ~Catcher() {
-    unreplaced_call<decltype(&RemoveVectoredExceptionHandler)>(
+    real_call<decltype(&RemoveVectoredExceptionHandler)>(
         L"kernel32.dll", "RemoveVectoredExceptionHandler")(handler_);
   }
   Catcher(const Catcher&) = delete;

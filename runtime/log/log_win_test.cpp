@@ -15,6 +15,7 @@
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "tests/support/runtime/temp_folder.h"
+#include "tests/support/runtime/real_call_win.h"
 
 namespace {
 
@@ -37,8 +38,7 @@ bool fails(int error) {
 
 template <typename Function>
 Function real(const char* name) {
-  return reinterpret_cast<Function>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name)));
+  return ov::real_call<Function>(L"kernel32.dll", name);
 }
 
 BOOL WINAPI testWriteFile(HANDLE file, LPCVOID bytes, DWORD length, LPDWORD written,

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "runtime/ov_paths.h"
+#include "tests/support/runtime/real_call_win.h"
 
 namespace {
 
@@ -62,9 +63,8 @@ DWORD WINAPI expandStrings(LPCWSTR from, LPWSTR to, DWORD size) {
     SetLastError(faults.expand);
     return 0;
   }
-  const auto real = reinterpret_cast<decltype(&ExpandEnvironmentStringsW)>(reinterpret_cast<void*>(
-      GetProcAddress(GetModuleHandleW(L"kernel32"), "ExpandEnvironmentStringsW")));
-  return real(from, to, size);
+  return ov::real_call<decltype(&ExpandEnvironmentStringsW)>(
+      L"kernel32.dll", "ExpandEnvironmentStringsW")(from, to, size);
 }
 
 }  // namespace

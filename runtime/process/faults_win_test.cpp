@@ -11,7 +11,7 @@
 #include "tests/support/runtime/captured_log.h"
 #include "tests/support/runtime/real_call_win.h"
 #include "tests/support/runtime/temp_folder.h"
-#include "tests/support/runtime/unreplaced_call_win.h"
+#include "tests/support/runtime/real_call_win.h"
 
 namespace {
 
@@ -76,20 +76,20 @@ void WINAPI getStartupInfo(LPSTARTUPINFOW startup) {
   if (faults.ownStartup != nullptr) {
     *startup = *faults.ownStartup;
   } else {
-    ov::unreplaced_call<decltype(&GetStartupInfoW)>(L"kernel32.dll", "GetStartupInfoW")(startup);
+    ov::real_call<decltype(&GetStartupInfoW)>(L"kernel32.dll", "GetStartupInfoW")(startup);
   }
 }
 
 HANDLE WINAPI createFile(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes,
                          DWORD disposition, DWORD flags, HANDLE sample) {
   faults.mode = GetThreadErrorMode();
-  return ov::unreplaced_call<decltype(&CreateFileW)>(L"kernel32.dll", "CreateFileW")(
+  return ov::real_call<decltype(&CreateFileW)>(L"kernel32.dll", "CreateFileW")(
       path, access, share, attributes, disposition, flags, sample);
 }
 
 HMODULE WINAPI loadLibrary(LPCWSTR path) {
   faults.mode = GetThreadErrorMode();
-  return ov::unreplaced_call<decltype(&LoadLibraryW)>(L"kernel32.dll", "LoadLibraryW")(path);
+  return ov::real_call<decltype(&LoadLibraryW)>(L"kernel32.dll", "LoadLibraryW")(path);
 }
 
 }  // namespace

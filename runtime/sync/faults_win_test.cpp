@@ -9,7 +9,7 @@
 
 #include "runtime/ov_threads.h"
 #include "tests/support/runtime/captured_log.h"
-#include "tests/support/runtime/unreplaced_call_win.h"
+#include "tests/support/runtime/real_call_win.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ HANDLE WINAPI createMutex(LPSECURITY_ATTRIBUTES, BOOL owned, LPCWSTR) {
 }
 
 BOOL WINAPI releaseMutex(HANDLE mutex) {
-  const auto real = ov::unreplaced_call<decltype(&ReleaseMutex)>(L"kernel32.dll", "ReleaseMutex");
+  const auto real = ov::real_call<decltype(&ReleaseMutex)>(L"kernel32.dll", "ReleaseMutex");
   if (faults.releaseMutex != 0) return fail(faults.releaseMutex) != nullptr ? TRUE : FALSE;
   return real(mutex);
 }
@@ -60,7 +60,7 @@ HANDLE WINAPI createEvent(LPSECURITY_ATTRIBUTES, BOOL, BOOL, LPCWSTR) {
 HANDLE WINAPI createThread(LPSECURITY_ATTRIBUTES attributes, SIZE_T stack,
                            LPTHREAD_START_ROUTINE function, LPVOID argument, DWORD flags,
                            LPDWORD id) {
-  const auto real = ov::unreplaced_call<decltype(&CreateThread)>(L"kernel32.dll", "CreateThread");
+  const auto real = ov::real_call<decltype(&CreateThread)>(L"kernel32.dll", "CreateThread");
   if (faults.createThread != 0) return fail(faults.createThread);
   const HANDLE thread = real(attributes, stack, function, argument, flags, id);
   if ((flags & CREATE_SUSPENDED) == 0) WaitForSingleObjectEx(thread, INFINITE, FALSE);
@@ -68,14 +68,14 @@ HANDLE WINAPI createThread(LPSECURITY_ATTRIBUTES attributes, SIZE_T stack,
 }
 
 DWORD WINAPI resumeThread(HANDLE thread) {
-  const auto real = ov::unreplaced_call<decltype(&ResumeThread)>(L"kernel32.dll", "ResumeThread");
+  const auto real = ov::real_call<decltype(&ResumeThread)>(L"kernel32.dll", "ResumeThread");
   if (faults.resumeThread == 0) return real(thread);
   fail(faults.resumeThread);
   return ~DWORD{0};
 }
 
 BOOL WINAPI closeHandle(HANDLE handle) {
-  const auto real = ov::unreplaced_call<decltype(&CloseHandle)>(L"kernel32.dll", "CloseHandle");
+  const auto real = ov::real_call<decltype(&CloseHandle)>(L"kernel32.dll", "CloseHandle");
   if (faults.closeHandle != 0) return fail(faults.closeHandle) != nullptr ? TRUE : FALSE;
   ++faults.closed;
   return real(handle);
@@ -89,7 +89,7 @@ DWORD WINAPI waitForSingleObject(HANDLE handle, DWORD milliseconds) {
 
 DWORD WINAPI signalObjectAndWait(HANDLE signal, HANDLE wait, DWORD milliseconds, BOOL alertable) {
   const auto real =
-      ov::unreplaced_call<decltype(&SignalObjectAndWait)>(L"kernel32.dll", "SignalObjectAndWait");
+      ov::real_call<decltype(&SignalObjectAndWait)>(L"kernel32.dll", "SignalObjectAndWait");
   if (faults.signalAndWait == WAIT_OBJECT_0) return real(signal, wait, milliseconds, alertable);
   ReleaseMutex(signal);
   return faults.signalAndWait;

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <new>
 
-#include "tests/support/runtime/unreplaced_call_win.h"
+#include "tests/support/runtime/real_call_win.h"
 
 namespace ov::torture {
 
@@ -64,7 +64,7 @@ struct Replaced<Result (*)(Arguments...), Call> {
     // No guarded static: the thread library makes such calls in the midst of its own guards.
     Function function = real.load();
     if (function == nullptr)
-      real.store(function = unreplaced_call<Function>(Call::kModule, Call::kName));
+      real.store(function = real_call<Function>(Call::kModule, Call::kName));
     return function(arguments...);
   }
 };
@@ -149,7 +149,7 @@ inline BOOL WINAPI flush(HANDLE) {
 inline std::atomic<int> bad_closes = 0;
 
 inline BOOL WINAPI close_handle(HANDLE handle) {
-  const auto close = unreplaced_call<decltype(&CloseHandle)>(L"kernel32.dll", "CloseHandle");
+  const auto close = real_call<decltype(&CloseHandle)>(L"kernel32.dll", "CloseHandle");
   const BOOL closed = close(handle);
   if (!closed) ++bad_closes;
   return closed;
