@@ -2,9 +2,9 @@
 # Checks the C++ sources by .clang-tidy; what has passed is not read again until it, a header or the
 # settings change.
 #
-# What ships is read by clang-tidy, with its headers and all checks. Tests and tools are read by
-# clangd, which makes the same checks for the file itself only, those of clang's analyzer excepted:
-# clang-tidy would search the headers of GoogleTest and Qt as well, half a minute for each file.
+# What ships is read by clang-tidy, with its headers and all checks. Tests, tools and benches are
+# read by clangd, which makes the same checks for the file itself only, those of clang's analyzer
+# excepted: clang-tidy would search the headers of GoogleTest and Qt as well, half a minute a file.
 # usage: tidy.sh    (needs build/host, build/windows and, for tools/engine, build/engine configured)
 set -eu
 cd "$(dirname "$0")/.."
@@ -40,7 +40,7 @@ if [ "${1:-}" = --one ]; then
   build=$(build_of "$source")
   grep -q "/$source\"" "$stamps/$build/compile_commands.json" || exit 0
   case $source in
-    tests/*|tools/*|*_test.cpp|*_test_win.cpp) found=$(read_by_clangd "$source" "$build" "$stamps/$hash") ;;
+    tests/*|tools/*|bench/*|*_test.cpp|*_test_win.cpp) found=$(read_by_clangd "$source" "$build" "$stamps/$hash") ;;
     *) found=$(read_by_clang_tidy "$source" "$build") && found= ;;
   esac
   [ -z "$found" ] || { echo "$found"; exit 1; }
@@ -65,4 +65,4 @@ for build in host windows engine; do
 done
 common=$({ cat "$0" .clangd; git ls-files -z -- '*.h' '.clang-tidy' '**/.clang-tidy' | xargs -0 cat; } |
   sha256sum | cut -c1-16)
-git ls-files -z -- '*.cpp' ':!bench' | xargs -0 -n 1 -P "${OV_TIDY_JOBS:-$(nproc)}" "$0" --one "$common"
+git ls-files -z -- '*.cpp' | xargs -0 -n 1 -P "${OV_TIDY_JOBS:-$(nproc)}" "$0" --one "$common"
