@@ -25,8 +25,8 @@
 namespace {
 
 using Lines = std::vector<std::string>;
-using ov::TempFolder;
 using ov::real_call;
+using ov::TempFolder;
 
 // What the replaced calls do, and what they have seen.
 struct Platform {
@@ -60,8 +60,7 @@ std::string narrow(const wchar_t* text) {
 }
 
 HMODULE WINAPI testLoadLibraryW(LPCWSTR name) {
-  static const auto load =
-      real_call<decltype(&LoadLibraryW)>(L"kernel32.dll", "LoadLibraryW");
+  static const auto load = real_call<decltype(&LoadLibraryW)>(L"kernel32.dll", "LoadLibraryW");
   platform.libraries.push_back(narrow(name));
   if (platform.allLibrariesMissing || platform.libraries.back() == platform.missingLibrary) {
     SetLastError(ERROR_MOD_NOT_FOUND);
@@ -85,8 +84,7 @@ BOOL WINAPI failingLookUp(HANDLE, DWORD64, DWORD64*, void*) {
 }
 
 FARPROC WINAPI testGetProcAddress(HMODULE module, LPCSTR name) {
-  static const auto get =
-      real_call<decltype(&GetProcAddress)>(L"kernel32.dll", "GetProcAddress");
+  static const auto get = real_call<decltype(&GetProcAddress)>(L"kernel32.dll", "GetProcAddress");
   if (platform.missingSymbol == name) {
     SetLastError(ERROR_PROC_NOT_FOUND);
     return nullptr;
@@ -117,8 +115,8 @@ int WINAPI testGetSystemMetrics(int index) {
 }
 
 USHORT WINAPI testCaptureStackBackTrace(ULONG skip, ULONG count, PVOID* frames, PULONG hash) {
-  static const auto capture = real_call<decltype(&RtlCaptureStackBackTrace)>(
-      L"ntdll.dll", "RtlCaptureStackBackTrace");
+  static const auto capture =
+      real_call<decltype(&RtlCaptureStackBackTrace)>(L"ntdll.dll", "RtlCaptureStackBackTrace");
   platform.framesSkipped = static_cast<int>(skip);
   platform.framesAsked = static_cast<int>(count);
   return capture(skip, count, frames, hash);
@@ -156,8 +154,8 @@ extern "C" DWORD WINAPI K32GetModuleFileNameExW(HANDLE process, HMODULE module, 
                                                 DWORD size);
 extern "C" DWORD WINAPI K32GetModuleFileNameExW(HANDLE process, HMODULE module, LPWSTR out,
                                                 DWORD size) {
-  static const auto get = real_call<decltype(&K32GetModuleFileNameExW)>(
-      L"kernel32.dll", "K32GetModuleFileNameExW");
+  static const auto get =
+      real_call<decltype(&K32GetModuleFileNameExW)>(L"kernel32.dll", "K32GetModuleFileNameExW");
   if (platform.programLength < 0) return get(process, module, out, size);
   if (platform.programLength == 0) return 0;
   const auto rest = static_cast<size_t>(platform.programLength) - 3;

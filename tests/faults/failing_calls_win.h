@@ -63,8 +63,7 @@ struct Replaced<Result (*)(Arguments...), Call> {
     if (fails(Call::kName)) return static_cast<Result>(Call::fail());
     // No guarded static: the thread library makes such calls in the midst of its own guards.
     Function function = real.load();
-    if (function == nullptr)
-      real.store(function = real_call<Function>(Call::kModule, Call::kName));
+    if (function == nullptr) real.store(function = real_call<Function>(Call::kModule, Call::kName));
     return function(arguments...);
   }
 };
