@@ -46,6 +46,7 @@ struct ServedClass {
 
 constexpr ServedClass kClasses[] = {
     {kControlClassId, createControl},
+    {kPropertyPageClassId, createPropertyPage},
 };
 
 }  // namespace

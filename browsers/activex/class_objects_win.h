@@ -11,5 +11,6 @@ namespace Vantrel::Web::ActiveX {
 using CreateObject = HRESULT (*)(IUnknown* outer, REFIID id, void** object);
 
 HRESULT createControl(IUnknown* outer, REFIID id, void** object);
+HRESULT createPropertyPage(IUnknown* outer, REFIID id, void** object);
 
 }  // namespace Vantrel::Web::ActiveX
