@@ -64,8 +64,7 @@ int waitForConnection(SOCKET socket, const std::atomic<bool>& giveUp) {
 }
 
 // A blocking connect cannot be ended from outside without closing its socket, so that one which
-// must end is made without blocking. One that hangs takes a network that swallows packets, which no
-// test has: the tests go through here, but see no attempt given up.
+// must end is made without blocking.
 int connectUntil(SOCKET socket, const sockaddr_in& target, const std::atomic<bool>& giveUp) {
   u_long nonBlocking = 1;
   ioctlsocket(socket, kNonBlockingCommand, &nonBlocking);

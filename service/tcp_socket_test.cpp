@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <future>
 #include <string>
 #include <thread>
 
@@ -108,6 +109,28 @@ TEST_F(TcpSocketTest, ClosedSocketFailsSilently) {
   EXPECT_EQ(socket.recv(buffer, 1), -1);
   EXPECT_EQ(socket.send(buffer, 1), -1);
   EXPECT_EQ(log_.text(), "");
+}
+
+// The queue of a server that accepts nobody is full after a connection or two; one more waits.
+TEST_F(TcpSocketTest, ConnectionThatNobodyAcceptsIsGivenUpWhenBroken) {
+  using namespace std::chrono_literals;
+  const TestSocket busy = TestSocket::listenLoopback(0, 0);
+  for (int i = 0; i < 10; ++i) {
+    SocketBreaker breaker;
+    TcpSocket socket;
+    std::future<int32_t> connecting = std::async(std::launch::async, [&] {
+      return socket.connect("127.0.0.1", busy.localPort(), {.breaker = &breaker});
+    });
+    if (connecting.wait_for(500ms) == std::future_status::ready) {
+      ASSERT_EQ(connecting.get(), 0);
+      continue;  // its end is in the queue still
+    }
+    breaker.breakNow();
+    EXPECT_NE(connecting.get(), 0);
+    EXPECT_EQ(log_.text(), "");
+    return;
+  }
+  FAIL() << "no connection waited";
 }
 
 TEST_F(TcpSocketTest, DestructorClosesTheConnection) {

@@ -16,8 +16,9 @@ class TestSocket {
   TestSocket(TestSocket&& other) noexcept : handle(other.handle) { other.handle = kClosed; }
   TestSocket& operator=(TestSocket&& other) noexcept;
 
-  // A socket that listens on 127.0.0.1; port 0 takes a free one. Throws std::runtime_error.
-  static TestSocket listenLoopback(uint16_t port);
+  // A socket that listens on 127.0.0.1; port 0 takes a free one. Behind a short queue of
+  // connections that nobody accepts others wait. Throws std::runtime_error.
+  static TestSocket listenLoopback(uint16_t port, int queue = kLongQueue);
   // A connection to 127.0.0.1; closed if it failed.
   static TestSocket connectLoopback(uint16_t port);
   bool isOpen() const { return handle != kClosed; }
@@ -37,6 +38,7 @@ class TestSocket {
 
  private:
   static constexpr uint64_t kClosed = ~uint64_t{0};
+  static constexpr int kLongQueue = 0x7FFFFFFF;  // as long as the platform allows
 
   uint64_t handle = kClosed;
 };

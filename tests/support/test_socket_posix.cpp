@@ -37,14 +37,14 @@ TestSocket& TestSocket::operator=(TestSocket&& other) noexcept {
   return *this;
 }
 
-TestSocket TestSocket::listenLoopback(uint16_t port) {
+TestSocket TestSocket::listenLoopback(uint16_t port, int queue) {
   TestSocket listener(static_cast<uint64_t>(socket(AF_INET, SOCK_STREAM, 0)));
   const sockaddr_in address = loopback(port);
   const int on = 1;
   setsockopt(descriptor(listener.handle), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
   if (bind(descriptor(listener.handle), reinterpret_cast<const sockaddr*>(&address),
            sizeof address) != 0 ||
-      listen(descriptor(listener.handle), SOMAXCONN) != 0) {
+      listen(descriptor(listener.handle), queue) != 0) {
     throw std::runtime_error("test server: no port to listen on");
   }
   return listener;

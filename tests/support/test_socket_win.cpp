@@ -39,11 +39,11 @@ TestSocket& TestSocket::operator=(TestSocket&& other) noexcept {
   return *this;
 }
 
-TestSocket TestSocket::listenLoopback(uint16_t port) {
+TestSocket TestSocket::listenLoopback(uint16_t port, int queue) {
   TestSocket listener(newSocket());
   const sockaddr_in address = loopback(port);
   if (bind(listener.handle, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-      listen(listener.handle, SOMAXCONN) != 0) {
+      listen(listener.handle, queue) != 0) {
     throw std::runtime_error("test server: no port to listen on");
   }
   return listener;
