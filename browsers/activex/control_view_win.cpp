@@ -1,66 +1,21 @@
-#include "browsers/activex/ole_control_win.h"
+// What the control paints: its picture, and nothing without one or outside a page that takes drops.
+
 #include "browsers/activex/orvane_web_ctrl_win.h"
 #include "runtime/ov_log.h"
 
 namespace Vantrel::Web::ActiveX {
 
-HRESULT STDMETHODCALLTYPE ViewPart::Draw(DWORD, LONG, void*, DVTARGETDEVICE*, HDC, HDC, LPCRECTL,
-                                         LPCRECTL, WINBOOL(CALLBACK*)(ULONG_PTR), ULONG_PTR) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::GetColorSet(DWORD, LONG, void*, DVTARGETDEVICE*, HDC,
-                                                LOGPALETTE**) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::Freeze(DWORD, LONG, void*, DWORD*) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::Unfreeze(DWORD) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::SetAdvise(DWORD, DWORD, IAdviseSink*) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::GetAdvise(DWORD*, DWORD*, IAdviseSink**) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::GetExtent(DWORD, LONG, DVTARGETDEVICE*, LPSIZEL) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::GetRect(DWORD, LPRECTL) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::GetViewStatus(DWORD*) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::QueryHitPoint(DWORD, LPCRECT, POINT, LONG, DWORD*) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::QueryHitRect(DWORD, LPCRECT, LPCRECT, LONG, DWORD*) {
-  return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ViewPart::GetNaturalExtent(DWORD, LONG, DVTARGETDEVICE*, HDC,
-                                                     DVEXTENTINFO*, LPSIZEL) {
-  return E_NOTIMPL;
-}
-
-void COrvaneWebCtrl::onDraw(HDC, const RECT&) {
+void COrvaneWebCtrl::onDraw(HDC dc, const RECT& bounds) {
   OV_DEBUG("COrvaneWebCtrl::OnDraw()");
+  if (dc == nullptr || dropMode_ == DropMode::kNone || !image_) return;
+  FillRect(dc, &bounds, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+  image_->draw(dc, bounds);
 }
 
-void COrvaneWebCtrl::onCreate(CREATESTRUCTW&) {
+void COrvaneWebCtrl::onCreate(CREATESTRUCTW& create) {
   OV_DEBUG("COrvaneWebCtrl::OnCreate()");
+  // What lies behind shows through.
+  if (!image_) create.dwExStyle |= WS_EX_TRANSPARENT;
 }
 
 }  // namespace Vantrel::Web::ActiveX

@@ -54,10 +54,20 @@ class OleControl {
   virtual void onDraw(HDC dc, const RECT& bounds) = 0;
   // The window is about to be made.
   virtual void onCreate(CREATESTRUCTW& create) = 0;
+  // How large the container wants the control, in hundredths of a millimetre.
+  const SIZEL& extent() const { return extent_; }
+  void setExtent(const SIZEL& extent) { extent_ = extent; }
+  // Where a control that is active without a window is in its container's one; null for any other.
+  virtual const RECT* windowlessPlace() const { return nullptr; }
+  // The picture has changed. The container hears of it, and may end the control.
+  void viewChanged() { view_.sendViewChange(); }
   // The control's own interfaces: one reference, or null.
   virtual void* findInterface(REFIID id) = 0;
 
  private:
+  // 100 by 50 points of a screen with 96 to the inch, until a container says otherwise.
+  static constexpr SIZEL kFirstExtent = {2646, 1323};
+
   class Inner final : public ComBase<IUnknown> {
    public:
     explicit Inner(OleControl& control) : control_(control) {}
@@ -75,6 +85,7 @@ class OleControl {
   const ModuleReference moduleReference_;
   Inner inner_;
   IUnknown* const outer_;  // no reference: the aggregate owns this part of it
+  SIZEL extent_ = kFirstExtent;
   ViewPart view_;
 };
 

@@ -25,6 +25,7 @@ void COrvaneWebCtrl::teardown() noexcept {
     if (core_ && core_->getTransfersPoller() != nullptr) {
       core_->getTransfersPoller()->removeListener(this);
     }
+    downloader_.reset();
     image_.reset();
     core_.reset();
     if (oneShotManager_) RunnableScheduler::stopRunnables(oneShotManager_.get());

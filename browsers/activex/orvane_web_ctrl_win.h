@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "browsers/activex/ole_control_win.h"
+#include "browsers/activex/url_download_win.h"
 #include "browsers/shared/drop_target_win.h"
 #include "browsers/shared/element_parameters.h"
 #include "browsers/shared/picture_win.h"
@@ -23,7 +24,10 @@
 
 namespace Vantrel::Web::ActiveX {
 
-class COrvaneWebCtrl final : public OleControl, public DragReceiver, public TransferEventListener {
+class COrvaneWebCtrl final : public OleControl,
+                             public DragReceiver,
+                             public IUrlDownloadDelegate,
+                             public TransferEventListener {
  public:
   explicit COrvaneWebCtrl(IUnknown* outer);
   ~COrvaneWebCtrl() override;
@@ -43,6 +47,13 @@ class COrvaneWebCtrl final : public OleControl, public DragReceiver, public Tran
   void dragOver() override {}
   void dragLeave() override {}
   HRESULT drop(IDataObject* data, const DWORD* effect) override;
+
+  // Fetches the element's picture while the caller waits. Messages come through meanwhile: the
+  // control may be gone afterwards.
+  void loadPlugInImage();
+  void didCompleteDownload(CUrlDownload* download, IXMLHTTPRequest* request) override;
+  void didFailDownload(CUrlDownload* download, long status) override;
+  void didRejectProtocol(CUrlDownload* download, const Url& url) override;
 
   // Poller's thread: posts the text to the page's handler. Lets no exception out.
   void transferEventOccurred(const std::string& text) override;
@@ -68,6 +79,7 @@ class COrvaneWebCtrl final : public OleControl, public DragReceiver, public Tran
   std::vector<std::wstring> droppedFiles_;  // of the drop in progress
   bool dropPending_ = false;                // a drop waits for its processing
   std::unique_ptr<Picture> image_;
+  std::unique_ptr<CUrlDownload> downloader_;
 };
 
 }  // namespace Vantrel::Web::ActiveX

@@ -1,10 +1,12 @@
-// How a container asks for the control's picture without a window: IViewObject and what follows it.
+// How a container asks for the control's picture without a window: IViewObject and what follows it,
+// and the one sink that it may leave to hear when the picture changes.
 #pragma once
 
 #include <windows.h>
 #include <ocidl.h>
 
 #include "browsers/activex/part_win.h"
+#include "dialogs/dialog_com_win.h"
 
 namespace Vantrel::Web::ActiveX {
 
@@ -34,6 +36,14 @@ class ViewPart final : public Part<IViewObjectEx> {
   HRESULT STDMETHODCALLTYPE GetNaturalExtent(DWORD aspect, LONG index, DVTARGETDEVICE* device,
                                              HDC deviceInfo, DVEXTENTINFO* info,
                                              LPSIZEL size) override;
+
+  // Tells the sink, whose container may do anything then, even end the control.
+  void sendViewChange();
+
+ private:
+  ComPointer<IAdviseSink> sink_;
+  DWORD sinkAspects_ = 0;
+  DWORD sinkFlags_ = 0;
 };
 
 }  // namespace Vantrel::Web::ActiveX

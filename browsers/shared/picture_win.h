@@ -14,6 +14,7 @@ class Picture {
   // Decodes PNG, JPEG, GIF and BMP. What cannot be decoded, or has no room in memory, is a picture
   // that paints nothing.
   Picture(const unsigned char* data, uint32_t length);
+  explicit Picture(IStream& stream) { decode(stream); }
   ~Picture();
   Picture(const Picture&) = delete;
   Picture& operator=(const Picture&) = delete;

@@ -171,7 +171,7 @@ class PropertyFrameTest : public PropertyPageTest {
 };
 
 BOOL CALLBACK takeText(HWND window, LPARAM found) {
-  if (textOf(window) == L"Orvane Web" && IsWindowVisible(window)) {
+  if (textOf(window) == L"Orvane Web" && IsWindowVisible(window) != FALSE) {
     *reinterpret_cast<bool*>(found) = true;
   }
   return TRUE;
