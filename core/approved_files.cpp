@@ -63,7 +63,14 @@ class PathSet {
   size_t count_ = 0;
 };
 
-PathSet approvedFileList;
+// Made by the first approval and never destroyed: while a process ends under a dialog that it
+// shows, the destructors of statics run first. No local static, whose making leaves handles of the
+// C++ runtime behind at an unload.
+PathSet* approvedFileList = nullptr;
+
+bool isApproved(std::string_view path) {
+  return approvedFileList != nullptr && approvedFileList->contains(path);
+}
 
 // `path` must have forward slashes only.
 std::string_view withoutTrailingSlash(std::string_view path) {
@@ -75,18 +82,19 @@ std::string_view withoutTrailingSlash(std::string_view path) {
 }  // namespace
 
 void addToApprovedFileList(const std::vector<std::string>& paths) {
+  if (approvedFileList == nullptr) approvedFileList = new PathSet;
   for (const std::string& path : paths) {
     std::string normal(withoutTrailingSlash(forwardSlashes(path)));
     OV_DEBUG("PlugIn::addToApprovedFileList() - added path to allowed list %s", normal.c_str());
-    approvedFileList.insert(normal);
+    approvedFileList->insert(normal);
   }
 }
 
 bool isFileAllowed(const std::string& path) {
   // Most paths come with forward slashes already.
   const bool found = path.find('\\') == std::string::npos
-                         ? approvedFileList.contains(withoutTrailingSlash(path))
-                         : approvedFileList.contains(withoutTrailingSlash(forwardSlashes(path)));
+                         ? isApproved(withoutTrailingSlash(path))
+                         : isApproved(withoutTrailingSlash(forwardSlashes(path)));
   if (!found) OV_DEBUG("PlugIn::isFileAllowed() - path is not allowed %s", path.c_str());
   return found;
 }

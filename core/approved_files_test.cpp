@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <functional>
 #include <stdexcept>
 
@@ -11,6 +12,20 @@ namespace Vantrel::Web {
 namespace {
 
 using TestSupport::LogRecorder;
+
+// Asks for a path after all other statics of the process have gone, as a dialog may under which the
+// process ends. Made before all of them for that.
+struct LastQuestion {
+  LastQuestion() {}
+  ~LastQuestion() {
+    if (path != nullptr) std::_Exit(isFileAllowed(path) ? kAllowed : kRefused);
+  }
+  static constexpr int kAllowed = 42;
+  static constexpr int kRefused = 43;
+  const char* path = nullptr;
+};
+constexpr int kEarliest = 101;
+__attribute__((init_priority(kEarliest))) LastQuestion lastQuestion;
 
 // The set is one for the process and never shrinks, so every case names files of its own.
 
@@ -101,6 +116,17 @@ TEST(ApprovedFilesTest, LogsTheNormalFormOnAddingAndThePathAsGivenOnARefusal) {
   EXPECT_FALSE(isFileAllowed("C:\\other %n\\"));
   EXPECT_TRUE(log.has("DBG PlugIn::isFileAllowed() - path is not allowed C:\\other %n\\"))
       << log.text();
+}
+
+// Seen by the sanitizer: the memory of a set that is gone is freed.
+TEST(ApprovedFilesDeathTest, ApprovalsOutliveEveryStaticOfTheProcess) {
+  EXPECT_EXIT(
+      {
+        addToApprovedFileList({"C:/to/the/end"});
+        lastQuestion.path = "C:/to/the/end";
+        std::exit(0);
+      },
+      testing::ExitedWithCode(LastQuestion::kAllowed), "");
 }
 
 }  // namespace

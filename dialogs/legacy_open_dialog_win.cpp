@@ -31,11 +31,14 @@ constexpr int kShellList = 1;
 
 constexpr std::wstring_view kShortcutEnd = L"lnk";
 
-// The folder of the last choice in any dialog of the process. Never destroyed, because a dialog may
-// be shown while the library goes.
-std::wstring& lastDirectory() {
-  static auto& directory = *new std::wstring;
-  return directory;
+// The folder of the last choice in any dialog of the process, null before the first. Never
+// destroyed, because a dialog may be shown while the process ends; no local static, whose making
+// leaves handles of the C++ runtime behind at an unload.
+std::wstring* lastDirectory = nullptr;
+
+void rememberDirectory(const wchar_t* folder) {
+  if (lastDirectory == nullptr) lastDirectory = new std::wstring;
+  *lastDirectory = folder;
 }
 
 bool isShortcut(const std::wstring& path) {
@@ -114,7 +117,7 @@ COrvOpenFileDialog::COrvOpenFileDialog(HWND parentWindow, const std::string& tit
     : allowDirectories_(allowDirectories),
       allowFiles_(allowFiles),
       title_(toWide(title)),
-      initialDirectory_(lastDirectory()),
+      initialDirectory_(lastDirectory != nullptr ? *lastDirectory : std::wstring()),
       fileBuffer_(kPathLength) {
   if (const auto filters = parseFileTypes(fileTypes); !filters.empty()) {
     filter_ = commonDialogFilter(filters);
@@ -207,7 +210,7 @@ bool COrvOpenFileDialog::onOk() {
   // The same path for both: nothing is selected. Wine says so also for a folder that is.
   if (std::wcscmp(folder, file) != 0) readSelection(folder);
   if (selection_.empty()) return false;
-  lastDirectory() = folder;
+  rememberDirectory(folder);
   EndDialog(frame_, 1);
   return true;
 }

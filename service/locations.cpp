@@ -25,6 +25,7 @@ constexpr size_t kPathSize = 520;
 
 // Not local to its function: the guard of a local static makes the compiler's thread library keep a
 // record of the first thread that comes by, two handles with it, beyond the unload of the module.
+// Destroyed then: the threads that ask here were joined, and a dialog under way asks nothing.
 ServiceCaches processCaches;
 
 std::string cachedText(std::string ServiceCaches::*member) {
