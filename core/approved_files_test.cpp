@@ -16,7 +16,7 @@ using TestSupport::LogRecorder;
 // Asks for a path after all other statics of the process have gone, as a dialog may under which the
 // process ends. Made before all of them for that.
 struct LastQuestion {
-  LastQuestion() {}
+  LastQuestion() = default;
   ~LastQuestion() {
     if (path != nullptr) std::_Exit(isFileAllowed(path) ? kAllowed : kRefused);
   }

@@ -3,7 +3,6 @@
 #include <ctime>
 #include <string_view>
 
-#include "core/input_file.h"
 #include "core/mime_sniffer.h"
 #include "runtime/ov_log.h"
 #include "text/text.h"
@@ -58,6 +57,10 @@ std::string mimeTypeOf(const std::string& path, const ov_stat& info) {
     ov_err("fopen failed for file %s, error %d", path.c_str(), code);
     return {};
   }
+  return mimeTypeOf(file, info);
+}
+
+std::string mimeTypeOf(InputFile& file, const ov_stat& info) {
   char begin[kSniffedBytes] = {};
   uint32_t count = 0;
   file.read(begin, kSniffedBytes, &count);

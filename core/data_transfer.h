@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/input_file.h"
 #include "runtime/ov_files.h"
 
 namespace Vantrel::Web {
@@ -18,5 +19,8 @@ std::string dataTransferJson(const std::vector<std::string>& paths);
 // playing no part. `info` is the file's record; a file that is empty, cannot be read, or has
 // another size by now has an empty type.
 std::string mimeTypeOf(const std::string& path, const ov_stat& info);
+
+// The same of a file that was just opened and is no directory; it stands behind what was read.
+std::string mimeTypeOf(InputFile& file, const ov_stat& info);
 
 }  // namespace Vantrel::Web

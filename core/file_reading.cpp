@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "core/approved_files.h"
 #include "core/data_transfer.h"
@@ -57,65 +58,98 @@ bool refuseRead(Reading& reading, ov_rc code) {
   return reading.refuse(reading.withPath(kErrorOpeningFile));
 }
 
-// Appends `size` bytes from where the file stands to `result` as base64 text.
-bool appendEncoded(Reading& reading, InputFile& file, uint64_t size, std::string& result) {
+// The length of the text that stands for `size` bytes.
+uint64_t encodedLength(uint64_t size) {
+  return size / 3 * 4 + (size % 3 != 0 ? 4 : 0);
+}
+
+// Writes `size` bytes from where the file stands to `text`, as base64 and with a terminator.
+bool encode(Reading& reading, InputFile& file, uint64_t size, char* text) {
   const auto room = static_cast<uint32_t>(std::min(size, kPiece));
   const auto piece = std::make_unique_for_overwrite<char[]>(room);
-  size_t end = result.size();
-  // One more for the terminator that the encoder writes.
-  result.resize(end + (size + 2) / 3 * 4 + 1);
   for (uint64_t left = size; left > 0;) {
     const auto wanted = static_cast<uint32_t>(std::min(left, kPiece));
+    const size_t length = encodedLength(wanted);
     uint32_t count = 0;
     const ov_rc code = file.read(piece.get(), wanted, &count);
     if (count != wanted) return refuseRead(reading, code);
-    if (ov_str_buf_to_base64(piece.get(), count, result.data() + end, result.size() - end) != 0) {
+    if (ov_str_buf_to_base64(piece.get(), count, text, length + 1) != 0) {
       ov_err("error converting to  base64 %s  ", reading.path.c_str());
       return reading.refuse(kErrorConvertingEncoding);
     }
-    end += (uint64_t{count} + 2) / 3 * 4;
+    text += length;
     left -= count;
   }
-  result.resize(end);
   return true;
 }
 
-std::string readSpan(Reading& reading, uint64_t offset, uint64_t size) {
+bool readSpan(Reading& reading, uint64_t offset, uint64_t size, TextRoom& result) {
   InputFile file;
   if (const ov_rc code = file.open(reading.path)) {
     ov_err("%s file unable to open %d", reading.path.c_str(), code);
-    return reading.withPath(kErrorOpeningFile);
+    return reading.refuse(reading.withPath(kErrorOpeningFile));
   }
-  if (const ov_rc code = offset == 0 ? 0 : file.seek(offset)) {
-    refuseRead(reading, code);
-    return reading.refusal;
-  }
-  std::string result = "data:" + mimeTypeOf(reading.path, reading.info) + ";base64,";
-  return appendEncoded(reading, file, size, result) ? result : reading.refusal;
+  const std::string begin = "data:" + mimeTypeOf(file, reading.info) + ";base64,";
+  if (const ov_rc code = file.seek(offset)) return refuseRead(reading, code);
+  // A file holds no more than 63 bits can count, so the sum does not overflow.
+  char* const text = result.take(begin.size() + encodedLength(size));
+  return encode(reading, file, size, begin.copy(text, begin.size()) + text);
 }
+
+// Puts the refusal in place of what was built.
+void finish(const Reading& reading, bool read, TextRoom& result) {
+  if (read) return;
+  reading.refusal.copy(result.take(reading.refusal.size()), reading.refusal.size());
+}
+
+class StringRoom final : public TextRoom {
+ public:
+  char* take(size_t length) override {
+    text.resize(length);
+    return text.data();
+  }
+
+  std::string text;
+};
 
 }  // namespace
 
-std::string readAsArrayBuffer(const std::string& path) {
+void readAsArrayBuffer(const std::string& path, TextRoom& result) {
   Reading reading{path, {}, {}};
-  if (!checkFile(reading)) return reading.refusal;
-  if (reading.info.size > kMaxWholeFile) {
-    refuseSize(reading, reading.withPath(kErrorFileTooLarge));
-    return reading.refusal;
-  }
-  return readSpan(reading, 0, reading.info.size);
+  const auto read = [&] {
+    if (!checkFile(reading)) return false;
+    const uint64_t size = reading.info.size;
+    if (size > kMaxWholeFile) return refuseSize(reading, reading.withPath(kErrorFileTooLarge));
+    return readSpan(reading, 0, size, result);
+  };
+  finish(reading, read(), result);
+}
+
+std::string readAsArrayBuffer(const std::string& path) {
+  StringRoom room;
+  readAsArrayBuffer(path, room);
+  return std::move(room.text);
+}
+
+void readChunkAsArrayBuffer(const std::string& path, uint64_t offset, uint64_t chunkSize,
+                            TextRoom& result) {
+  Reading reading{path, {}, {}};
+  const auto read = [&] {
+    if (!checkFile(reading)) return false;
+    // Without a sum, which could overflow.
+    const uint64_t size = reading.info.size;
+    if (chunkSize == 0 || chunkSize > size || offset > size - chunkSize) {
+      return refuseSize(reading, kErrorChunkRange);
+    }
+    return readSpan(reading, offset, chunkSize, result);
+  };
+  finish(reading, read(), result);
 }
 
 std::string readChunkAsArrayBuffer(const std::string& path, uint64_t offset, uint64_t chunkSize) {
-  Reading reading{path, {}, {}};
-  if (!checkFile(reading)) return reading.refusal;
-  // Without a sum, which could overflow.
-  const uint64_t size = reading.info.size;
-  if (chunkSize == 0 || chunkSize > size || offset > size - chunkSize) {
-    refuseSize(reading, kErrorChunkRange);
-    return reading.refusal;
-  }
-  return readSpan(reading, offset, chunkSize);
+  StringRoom room;
+  readChunkAsArrayBuffer(path, offset, chunkSize, room);
+  return std::move(room.text);
 }
 
 }  // namespace Vantrel::Web

@@ -9,7 +9,9 @@ namespace Vantrel::Web::Gecko {
 bool ovOrvaneWebPlugin::readAsArrayBuffer(Arguments args, NPVariant* result) {
   const std::string path = countedTextOf(args[0]);
   if (path.empty()) return false;
-  stringToVariant(Vantrel::Web::readAsArrayBuffer(path), result);
+  VariantRoom room;
+  Vantrel::Web::readAsArrayBuffer(path, room);
+  room.handOver(result);
   return true;
 }
 
@@ -17,8 +19,9 @@ bool ovOrvaneWebPlugin::readChunkAsArrayBuffer(Arguments args, NPVariant* result
   const std::string path = countedTextOf(args[0]);
   if (path.empty()) return false;
   // Numbers of 32 bits: a negative one is a large one, which no file reaches.
-  stringToVariant(Vantrel::Web::readChunkAsArrayBuffer(path, low32Of(args[1]), low32Of(args[2])),
-                  result);
+  VariantRoom room;
+  Vantrel::Web::readChunkAsArrayBuffer(path, low32Of(args[1]), low32Of(args[2]), room);
+  room.handOver(result);
   return true;
 }
 

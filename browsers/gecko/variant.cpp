@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <new>
 
 #include "browsers/gecko/browser_functions.h"
 
@@ -79,16 +80,21 @@ void setNull(NPVariant* result) {
 
 namespace {
 
+// Room for a terminated text of the browser's; null when there is none.
+char* allocateText(size_t length) {
+  if (length >= UINT32_MAX) return nullptr;  // the browser counts in 32 bits
+  char* const text = static_cast<char*>(browserFuncs.memalloc(static_cast<uint32_t>(length + 1)));
+  if (text != nullptr) text[length] = '\0';
+  return text;
+}
+
 void setCopy(std::string_view text, NPVariant* variant) {
   *variant = {NPVariantType_String, {}};
   variant->value.stringValue = {nullptr, 0};
-  if (text.size() >= UINT32_MAX) return;  // the browser counts in 32 bits
-  const auto length = static_cast<uint32_t>(text.size());
-  char* const characters = static_cast<char*>(browserFuncs.memalloc(length + 1));
+  char* const characters = allocateText(text.size());
   if (characters == nullptr) return;
-  std::memcpy(characters, text.data(), length);
-  characters[length] = '\0';
-  variant->value.stringValue = {characters, length};
+  std::memcpy(characters, text.data(), text.size());
+  variant->value.stringValue = {characters, static_cast<uint32_t>(text.size())};
 }
 
 }  // namespace
@@ -104,6 +110,25 @@ void stringToVariant(const char* text, NPVariant* variant) {
 
 void stringToVariant(const std::string& text, NPVariant* variant) {
   setCopy(text, variant);
+}
+
+char* VariantRoom::take(size_t length) {
+  release();
+  characters_ = allocateText(length);
+  if (characters_ == nullptr) throw std::bad_alloc();
+  length_ = static_cast<uint32_t>(length);
+  return characters_;
+}
+
+void VariantRoom::handOver(NPVariant* variant) {
+  *variant = {NPVariantType_String, {}};
+  variant->value.stringValue = {characters_, length_};
+  characters_ = nullptr;
+}
+
+void VariantRoom::release() {
+  if (characters_ != nullptr) browserFuncs.memfree(characters_);
+  characters_ = nullptr;
 }
 
 }  // namespace Vantrel::Web::Gecko

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "browsers/gecko/netscape_plugin_api.h"
+#include "core/file_reading.h"
 
 namespace Vantrel::Web::Gecko {
 
@@ -33,5 +34,25 @@ void setNull(NPVariant* result);
 // or that the browser has no memory for, becomes null characters of length 0.
 void stringToVariant(const char* text, NPVariant* variant);
 void stringToVariant(const std::string& text, NPVariant* variant);
+
+// A text that is built in the browser's memory. On the stack of one call; what was not handed over
+// is given back.
+class VariantRoom final : public TextRoom {
+ public:
+  VariantRoom() = default;
+  ~VariantRoom() { release(); }
+  VariantRoom(const VariantRoom&) = delete;
+  VariantRoom& operator=(const VariantRoom&) = delete;
+
+  char* take(size_t length) override;
+  // The text as a string variant, which the browser owns from now on.
+  void handOver(NPVariant* variant);
+
+ private:
+  void release();
+
+  char* characters_ = nullptr;
+  uint32_t length_ = 0;
+};
 
 }  // namespace Vantrel::Web::Gecko

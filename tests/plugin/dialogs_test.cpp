@@ -1,4 +1,4 @@
-// The script methods of dialogs and of reading: what the page hears, what the user's choice allows
+// The script methods of dialogs: what the page hears, what the user's choice allows
 // from then on, and what happens when the page goes while a dialog is shown.
 #include <gmock/gmock.h>
 
@@ -197,70 +197,6 @@ TEST_F(RealDialogsTest, TheAnswerIsWhatTheUserTyped) {
   EXPECT_EQ(read(instance, file_), text(kHello));
   const DialogDriver driver(DialogDriver::cancel);
   EXPECT_EQ(instance.call("runSaveFileDialog", {text("x.txt")}).value, text(""));
-}
-
-class ReadingTest : public DialogsTest {
- protected:
-  void SetUp() override {
-    DialogsTest::SetUp();
-    dialogs_.emplace();
-    dialogs_->chosen = {toWide(file_)};
-    instance_.emplace(host());
-    instance_->call("runOpenFileDialog", {Value::boolean(false), Value::boolean(false)});
-  }
-  void TearDown() override {
-    instance_.reset();
-    dialogs_.reset();
-    DialogsTest::TearDown();
-  }
-  Value chunk(const Value& offset, const Value& size) {
-    return instance_->call("readChunkAsArrayBuffer", {text(file_), offset, size}).value;
-  }
-
-  std::optional<FakeFileDialogs> dialogs_;
-  std::optional<Instance> instance_;
-};
-
-TEST_F(ReadingTest, ChunksAreCountedInWholeBytes) {
-  EXPECT_EQ(chunk(Value::number(0), Value::number(5)), text(kHello));
-  EXPECT_EQ(chunk(Value::number(1.9), Value::number(2.9)), text("data:text/plain;base64,ZWw="));
-  EXPECT_EQ(chunk(Value::number(4294967296.0), Value::number(5)), text(kHello));
-}
-
-TEST_F(ReadingTest, WhatLiesOutsideTheFileIsRefusedInBareWords) {
-  const Value range = text(
-      "Offset and chunk size cannot be negative, and the sum can't be greater than the file size");
-  EXPECT_EQ(chunk(Value::number(0), Value::number(0)), range);
-  EXPECT_EQ(chunk(Value::number(-1), Value::number(1)), range);
-  EXPECT_EQ(chunk(Value::number(0), Value::number(-1)), range);
-  EXPECT_EQ(chunk(Value::number(5), Value::number(1)), range);
-  EXPECT_EQ(chunk(Value::number(1e300), Value::number(6)), range);
-}
-
-TEST_F(ReadingTest, AFileOnOnePageIsReadOnAnother) {
-  Instance other(host());
-  EXPECT_EQ(read(other, file_), text(kHello));
-}
-
-TEST_F(ReadingTest, AFileThatAnotherHoldsAloneCannotBeOpened) {
-  const HANDLE held = CreateFileW(toWide(file_).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                  OPEN_EXISTING, 0, nullptr);
-  ASSERT_NE(held, INVALID_HANDLE_VALUE);
-  EXPECT_EQ(read(*instance_, file_), text("Unable to open file: " + file_));
-  EXPECT_TRUE(logHas("ERR " + file_ + " file unable to open 32\r\n"));
-  CloseHandle(held);
-  EXPECT_EQ(read(*instance_, file_), text(kHello));
-}
-
-TEST_F(ReadingTest, AnApprovedPathThatIsAFolderByNowIsRefused) {
-  std::filesystem::remove(TempFolder::native(file_));
-  std::filesystem::create_directory(TempFolder::native(file_));
-  EXPECT_EQ(read(*instance_, file_), text(errorReply("Invalid file type: " + file_)));
-}
-
-TEST_F(ReadingTest, WithoutBrowserMemoryTheAnswerIsNullText) {
-  host().memory.failAllocationAfter(0);
-  EXPECT_EQ(read(*instance_, file_), Value::nullString());
 }
 
 }  // namespace
