@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 #include "tests/plugin/dialogs_fixture.h"
@@ -197,6 +198,53 @@ TEST_F(RealDialogsTest, TheAnswerIsWhatTheUserTyped) {
   EXPECT_EQ(read(instance, file_), text(kHello));
   const DialogDriver driver(DialogDriver::cancel);
   EXPECT_EQ(instance.call("runSaveFileDialog", {text("x.txt")}).value, text(""));
+}
+
+// Two at once, the second asked for while the first is shown. The first one's loop is below the
+// second's, so the second is answered first whichever the user closes first.
+class TwoRealDialogsTest : public RealDialogsTest {
+ protected:
+  using Close = std::function<void(HWND first, HWND second)>;
+
+  void closeBoth(const Close& close) {
+    const Host::PageReference first = host().page.makeFunction("first");
+    const Host::PageReference second = host().page.makeFunction("second");
+    std::vector<std::string> answered;
+    first->onCall = [&](const Host::PageCall&) { answered.emplace_back("first"); };
+    second->onCall = [&](const Host::PageCall&) { answered.emplace_back("second"); };
+    Instance instance(host());
+    {
+      const PageTask openSecond([&] { openAsync(instance, second); });
+      const DialogDriver driver([&](HWND dialog) {
+        openSecond.run();
+        const HWND other = DialogDriver::another(dialog);
+        ASSERT_NE(other, nullptr);
+        close(dialog, other);
+      });
+      openAsync(instance, first);
+      ASSERT_TRUE(waitForCalls(first, 1));
+    }
+    EXPECT_THAT(answered, ElementsAre("second", "first"));
+    EXPECT_THAT(second->calls.at(0).arguments, ElementsAre(text("[\"" + doubled(file_) + "\"]")));
+    EXPECT_THAT(first->calls.at(0).arguments, ElementsAre(text("[]")));
+    EXPECT_EQ(read(instance, file_), text(kHello));
+  }
+};
+
+TEST_F(TwoRealDialogsTest, TheSecondClosedFirst) {
+  closeBoth([this](HWND first, HWND second) {
+    DialogDriver::accept(second, toWide(file_));
+    DialogDriver::waitUntilGone(second);
+    DialogDriver::cancel(first);
+  });
+}
+
+TEST_F(TwoRealDialogsTest, TheFirstClosedFirst) {
+  closeBoth([this](HWND first, HWND second) {
+    DialogDriver::cancel(first);
+    DialogDriver::waitUntilGone(first);
+    DialogDriver::accept(second, toWide(file_));
+  });
 }
 
 }  // namespace

@@ -16,12 +16,30 @@ constexpr int kNameEdit = 0x480;
 constexpr int kShellView = 0x461;
 constexpr int kShellList = 1;
 
-BOOL CALLBACK takeDialog(HWND window, LPARAM result) {
+struct Search {
+  HWND known;
+  HWND found;
+};
+
+BOOL CALLBACK takeDialog(HWND window, LPARAM argument) {
+  auto& search = *reinterpret_cast<Search*>(argument);
   wchar_t name[16] = L"";
   GetClassNameW(window, name, 16);
-  if (std::wcscmp(name, L"#32770") != 0 || !IsWindowVisible(window)) return TRUE;
-  *reinterpret_cast<HWND*>(result) = window;
+  if (std::wcscmp(name, L"#32770") != 0 || IsWindowVisible(window) == FALSE) return TRUE;
+  if (window == search.known) return TRUE;
+  search.found = window;
   return FALSE;
+}
+
+// A dialog of the thread that is not `known`, once it can be seen; null if none comes.
+HWND waitForDialog(DWORD thread, HWND known) {
+  Search search = {known, nullptr};
+  for (int look = 0; look < kLooks && search.found == nullptr; ++look) {
+    EnumThreadWindows(thread, takeDialog, reinterpret_cast<LPARAM>(&search));
+    if (search.found == nullptr) Sleep(kPause);
+  }
+  if (search.found != nullptr) Sleep(kSettling);
+  return search.found;
 }
 
 BOOL CALLBACK takeNameEdit(HWND window, LPARAM result) {
@@ -56,21 +74,11 @@ DialogDriver::~DialogDriver() {
 
 DWORD WINAPI DialogDriver::run(void* self) {
   auto* const driver = static_cast<DialogDriver*>(self);
-  const HWND dialog = driver->waitForDialog();
+  const HWND dialog = waitForDialog(driver->thread_, nullptr);
   driver->found_ = dialog != nullptr;
   if (dialog == nullptr) return 1;
-  Sleep(kSettling);
   driver->action_(dialog);
   return 0;
-}
-
-HWND DialogDriver::waitForDialog() const {
-  HWND dialog = nullptr;
-  for (int look = 0; look < kLooks && dialog == nullptr; ++look) {
-    EnumThreadWindows(thread_, takeDialog, reinterpret_cast<LPARAM>(&dialog));
-    if (dialog == nullptr) Sleep(kPause);
-  }
-  return dialog;
 }
 
 void DialogDriver::type(HWND dialog, const std::wstring& text) {
@@ -110,6 +118,15 @@ void DialogDriver::answer(HWND dialog, WORD button) {
   if (question == dialog) return cancel(dialog);
   Sleep(kSettling);
   PostMessageW(question, WM_COMMAND, button, 0);
+}
+
+HWND DialogDriver::another(HWND dialog) {
+  return waitForDialog(GetWindowThreadProcessId(dialog, nullptr), dialog);
+}
+
+void DialogDriver::waitUntilGone(HWND dialog) {
+  for (int look = 0; look < kLooks && IsWindowVisible(dialog) != FALSE; ++look) Sleep(kPause);
+  EXPECT_EQ(IsWindowVisible(dialog), FALSE);
 }
 
 int DialogDriver::select(HWND dialog, const std::wstring& name) {

@@ -35,12 +35,15 @@ class DialogDriver {
   // Waits for a question that the dialog asks, and answers it with a button's number, such as
   // IDYES.
   static void answer(HWND dialog, WORD button);
+  // Waits for a second dialog of the same thread; null if none comes.
+  static HWND another(HWND dialog);
+  // Waits until a dialog is no longer to be seen.
+  static void waitUntilGone(HWND dialog);
   // Selects the rows of the list of files that have this name; how many there were.
   static int select(HWND dialog, const std::wstring& name);
 
  private:
   static DWORD WINAPI run(void* self);
-  HWND waitForDialog() const;
 
   const Action action_;
   const DWORD thread_;
