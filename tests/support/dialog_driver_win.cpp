@@ -3,7 +3,7 @@
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
-#include <cwchar>
+#include "tools/user/file_dialog_win.h"
 
 namespace Vantrel::Web::TestSupport {
 
@@ -12,7 +12,6 @@ namespace {
 constexpr DWORD kPause = 20;      // milliseconds between two looks
 constexpr DWORD kSettling = 200;  // from a dialog's first sight to its set-up's end
 constexpr int kLooks = 1000;      // before a dialog that does not come is given up
-constexpr int kNameEdit = 0x480;
 constexpr int kShellView = 0x461;
 constexpr int kShellList = 1;
 
@@ -23,10 +22,7 @@ struct Search {
 
 BOOL CALLBACK takeDialog(HWND window, LPARAM argument) {
   auto& search = *reinterpret_cast<Search*>(argument);
-  wchar_t name[16] = L"";
-  GetClassNameW(window, name, 16);
-  if (std::wcscmp(name, L"#32770") != 0 || IsWindowVisible(window) == FALSE) return TRUE;
-  if (window == search.known) return TRUE;
+  if (window == search.known || !StandIn::isShownDialog(window)) return TRUE;
   search.found = window;
   return FALSE;
 }
@@ -42,19 +38,8 @@ HWND waitForDialog(DWORD thread, HWND known) {
   return search.found;
 }
 
-BOOL CALLBACK takeNameEdit(HWND window, LPARAM result) {
-  wchar_t name[16] = L"";
-  GetClassNameW(window, name, 16);
-  if (std::wcscmp(name, L"Edit") != 0) return TRUE;
-  // The edit of a name, which may stand in a combination box of that number.
-  if (GetDlgCtrlID(window) != kNameEdit && *reinterpret_cast<HWND*>(result) != nullptr) return TRUE;
-  *reinterpret_cast<HWND*>(result) = window;
-  return TRUE;
-}
-
 HWND nameEdit(HWND dialog) {
-  HWND edit = nullptr;
-  EnumChildWindows(dialog, takeNameEdit, reinterpret_cast<LPARAM>(&edit));
+  const HWND edit = StandIn::nameEditOf(dialog);
   EXPECT_NE(edit, nullptr);
   return edit;
 }
@@ -82,7 +67,7 @@ DWORD WINAPI DialogDriver::run(void* self) {
 }
 
 void DialogDriver::type(HWND dialog, const std::wstring& text) {
-  SendMessageW(nameEdit(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+  if (nameEdit(dialog) != nullptr) StandIn::typeName(dialog, text);
 }
 
 std::wstring DialogDriver::typed(HWND dialog) {
@@ -92,7 +77,7 @@ std::wstring DialogDriver::typed(HWND dialog) {
 }
 
 void DialogDriver::accept(HWND dialog) {
-  PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+  StandIn::pressOk(dialog);
 }
 
 void DialogDriver::accept(HWND dialog, const std::wstring& text) {
@@ -101,7 +86,7 @@ void DialogDriver::accept(HWND dialog, const std::wstring& text) {
 }
 
 void DialogDriver::cancel(HWND dialog) {
-  PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+  StandIn::pressCancel(dialog);
 }
 
 void DialogDriver::close(HWND dialog) {
