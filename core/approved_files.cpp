@@ -1,8 +1,9 @@
 #include "core/approved_files.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
-#include <functional>
+#include <cstring>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
@@ -14,12 +15,31 @@ namespace Vantrel::Web {
 
 namespace {
 
+constexpr uint64_t kHashFactor = 0x9E3779B97F4A7C15U;
+
+// Goes on over the whole words of eight bytes that the text has.
+ApprovedPrefix overWords(ApprovedPrefix from, std::string_view text) {
+  for (uint64_t word = 0; text.size() - from.bytes >= sizeof word; from.bytes += sizeof word) {
+    std::memcpy(&word, text.data() + from.bytes, sizeof word);
+    from.state = std::rotl(from.state ^ word, 29) * kHashFactor;
+  }
+  return from;
+}
+
+uint64_t hashOf(std::string_view text, const ApprovedPrefix& prefix) {
+  const ApprovedPrefix words = overWords(prefix, text);
+  uint64_t rest = 0;
+  std::memcpy(&rest, text.data() + words.bytes, text.size() - words.bytes);
+  const uint64_t hash = (std::rotl(words.state ^ rest, 29) ^ text.size()) * kHashFactor;
+  return hash ^ (hash >> 32);
+}
+
 // A set of texts that only grows. The texts lie one behind the other and the table holds where, so
 // that a look-up touches two places of memory; a page may ask for 100,000 paths at once.
 class PathSet {
  public:
-  bool contains(std::string_view path) const {
-    return !slots_.empty() && slots_[slotOf(path)].length != kFree;
+  bool contains(std::string_view path, const ApprovedPrefix& prefix) const {
+    return !slots_.empty() && slots_[slotOf(path, prefix)].length != kFree;
   }
   void insert(std::string_view path) {
     if (count_ * 2 >= slots_.size()) grow();
@@ -44,9 +64,9 @@ class PathSet {
     return std::string_view(texts_).substr(slot.start, slot.length);
   }
   // The slot of the path, or the free one where it belongs; at least half of the slots are free.
-  size_t slotOf(std::string_view path) const {
+  size_t slotOf(std::string_view path, const ApprovedPrefix& prefix = {}) const {
     const size_t mask = slots_.size() - 1;
-    size_t at = std::hash<std::string_view>()(path) & mask;
+    size_t at = hashOf(path, prefix.bytes <= path.size() ? prefix : ApprovedPrefix()) & mask;
     while (slots_[at].length != kFree && textOf(slots_[at]) != path) at = (at + 1) & mask;
     return at;
   }
@@ -68,8 +88,12 @@ class PathSet {
 // C++ runtime behind at an unload.
 PathSet* approvedFileList = nullptr;
 
-bool isApproved(std::string_view path) {
-  return approvedFileList != nullptr && approvedFileList->contains(path);
+bool isApproved(std::string_view path, const ApprovedPrefix& prefix) {
+  return approvedFileList != nullptr && approvedFileList->contains(path, prefix);
+}
+
+void noteRefusal(const std::string& path) {
+  OV_DEBUG("PlugIn::isFileAllowed() - path is not allowed %s", path.c_str());
 }
 
 // `path` must have forward slashes only.
@@ -93,9 +117,19 @@ void addToApprovedFileList(const std::vector<std::string>& paths) {
 bool isFileAllowed(const std::string& path) {
   // Most paths come with forward slashes already.
   const bool found = path.find('\\') == std::string::npos
-                         ? isApproved(withoutTrailingSlash(path))
-                         : isApproved(withoutTrailingSlash(forwardSlashes(path)));
-  if (!found) OV_DEBUG("PlugIn::isFileAllowed() - path is not allowed %s", path.c_str());
+                         ? isApproved(withoutTrailingSlash(path), {})
+                         : isApproved(withoutTrailingSlash(forwardSlashes(path)), {});
+  if (!found) noteRefusal(path);
+  return found;
+}
+
+ApprovedPrefix prefixOf(std::string_view root) {
+  return overWords({}, root);
+}
+
+bool isJoinedFileAllowed(const std::string& path, const ApprovedPrefix& root) {
+  const bool found = isApproved(withoutTrailingSlash(path), root);
+  if (!found) noteRefusal(path);
   return found;
 }
 

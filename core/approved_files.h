@@ -5,7 +5,10 @@
 // become slashes and one trailing slash has gone: no case folding, no "..", no prefix rule.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Vantrel::Web {
@@ -14,5 +17,15 @@ namespace Vantrel::Web {
 // path; the entries before it stay.
 void addToApprovedFileList(const std::vector<std::string>& paths);
 bool isFileAllowed(const std::string& path);
+
+// What is worth remembering of the beginning of many paths: how far it was looked at, and what came
+// of it. With it a look-up costs the rest of a path.
+struct ApprovedPrefix {
+  size_t bytes = 0;
+  uint64_t state = 0;
+};
+ApprovedPrefix prefixOf(std::string_view root);
+// isFileAllowed for a path without backslashes that begins with the root.
+bool isJoinedFileAllowed(const std::string& path, const ApprovedPrefix& root);
 
 }  // namespace Vantrel::Web

@@ -82,6 +82,20 @@ TEST(ApprovedFilesTest, ManyFilesAreFoundAndNoOthers) {
   EXPECT_FALSE(isFileAllowed("C:/set/"));
 }
 
+TEST(ApprovedFilesTest, PathsBelowARootOfAnyLengthAreFoundByTheRestOfThem) {
+  for (size_t length = 0; length < 40; ++length) {
+    const std::string root = "C:/below/" + std::string(length, 'r') + "/";
+    addToApprovedFileList({root + "in/file", root});
+    // Also with less of the root, and with the slash that the list does not keep.
+    for (size_t known = 0; known <= root.size(); ++known) {
+      const ApprovedPrefix prefix = prefixOf(root.substr(0, known));
+      EXPECT_TRUE(isJoinedFileAllowed(root + "in/file", prefix)) << length << " " << known;
+      EXPECT_TRUE(isJoinedFileAllowed(root, prefix)) << length << " " << known;
+      EXPECT_FALSE(isJoinedFileAllowed(root + "in/other", prefix)) << length << " " << known;
+    }
+  }
+}
+
 TEST(ApprovedFilesTest, TheEmptyRestOfALoneSlashIsAPathOfItsOwn) {
   EXPECT_FALSE(isFileAllowed("/"));
   addToApprovedFileList({"\\"});

@@ -22,9 +22,10 @@ std::string refusal(const char* text, const std::string& path) {
 
 // The reply that refuses one file of an upload, or an empty text. What is neither text nor number
 // names no file that the user could have chosen, so it is refused like a file he did not choose.
-std::string checkSource(PathJoiner& root, std::string_view text, bool readable) {
+std::string checkSource(PathJoiner& root, const ApprovedPrefix& prefix, std::string_view text,
+                        bool readable) {
   const std::string& joined = root.join(text);
-  if (readable && isFileAllowed(joined)) return {};
+  if (readable && isJoinedFileAllowed(joined, prefix)) return {};
   return refusal(kErrorUnauthorizedFile, joined);
 }
 
@@ -32,10 +33,11 @@ std::string checkUpload(const RequestBody& body) {
   std::string invalidPaths = jsonErrorReply(std::string(kErrorInvalidArgument) + ": paths");
   if (!body.hasPaths) return invalidPaths;
   PathJoiner root(body.sourceRoot);
+  const ApprovedPrefix prefix = prefixOf(root.root());
   for (const RequestBody::Source& source : body.sources) {
     if (source.kind == RequestBody::Source::Kind::kNoObject) return invalidPaths;
     const bool readable = source.kind == RequestBody::Source::Kind::kText;
-    std::string error = checkSource(root, body.sourceText(source), readable);
+    std::string error = checkSource(root, prefix, body.sourceText(source), readable);
     if (!error.empty()) return error;
   }
   return {};

@@ -25,6 +25,8 @@ class PathJoiner {
  public:
   explicit PathJoiner(std::string_view root);
 
+  // What every joined path begins with, until the next call of join.
+  std::string_view root() const { return std::string_view(path_).substr(0, rootLength_); }
   // The joined path, until the next call.
   const std::string& join(std::string_view relative);
 
