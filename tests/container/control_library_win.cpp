@@ -61,18 +61,11 @@ void ControlLibrary::finish(Host::Faults& faults) {
 }
 
 size_t ControlLibrary::extraThreads() const {
-  const std::set<uint32_t> ofTheTest = Host::threadsStartedIn(GetModuleHandleW(nullptr));
-  // The platform keeps threads of its own for COM once they are there.
-  std::set<uint32_t> ofThePlatform;
-  for (const wchar_t* name : {L"ole32.dll", L"combase.dll", L"rpcrt4.dll", L"ntdll.dll"}) {
-    const HMODULE module = GetModuleHandleW(name);
-    if (module == nullptr) continue;
-    for (const uint32_t id : Host::threadsStartedIn(module)) ofThePlatform.insert(id);
-  }
+  std::set<uint32_t> others = Host::threadsStartedIn(GetModuleHandleW(nullptr));
+  others.merge(Host::threadsOfCom());
   size_t count = 0;
   for (const uint32_t id : Host::threadIds()) {
-    if (!threadsBefore_.contains(id) && !ofTheTest.contains(id) && !ofThePlatform.contains(id))
-      ++count;
+    if (!threadsBefore_.contains(id) && !others.contains(id)) ++count;
   }
   return count;
 }

@@ -15,8 +15,11 @@ constexpr int kHeight = 300;
 
 }  // namespace
 
-CountingContainer::CountingContainer(ControlLibrary& library)
-    : calls(faults), book(faults, calls), library_(library) {
+CountingContainer::CountingContainer(ControlLibrary& library) : CountingContainer() {
+  library_ = &library;
+}
+
+CountingContainer::CountingContainer() : calls(faults), book(faults, calls) {
   if (FAILED(OleInitialize(nullptr))) throw std::runtime_error("OLE cannot be initialised");
   window_ = CreateWindowExW(0, L"Static", L"container", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0,
                             kWidth, kHeight, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);

@@ -22,13 +22,15 @@ namespace Vantrel::Web::Container {
 
 class CountingContainer {
  public:
+  // For scripts alone.
+  CountingContainer();
   // The library outlives the container.
   explicit CountingContainer(ControlLibrary& library);
   CountingContainer(const CountingContainer&) = delete;
   CountingContainer& operator=(const CountingContainer&) = delete;
   ~CountingContainer();
 
-  ControlLibrary& library() { return library_; }
+  ControlLibrary& library() { return *library_; }
   HWND window() const { return window_; }
 
   // Closes the book. Returns all faults so far; objects of the book may be looked at until the end.
@@ -49,7 +51,7 @@ class CountingContainer {
   ReferenceBook book;
 
  private:
-  ControlLibrary& library_;
+  ControlLibrary* library_ = nullptr;
   HWND window_ = nullptr;
 };
 

@@ -116,13 +116,25 @@ Variant ScriptEngine::evaluate(const std::string& expression) {
   return value;
 }
 
-HRESULT callFunction(IDispatch* function, const Variants& arguments) {
+static HRESULT callMember(IDispatch* object, DISPID member, const Variants& arguments) {
   std::vector<VARIANT> list;
   for (const Variant& argument : arguments) list.push_back(argument.get());
   std::reverse(list.begin(), list.end());
   DISPPARAMS parameters{list.data(), nullptr, static_cast<UINT>(list.size()), 0};
-  return function->Invoke(DISPID_VALUE, IID_NULL, kLocale, DISPATCH_METHOD, &parameters, nullptr,
-                          nullptr, nullptr);
+  return object->Invoke(member, IID_NULL, kLocale, DISPATCH_METHOD, &parameters, nullptr, nullptr,
+                        nullptr);
+}
+
+HRESULT callFunction(IDispatch* function, const Variants& arguments) {
+  return callMember(function, DISPID_VALUE, arguments);
+}
+
+HRESULT callMethod(IDispatch* object, const std::string& name, const Variants& arguments) {
+  std::wstring wide = wideOf(name);
+  LPOLESTR text = wide.data();
+  DISPID member = DISPID_UNKNOWN;
+  const HRESULT found = object->GetIDsOfNames(IID_NULL, &text, 1, kLocale, &member);
+  return FAILED(found) ? found : callMember(object, member, arguments);
 }
 
 }  // namespace Vantrel::Web::Container

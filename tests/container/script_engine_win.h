@@ -83,5 +83,7 @@ class ScriptEngine {
 
 // Calls a function of a script with these arguments; S_OK when it ended well.
 HRESULT callFunction(IDispatch* function, const Variants& arguments);
+// The same for a function that is a member of an object.
+HRESULT callMethod(IDispatch* object, const std::string& name, const Variants& arguments);
 
 }  // namespace Vantrel::Web::Container

@@ -130,10 +130,11 @@ std::vector<std::string> CountingHost::finish() {
 }
 
 size_t CountingHost::extraThreads() const {
-  const std::set<uint32_t> ofTheTest = threadsStartedIn(GetModuleHandleW(nullptr));
+  std::set<uint32_t> others = threadsStartedIn(GetModuleHandleW(nullptr));
+  others.merge(threadsOfCom());
   size_t count = 0;
   for (const uint32_t id : threadIds()) {
-    if (!threadsBefore_.contains(id) && !ofTheTest.contains(id)) ++count;
+    if (!threadsBefore_.contains(id) && !others.contains(id)) ++count;
   }
   return count;
 }

@@ -14,6 +14,8 @@ namespace Vantrel::Web::Host {
 std::set<uint32_t> threadIds();
 // Of these, the ones whose start function lies in the module at `base`.
 std::set<uint32_t> threadsStartedIn(const void* base);
+// Of these, the ones that the platform keeps for COM once somebody in the process has used it.
+std::set<uint32_t> threadsOfCom();
 // Open handles of this process.
 size_t handleCount();
 // True while a module of that file name is mapped into this process.

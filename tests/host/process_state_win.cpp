@@ -66,6 +66,15 @@ std::set<uint32_t> threadsStartedIn(const void* base) {
   return ids;
 }
 
+std::set<uint32_t> threadsOfCom() {
+  std::set<uint32_t> ids;
+  for (const wchar_t* const name : {L"ole32.dll", L"combase.dll", L"rpcrt4.dll"}) {
+    const HMODULE module = GetModuleHandleW(name);
+    if (module != nullptr) ids.merge(threadsStartedIn(module));
+  }
+  return ids;
+}
+
 size_t handleCount() {
   // GetProcessHandleCount answers 0 under Wine, and the list of all processes' handles makes its
   // server crash when one of them is just ending.
