@@ -1,8 +1,10 @@
 #include "service/http_response.h"
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
 #include <string_view>
+#include <system_error>
 
 #include "runtime/ov_strings.h"
 
@@ -25,10 +27,6 @@ size_t findResumably(const std::string& text, std::string_view wanted, size_t& f
     from = std::max(from, text.size() - (wanted.size() - 1));
   }
   return found;
-}
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
 }
 
 constexpr std::string_view kHeaderSeparator = ": ";
@@ -88,10 +86,9 @@ void HttpReplyReader::readLength() {
   while (*at == ' ' || *at == '\t') ++at;
   const bool negative = *at == '-';
   if (*at == '-' || *at == '+') ++at;
-  constexpr uint64_t kMax = std::numeric_limits<uint64_t>::max();
-  for (; isDigit(*at); ++at) {
-    const auto digit = static_cast<uint64_t>(*at - '0');
-    contentLength_ = contentLength_ > (kMax - digit) / 10 ? kMax : contentLength_ * 10 + digit;
+  const auto read = std::from_chars(at, response_.c_str() + response_.size(), contentLength_);
+  if (read.ec == std::errc::result_out_of_range) {
+    contentLength_ = std::numeric_limits<uint64_t>::max();
   }
   if (negative && contentLength_ > 0) lengthState_ = Length::kAbsent;
 }

@@ -1,7 +1,9 @@
 #include "service/tcp_socket.h"
 
+#include <charconv>
 #include <cstdio>
 #include <mutex>
+#include <system_error>
 
 #include "runtime/ov_log.h"
 #include "service/socket_platform.h"
@@ -24,17 +26,16 @@ const void* handleText(uint64_t handle) {
 // Whether the text is an address as a look-up would give it back: four numbers below 256 without
 // leading zeros.
 bool isDottedAddress(const std::string& text) {
-  size_t at = 0;
+  const char* at = text.c_str();
+  const char* const end = at + text.size();
   for (int part = 0; part < 4; ++part) {
-    if (part != 0 && text[at++] != '.') return false;
-    const size_t start = at;
-    int number = 0;
-    while (at < text.size() && text[at] >= '0' && text[at] <= '9' && at - start < 3) {
-      number = number * 10 + (text[at++] - '0');
-    }
-    if (at == start || number > 255 || (text[start] == '0' && at - start > 1)) return false;
+    if (part != 0 && *at++ != '.') return false;
+    uint8_t number = 0;
+    const auto [behind, error] = std::from_chars(at, end, number);
+    if (error != std::errc() || (*at == '0' && behind - at > 1)) return false;
+    at = behind;
   }
-  return at == text.size();
+  return at == end;
 }
 
 // The dotted text and the address of a host, both of which a failure tells; the address may be
