@@ -3,7 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -159,6 +161,20 @@ inline std::optional<std::string> slow_trim(const std::string& text) {
   size_t told = 2;
   for (const int limit : {0xe0, 0xf0, 0xf8, 0xfc}) told += byte(first) >= limit ? 1u : 0u;
   return here == 1 || here != told ? text.substr(0, first) : text;
+}
+
+// Mostly well-formed text with a byte changed here and there.
+inline std::string random_text(std::mt19937& random) {
+  std::string text;
+  const size_t count = random() % 8 == 0 ? random() % 60 : random() % 12;
+  for (size_t i = 0; i < count; ++i) {
+    static constexpr uint32_t kLimits[] = {0x7f, 0x7f, 0x7ff, 0xffff, 0x10ffff};
+    text += encode(1 + random() % kLimits[random() % std::size(kLimits)]);
+  }
+  for (size_t i = random() % 3; i > 0 && !text.empty(); --i) {
+    text[random() % text.size()] = static_cast<char>(1 + random() % 255);
+  }
+  return text;
 }
 
 }  // namespace ov::reference
