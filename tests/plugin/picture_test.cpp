@@ -10,6 +10,7 @@
 #include <optional>
 #include <vector>
 
+#include "tests/plugin/red_bitmap.h"
 #include "tests/support/import_patch_win.h"
 
 namespace Vantrel::Web {
@@ -21,7 +22,6 @@ using TestSupport::ImportPatch;
 
 constexpr char kUrl[] = "http://x/picture";
 constexpr COLORREF kWhite = RGB(255, 255, 255);
-constexpr COLORREF kRed = RGB(255, 0, 0);
 constexpr GUID kPng = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0, 0, 0xf8, 0x1e, 0xf3, 0x2e}};
 constexpr GUID kJpeg = {0x557cf401, 0x1a04, 0x11d3, {0x9a, 0x73, 0, 0, 0xf8, 0x1e, 0xf3, 0x2e}};
 
@@ -69,34 +69,12 @@ class Encoder {
   ULONG_PTR token_ = 0;
 };
 
-// Red of one bit a point.
-std::string redBitmap(LONG width, LONG height) {
-  constexpr LONG kBitsInRowStep = 32;
-  constexpr RGBQUAD kColours[] = {{255, 255, 255, 0}, {0, 0, 255, 0}};
-  const auto row = static_cast<size_t>((width + kBitsInRowStep - 1) / kBitsInRowStep * 4);
-  BITMAPFILEHEADER file = {};
-  BITMAPINFOHEADER info = {};
-  file.bfType = 0x4D42;
-  file.bfOffBits = sizeof file + sizeof info + sizeof kColours;
-  info.biSize = sizeof info;
-  info.biWidth = width;
-  info.biHeight = height;
-  info.biPlanes = 1;
-  info.biBitCount = 1;
-  std::string data(file.bfOffBits + row * static_cast<size_t>(height), '\xFF');
-  file.bfSize = static_cast<DWORD>(data.size());
-  std::memcpy(data.data(), &file, sizeof file);
-  std::memcpy(data.data() + sizeof file, &info, sizeof info);
-  std::memcpy(data.data() + sizeof file + sizeof info, kColours, sizeof kColours);
-  return data;
-}
-
 // Two points, the left one red and the right one transparent.
 std::string twoPointGif() {
   constexpr unsigned char kGif[] = {'G', 'I', 'F', '8', '9', 'a', 2, 0, 1, 0, 0x80, 0, 0, 255, 0, 0,
                                     0, 0, 255, 0x21, 0xF9, 4, 1, 0, 0, 1, 0,  // the second colour
                                                                               // is transparent
-                                    0x2C, 0, 0, 0, 0, 2, 0, 1, 0, 0,  // the picture's place
+                                    0x2C, 0, 0, 0, 0, 2, 0, 1, 0, 0,          // the picture's place
                                     2, 2, 0x44, 0x0A, 0, 0x3B};
   return {reinterpret_cast<const char*>(kGif), sizeof kGif};
 }
