@@ -2,13 +2,11 @@
 // the page, in which order, and what the page may do with it afterwards.
 #include <gmock/gmock.h>
 
-#include <atomic>
 #include <ctime>
+#include <optional>
+#include <utility>
 
 #include "tests/plugin/drop_fixture.h"
-
-// The platform's interfaces have no virtual destructor.
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
 namespace Vantrel::Web {
 namespace {
@@ -21,87 +19,6 @@ using testing::Not;
 constexpr POINT kOutside = {150, 150};
 // The middle of the element.
 constexpr POINT kInside = {30, 30};
-
-// Where a drag comes from. It ends when the button is up.
-class DragSource : public IDropSource {
- public:
-  virtual ~DragSource() = default;
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-    const bool known = id == IID_IUnknown || id == IID_IDropSource;
-    *object = known ? this : nullptr;
-    return known ? S_OK : E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
-  ULONG STDMETHODCALLTYPE Release() override { return 1; }
-  HRESULT STDMETHODCALLTYPE QueryContinueDrag(BOOL escape, DWORD keys) override {
-    if (escape != FALSE) return DRAGDROP_S_CANCEL;
-    return (keys & MK_LBUTTON) == 0 ? DRAGDROP_S_DROP : S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GiveFeedback(DWORD) override {
-    ++looks;
-    return DRAGDROP_S_USEDEFAULTCURSORS;
-  }
-
-  std::atomic<int> looks = 0;  // at the windows below the mouse
-};
-
-// The user's hand, a thread of its own: button down, through these places, button up. It rests at
-// each place until the drag has looked there some times.
-class Hand {
- public:
-  Hand(const DragSource& source, std::vector<POINT> places)
-      : source_(source), places_(std::move(places)) {
-    handle_ = CreateThread(nullptr, 0, run, this, 0, nullptr);
-  }
-  ~Hand() {
-    WaitForSingleObject(handle_, INFINITE);
-    CloseHandle(handle_);
-  }
-  Hand(const Hand&) = delete;
-  Hand& operator=(const Hand&) = delete;
-
-  static void move(POINT place) {
-    constexpr LONG kWhole = 65536;  // of a screen's side, in the units of the call
-    const auto scaled = [](LONG at, int side) { return (at * kWhole + kWhole / 2) / side; };
-    send(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, scaled(place.x, GetSystemMetrics(SM_CXSCREEN)),
-         scaled(place.y, GetSystemMetrics(SM_CYSCREEN)));
-  }
-  static void press() { send(MOUSEEVENTF_LEFTDOWN); }
-  static void letGo() { send(MOUSEEVENTF_LEFTUP); }
-
- private:
-  static constexpr int kLooks = 3;
-  static constexpr DWORD kPause = 10;      // milliseconds between two movements
-  static constexpr int kMostMoves = 1000;  // at a place where no drag is
-
-  static void send(DWORD flags, LONG x = 0, LONG y = 0) {
-    INPUT input = {};
-    input.type = INPUT_MOUSE;
-    input.mi.dx = x;
-    input.mi.dy = y;
-    input.mi.dwFlags = flags;
-    EXPECT_EQ(SendInput(1, &input, sizeof input), 1U);
-  }
-  static DWORD WINAPI run(void* self) {
-    static_cast<Hand*>(self)->work();
-    return 0;
-  }
-  void work() const {
-    for (const POINT& place : places_) {
-      const int wanted = source_.looks + kLooks;
-      for (int i = 0; i < kMostMoves && source_.looks < wanted; ++i) {
-        move({place.x + i % 2, place.y});  // the platform tells of movements only
-        Sleep(kPause);
-      }
-      EXPECT_GE(source_.looks, wanted);
-    }
-    letGo();
-  }
-
-  const DragSource& source_;
-  const std::vector<POINT> places_;
-  HANDLE handle_ = nullptr;
-};
 
 class DragTest : public DropTest {
  protected:
@@ -137,20 +54,9 @@ class DragTest : public DropTest {
   }
   // A drag of these from the page through the places, where the last is where they are let go.
   HRESULT drag(std::initializer_list<const char*> names, std::vector<POINT> places) {
-    std::vector<std::wstring> paths;
-    for (const char* const name : names) paths.push_back(toWide(path(name)));
-    FileList list(paths);
-    DragSource source;
-    Hand::move(kOutside);
-    Hand::press();
-    host().pumpFor(50);
-    DWORD effect = 0;
-    HRESULT result = E_FAIL;
-    {
-      const Hand hand(source, std::move(places));
-      result = DoDragDrop(&list, &source, DROPEFFECT_COPY, &effect);
-    }
-    asked_ = list.asked;
+    FileList list = listOf(names);
+    const HRESULT result = StandIn::dragWithMouse(list, kOutside, std::move(places));
+    asked_ = list.asked();
     return result;
   }
   // What the page was told but for the movements of the mouse.

@@ -78,7 +78,7 @@ TEST_F(DropTest, WhatIsNoFilesOrNoDropIsInvalid) {
   Instance instance(host(), {{"drop-mode", "callback"}});
   setWindow(instance);
   DWORD effect = 0;
-  FileList nothing({});
+  FileList nothing = listOf({});
   EXPECT_EQ(target().Drop(nullptr, 0, {}, &effect), E_INVALIDARG);
   EXPECT_EQ(target().Drop(&nothing, 0, {}, nullptr), E_INVALIDARG);
   EXPECT_EQ(target().Drop(&nothing, 0, {}, &effect), E_INVALIDARG);
@@ -96,11 +96,11 @@ TEST_F(DropTest, ATargetThatOutlivesItsViewAnswersAndDoesNothing) {
   EXPECT_EQ(same, nullptr);
   EXPECT_EQ(kept->QueryInterface(IID_IDropTarget, nullptr), E_POINTER);
   instance.reset();
-  FileList list({toWide(path("a.txt"))});
+  FileList list = listOf({"a.txt"});
   DWORD effect = 0;
   EXPECT_EQ(kept->Drop(&list, 0, {}, &effect), S_OK);
   EXPECT_EQ(kept->DragOver(0, {}, &effect), S_OK);
-  EXPECT_EQ(list.asked, 0);
+  EXPECT_EQ(list.asked(), 0);
   kept->Release();
 }
 

@@ -11,6 +11,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 
 #include "bridge.h"
@@ -18,6 +19,7 @@
 #include "engine_start.h"
 #include "local_site.h"
 #include "page.h"
+#include "plugin_functions.h"
 
 namespace engine {
 namespace {
@@ -108,6 +110,8 @@ class Driver {
       savePicture(pictureBeside(rest));
     else if (word == "pixel")
       printPixel(rest);
+    else if (word == "drop")
+      drop(rest);
     else
       std::fprintf(stderr, "orvane-browser: unknown command: %s\n", command.c_str());
   }
@@ -137,6 +141,17 @@ class Driver {
     char line[64];
     std::snprintf(line, sizeof line, "pixel %d %d %06x", x, y, image.pixel(x, y) & 0xffffffU);
     printConsoleLine(line);
+    page_->callFunction("onpixel", line);
+  }
+
+  // what: a place, then paths with a "|" between, which no name may hold.
+  void drop(const std::string& what) {
+    int x = 0, y = 0, used = 0;
+    if (std::sscanf(what.c_str(), "%d %d %n", &x, &y, &used) != 2) return;
+    std::vector<std::string> paths;
+    std::istringstream rest(what.substr(static_cast<size_t>(used)));
+    for (std::string path; std::getline(rest, path, '|');) paths.push_back(path);
+    if (!dropFiles(x, y, paths)) std::fprintf(stderr, "orvane-browser: no drop at %d %d\n", x, y);
   }
 
   // The first reason to end decides.

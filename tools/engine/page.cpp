@@ -70,6 +70,12 @@ QImage Page::picture() {
   return image;
 }
 
+void Page::callFunction(const std::string& name, const std::string& text) {
+  view_.page()->mainFrame()->evaluateJavaScript(
+      QString("if (window.%1) window.%1('%2')")
+          .arg(QString::fromStdString(name), QString::fromStdString(text)));
+}
+
 void Page::message(QWebPage::MessageSource source, QWebPage::MessageLevel level,
                    const QString& text, int line, const QString& where) {
   if (source == QWebPage::ConsoleAPIMessageSource) {

@@ -37,6 +37,8 @@ class Page {
   bool removeElement(const QString& selector);
   // The page as it looks now.
   QImage picture();
+  // Calls a function of the page by its name, if it has one.
+  void callFunction(const std::string& name, const std::string& text);
 
  private:
   void message(QWebPage::MessageSource source, QWebPage::MessageLevel level, const QString& text,

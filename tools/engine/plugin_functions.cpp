@@ -108,6 +108,10 @@ NPError startPlugin(const NPNetscapeFuncs* browser, NPPluginFuncs* plugin) {
   return NPERR_NO_ERROR;
 }
 
+bool dropFiles(int x, int y, const std::vector<std::string>& paths) {
+  return bridge().onPluginThread([&] { return pluginWindows->drop(x, y, paths); });
+}
+
 unsigned instancesMade() {
   return made;
 }

@@ -2,6 +2,9 @@
 // functions that run those of the library on the plug-in's thread.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "plugin_abi.h"
 #include "plugin_module.h"
 #include "plugin_windows.h"
@@ -14,6 +17,10 @@ void usePlugin(PluginModule& module, PluginWindows& windows);
 // NP_Initialize of the engine: starts the library with the engine's functions and fills the
 // engine's table. Engine's thread.
 NPError startPlugin(const NPNetscapeFuncs* browser, NPPluginFuncs* plugin);
+
+// A drag of files with the mouse to this place of the page; false if it did not go there. Engine's
+// thread.
+bool dropFiles(int x, int y, const std::vector<std::string>& paths);
 
 // Instances made so far, and those that have been made and not destroyed. Engine's thread.
 unsigned instancesMade();

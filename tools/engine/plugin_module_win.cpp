@@ -5,17 +5,10 @@
 
 #include <vector>
 
+#include "windows_text.h"
+
 namespace engine {
 namespace {
-
-using WideText = std::vector<WCHAR>;
-
-WideText wide(const std::string& text) {
-  const int size = MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, nullptr, 0);
-  WideText result(static_cast<size_t>(size));
-  MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, result.data(), size);
-  return result;
-}
 
 std::string utf8(const WCHAR* text) {
   const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
@@ -23,15 +16,6 @@ std::string utf8(const WCHAR* text) {
   WideCharToMultiByte(CP_UTF8, 0, text, -1, result.data(), size, nullptr, nullptr);
   result.resize(static_cast<size_t>(size) - 1);
   return result;
-}
-
-// The drive Z: is the Unix root in every Wine prefix.
-WideText windowsPath(const std::string& unixPath) {
-  std::string path = "Z:" + unixPath;
-  for (char& c : path) {
-    if (c == '/') c = '\\';
-  }
-  return wide(path);
 }
 
 std::string versionText(void* block, const std::string& key) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "plugin_abi.h"
@@ -29,6 +30,10 @@ class PluginWindows {
     std::vector<uint32_t> pixels;
   };
   Picture picture(NPP instance);
+
+  // Drags files, by their paths on the host system, with the mouse from the top-level window's edge
+  // to this place of the page and lets them go there. False if the drag did not go that way.
+  bool drop(int x, int y, const std::vector<std::string>& paths);
 
   // Dispatches messages and serves the bridge until quit() is called.
   void run();

@@ -5,9 +5,12 @@
 #include <condition_variable>
 #include <map>
 #include <mutex>
+#include <utility>
 
 #include "bridge.h"
 #include "fault_guard.h"
+#include "tools/user/file_drag_win.h"
+#include "windows_text.h"
 
 namespace engine {
 namespace {
@@ -134,6 +137,21 @@ PluginWindows::Picture PluginWindows::picture(NPP instance) {
   DeleteDC(memory);
   DeleteObject(bitmap);
   return result;
+}
+
+// COM is up on this thread as long as the library is started.
+bool PluginWindows::drop(int x, int y, const std::vector<std::string>& paths) {
+  std::vector<wchar_t> names;
+  for (const std::string& path : paths) {
+    const WideText name = windowsPath(path);
+    names.insert(names.end(), name.begin(), name.end());
+  }
+  Vantrel::StandIn::FileList files(std::move(names));
+  RECT area{};
+  GetWindowRect(static_cast<HWND>(top_), &area);
+  const POINT corner{area.right - 2, area.bottom - 2};
+  const POINT place{area.left + x, area.top + y};
+  return Vantrel::StandIn::dragWithMouse(files, corner, {place}) == DRAGDROP_S_DROP;
 }
 
 void PluginWindows::run() {
