@@ -8,18 +8,6 @@
 
 namespace Vantrel::Web {
 
-namespace {
-
-// Asked for its length first, so that no name is cut.
-std::wstring pathAt(HDROP files, UINT index) {
-  std::wstring path(DragQueryFileW(files, index, nullptr, 0), L'\0');
-  // The count leaves out the terminator, the room does not.
-  DragQueryFileW(files, index, path.data(), static_cast<UINT>(path.size() + 1));
-  return path;
-}
-
-}  // namespace
-
 DroppedData::DroppedData(IDataObject& data) {
   FORMATETC format = {CF_HDROP, nullptr, DVASPECT_CONTENT, -1, TYMED_HGLOBAL};
   result_ = data.GetData(&format, &medium_);
@@ -29,10 +17,22 @@ DroppedData::~DroppedData() {
   if (SUCCEEDED(result_)) ReleaseStgMedium(&medium_);
 }
 
-std::vector<std::string> acceptedFiles(HDROP files, bool allowDirectories, bool allowMultiple) {
+UINT countOf(HDROP files) {
   constexpr UINT kCount = 0xFFFFFFFF;
+  return DragQueryFileW(files, kCount, nullptr, 0);
+}
+
+// Asked for its length first, so that no name is cut.
+std::wstring pathAt(HDROP files, UINT index) {
+  std::wstring path(DragQueryFileW(files, index, nullptr, 0), L'\0');
+  // The count leaves out the terminator, the room does not.
+  DragQueryFileW(files, index, path.data(), static_cast<UINT>(path.size() + 1));
+  return path;
+}
+
+std::vector<std::string> acceptedFiles(HDROP files, bool allowDirectories, bool allowMultiple) {
   std::vector<std::string> accepted;
-  const UINT count = DragQueryFileW(files, kCount, nullptr, 0);
+  const UINT count = countOf(files);
   if (count > 1 && !allowMultiple) return accepted;
   for (UINT index = 0; index < count; ++index) {
     const std::wstring path = pathAt(files, index);

@@ -27,6 +27,10 @@ class DroppedData {
   HRESULT result_;
 };
 
+// How many there are, and the whole path of one.
+UINT countOf(HDROP files);
+std::wstring pathAt(HDROP files, UINT index);
+
 // The paths, in UTF-8, of those that may be taken: none of several without `allowMultiple`, no
 // directory without `allowDirectories`, nothing that cannot be examined (which is logged). Throws
 // std::runtime_error for a name that is no text.

@@ -40,8 +40,12 @@ HRESULT ActiveXTest::getClassObject(REFCLSID classId, REFIID id, void** object) 
   return entryOf<Entry>(library_, "DllGetClassObject")(classId, id, object);
 }
 
+HRESULT ActiveXTest::callEntry(const char* name) const {
+  return entryOf<HRESULT(STDAPICALLTYPE*)()>(library_, name)();
+}
+
 HRESULT ActiveXTest::canUnloadNow() const {
-  return entryOf<HRESULT(STDAPICALLTYPE*)()>(library_, "DllCanUnloadNow")();
+  return callEntry("DllCanUnloadNow");
 }
 
 void ActiveXTest::createControl(REFIID id, void** object) const {

@@ -24,6 +24,9 @@ class ActiveXTest : public testing::Test {
 
   // What DllGetClassObject answers.
   HRESULT getClassObject(REFCLSID classId, REFIID id, void** object) const;
+  HMODULE library() const { return library_; }
+  // What an entry without arguments answers.
+  HRESULT callEntry(const char* name) const;
   // What DllCanUnloadNow answers.
   HRESULT canUnloadNow() const;
   // A new control's interface; a failure is the test's.

@@ -12,11 +12,9 @@
 #include "browsers/activex/identifiers.h"
 #include "browsers/activex/registry_entries_win.h"
 #include "dialogs/dialog_com_win.h"
-#include "tests/activex/registry_export_win.h"
-#include "tests/host/process_state.h"
+#include "tests/activex/registered_keys_win.h"
 #include "tests/host/scratch_profile.h"
 #include "tests/support/import_patch_win.h"
-#include "text/wide_text.h"
 
 namespace Vantrel::Web {
 namespace {
@@ -25,102 +23,15 @@ using namespace ActiveX;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-using TestSupport::added;
+using TestSupport::expectedClasses;
 using TestSupport::exportRegistry;
 using TestSupport::ImportPatch;
+using TestSupport::libraryPath;
+using TestSupport::oursForAll;
 using TestSupport::RegistryExport;
+using TestSupport::withoutTypeLibrary;
 
 constexpr wchar_t kClasses[] = L"Software\\Classes";
-
-// A path of an export below `key`, which itself is the empty one.
-std::wstring joined(const std::wstring& key, const std::wstring& path) {
-  return path.empty() || path.front() == L':' ? key + path : key + L"\\" + path;
-}
-
-// The parts that a program may write to when it is installed. Not the system's own one, in which
-// Wine notes its screen whenever the first window appears.
-RegistryExport wholeRegistry() {
-  RegistryExport all = exportRegistry(HKEY_LOCAL_MACHINE, L"Software");
-  for (const auto& entry : exportRegistry(HKEY_CURRENT_USER, L"", {L"Software\\Wine"})) {
-    all.insert({L"user\\" + entry.first, entry.second});
-  }
-  return all;
-}
-
-// What there is of ours for all users. A walk through all of their classes takes a second; one case
-// makes it.
-RegistryExport oursForAll() {
-  RegistryExport ours;
-  for (const std::wstring key :
-       {L"CLSID\\{E9378289-952A-49ED-95A3-F5141E4E8BD6}", L"Orvane.OrvaneWebCtrl.1",
-        L"CLSID\\{5F802412-DCD9-4FE1-89D9-9B0136CEB01D}", L"Orvane.OrvaneWebPropPage.1",
-        L"TypeLib\\{36B9C4ED-8E71-46A7-8227-8FBD962ED169}",
-        L"Interface\\{F0D8624E-30EE-422E-ABD8-C3E97AB604BC}",
-        L"Interface\\{E37768F5-FDB4-40C2-B006-746B52DE0736}"}) {
-    RegistryExport found = exportRegistry(HKEY_LOCAL_MACHINE, kClasses + (L"\\" + key));
-    for (const auto& entry : found) ours.insert({joined(key, entry.first), entry.second});
-  }
-  return ours;
-}
-
-// Registry texts that begin with one of these are the type library's, which the system writes in
-// its own way.
-bool isOfTypeLibrary(std::wstring key) {
-  CharLowerW(key.data());
-  return key.starts_with(L"typelib\\") || key.starts_with(L"interface\\");
-}
-
-RegistryExport withoutTypeLibrary(const RegistryExport& all) {
-  RegistryExport rest;
-  for (const auto& entry : all) {
-    if (!isOfTypeLibrary(entry.first)) rest.insert(entry);
-  }
-  return rest;
-}
-
-std::wstring libraryPath() {
-  wchar_t path[MAX_PATH] = L"";
-  GetFullPathNameW((Host::programDirectory() + L"..\\..\\nporvaneweb.dll").c_str(), MAX_PATH, path,
-                   nullptr);
-  return path;
-}
-
-RegistryExport expectedClasses() {
-  const std::wstring path = libraryPath();
-  const std::wstring control = L"CLSID\\{E9378289-952A-49ED-95A3-F5141E4E8BD6}";
-  const std::wstring page = L"CLSID\\{5F802412-DCD9-4FE1-89D9-9B0136CEB01D}";
-  const std::wstring categories = control + L"\\Implemented Categories";
-  RegistryExport expected = {
-      {control + L":", L"Orvane Web"},
-      {control + L"\\InprocServer32:", path},
-      {control + L"\\InprocServer32:ThreadingModel", L"Apartment"},
-      {control + L"\\MiscStatus:", L"0"},
-      {control + L"\\MiscStatus\\1:", L"131473"},
-      {control + L"\\ProgID:", L"Orvane.OrvaneWebCtrl.1"},
-      {control + L"\\ToolboxBitmap32:", path + L", 1"},
-      {control + L"\\TypeLib:", L"{36B9C4ED-8E71-46A7-8227-8FBD962ED169}"},
-      {control + L"\\Version:", L"1.0"},
-      {page + L":", L"Orvane Web Property Page"},
-      {page + L"\\InprocServer32:", path},
-      {page + L"\\InprocServer32:ThreadingModel", L"Apartment"},
-      {page + L"\\ProgID:", L"Orvane.OrvaneWebPropPage.1"},
-      {L"Orvane.OrvaneWebCtrl.1:", L"Orvane Web"},
-      {L"Orvane.OrvaneWebCtrl.1\\CLSID:", L"{E9378289-952A-49ED-95A3-F5141E4E8BD6}"},
-      {L"Orvane.OrvaneWebPropPage.1:", L"Orvane Web Property Page"},
-      {L"Orvane.OrvaneWebPropPage.1\\CLSID:", L"{5F802412-DCD9-4FE1-89D9-9B0136CEB01D}"},
-      {control + L"\\Control", L""},
-      {categories, L""},
-      {categories + L"\\{7DD95801-9882-11CF-9FA9-00AA006C42C4}", L""},
-      {categories + L"\\{7DD95802-9882-11CF-9FA9-00AA006C42C4}", L""},
-  };
-  // And the keys that these values stand in.
-  const RegistryExport values = expected;
-  for (const auto& entry : values) {
-    const size_t colon = entry.first.find(L':');
-    if (colon != std::wstring::npos) expected[entry.first.substr(0, colon)] = L"";
-  }
-  return expected;
-}
 
 // What is told for a registration that is refused: nothing is written for all users.
 LSTATUS WINAPI refuseForAllUsers(HKEY root, LPCWSTR key, DWORD reserved, LPWSTR keyClass,
@@ -305,48 +216,6 @@ TEST_F(RegistrationTest, AClassThatFailsEndsItAndTakesTheTypeLibraryOut) {
   EXPECT_EQ(SELFREG_E_CLASS, static_cast<HRESULT>(0x80040201));
   EXPECT_THAT(oursForAll(), IsEmpty());
   EXPECT_THAT(writtenForUser(), IsEmpty());
-}
-
-// The system's program for it, in a process of its own.
-DWORD regsvr32(const std::wstring& options) {
-  std::wstring command = L"regsvr32.exe /s " + options + L" \"" + libraryPath() + L"\"";
-  STARTUPINFOW start = {};
-  start.cb = sizeof start;
-  PROCESS_INFORMATION process = {};
-  if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                     &process) == FALSE) {
-    return ~DWORD{0};
-  }
-  WaitForSingleObject(process.hProcess, INFINITE);
-  DWORD code = ~DWORD{0};
-  GetExitCodeProcess(process.hProcess, &code);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
-  return code;
-}
-
-TEST(RegsvrTest, InAndOutLeavesTheWholeRegistryAsItWas) {
-  const Host::ScratchProfile profile;
-  const RegistryExport before = wholeRegistry();
-  ASSERT_GT(before.size(), 1000u);
-  EXPECT_EQ(regsvr32(L""), 0u);
-  RegistryExport classes;
-  for (const auto& entry : added(before, wholeRegistry())) {
-    if (entry.first.find(L"Wow6432Node\\") != std::wstring::npos) {
-      // The system's copy of the type library for 32-bit programs.
-      EXPECT_TRUE(entry.first.find(L"Interface\\") != std::wstring::npos ||
-                  entry.first.find(L"TypeLib\\") != std::wstring::npos);
-      continue;
-    }
-    const std::wstring below = L"Classes\\";
-    ASSERT_TRUE(entry.first.starts_with(below)) << toUtf8(entry.first);
-    classes[entry.first.substr(below.size())] = entry.second;
-  }
-  EXPECT_EQ(withoutTypeLibrary(classes), expectedClasses());
-  EXPECT_EQ(regsvr32(L"/u"), 0u);
-  const RegistryExport after = wholeRegistry();
-  EXPECT_THAT(added(before, after), IsEmpty());
-  EXPECT_EQ(before.size(), after.size());
 }
 
 }  // namespace
