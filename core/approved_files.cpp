@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstring>
+#include <mutex>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
@@ -83,13 +84,25 @@ class PathSet {
   size_t count_ = 0;
 };
 
+// Guards the list: controls of several apartments share it.
+std::mutex approvedMutex;
+
 // Made by the first approval and never destroyed: while a process ends under a dialog that it
 // shows, the destructors of statics run first. No local static, whose making leaves handles of the
 // C++ runtime behind at an unload.
 PathSet* approvedFileList = nullptr;
 
 bool isApproved(std::string_view path, const ApprovedPrefix& prefix) {
+  const std::lock_guard<std::mutex> lock(approvedMutex);
   return approvedFileList != nullptr && approvedFileList->contains(path, prefix);
+}
+
+void approve(std::string_view path) {
+  OV_DEBUG("PlugIn::addToApprovedFileList() - added path to allowed list %s",
+           std::string(path).c_str());
+  const std::lock_guard<std::mutex> lock(approvedMutex);
+  if (approvedFileList == nullptr) approvedFileList = new PathSet;
+  approvedFileList->insert(path);
 }
 
 void noteRefusal(const std::string& path) {
@@ -106,11 +119,9 @@ std::string_view withoutTrailingSlash(std::string_view path) {
 }  // namespace
 
 void addToApprovedFileList(const std::vector<std::string>& paths) {
-  if (approvedFileList == nullptr) approvedFileList = new PathSet;
   for (const std::string& path : paths) {
-    std::string normal(withoutTrailingSlash(forwardSlashes(path)));
-    OV_DEBUG("PlugIn::addToApprovedFileList() - added path to allowed list %s", normal.c_str());
-    approvedFileList->insert(normal);
+    const std::string normal = forwardSlashes(path);
+    approve(withoutTrailingSlash(normal));
   }
 }
 

@@ -1,7 +1,7 @@
 // The files and folders that the user chose in a dialog or dropped: what a page may read or upload.
 //
 // One set for the whole process, shared by all instances of all pages, which only grows; the
-// browser's thread alone touches it. A path is compared byte for byte after its backslashes have
+// functions are for any thread. A path is compared byte for byte after its backslashes have
 // become slashes and one trailing slash has gone: no case folding, no "..", no prefix rule.
 #pragma once
 

@@ -5,6 +5,9 @@
 #include <cstdlib>
 #include <functional>
 #include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "tests/support/log_recorder.h"
 
@@ -94,6 +97,21 @@ TEST(ApprovedFilesTest, PathsBelowARootOfAnyLengthAreFoundByTheRestOfThem) {
       EXPECT_FALSE(isJoinedFileAllowed(root + "in/other", prefix)) << length << " " << known;
     }
   }
+}
+
+TEST(ApprovedFilesTest, SeveralThreadsApproveAndAskAtOnce) {
+  std::vector<std::thread> threads;
+  for (int number = 0; number < 4; ++number) {
+    threads.emplace_back([number] {
+      const std::string folder = "C:/threads/" + std::to_string(number) + "/";
+      for (int i = 0; i < 500; ++i) {
+        addToApprovedFileList({folder + std::to_string(i)});
+        EXPECT_TRUE(isFileAllowed(folder + std::to_string(i)));
+        EXPECT_FALSE(isFileAllowed(folder + std::to_string(i + 1)));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
 }
 
 TEST(ApprovedFilesTest, TheEmptyRestOfALoneSlashIsAPathOfItsOwn) {

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cwchar>
 #include <exception>
+#include <mutex>
 
 #include "dialogs/common_dialogs_win.h"
 #include "dialogs/legacy_dialogs_win.h"
@@ -36,7 +37,15 @@ constexpr std::wstring_view kShortcutEnd = L"lnk";
 // leaves handles of the C++ runtime behind at an unload.
 std::wstring* lastDirectory = nullptr;
 
+std::mutex lastDirectoryMutex;  // guards it: several apartments may show dialogs at once
+
+std::wstring rememberedDirectory() {
+  const std::lock_guard<std::mutex> lock(lastDirectoryMutex);
+  return lastDirectory != nullptr ? *lastDirectory : std::wstring();
+}
+
 void rememberDirectory(const wchar_t* folder) {
+  const std::lock_guard<std::mutex> lock(lastDirectoryMutex);
   if (lastDirectory == nullptr) lastDirectory = new std::wstring;
   *lastDirectory = folder;
 }
@@ -117,7 +126,7 @@ COrvOpenFileDialog::COrvOpenFileDialog(HWND parentWindow, const std::string& tit
     : allowDirectories_(allowDirectories),
       allowFiles_(allowFiles),
       title_(toWide(title)),
-      initialDirectory_(lastDirectory != nullptr ? *lastDirectory : std::wstring()),
+      initialDirectory_(rememberedDirectory()),
       fileBuffer_(kPathLength) {
   if (const auto filters = parseFileTypes(fileTypes); !filters.empty()) {
     filter_ = commonDialogFilter(filters);

@@ -1,26 +1,38 @@
 #include "threads/modal_scope.h"
 
+#include <mutex>
+
 #include "threads/platform.h"
 
 namespace Vantrel::Web {
 
 namespace {
 
-ModalScope* innermost = nullptr;  // the browser's thread alone touches it
+// Guards the list and what its members hold: the scopes of all threads that serve a page.
+std::mutex scopesMutex;
+ModalScope* firstScope = nullptr;
 
 }  // namespace
 
-ModalScope::ModalScope() : outer_(innermost) {
-  innermost = this;
+ModalScope::ModalScope() {
+  const std::lock_guard<std::mutex> lock(scopesMutex);
+  next_ = firstScope;
+  if (next_ != nullptr) next_->previous_ = this;
+  firstScope = this;
 }
 
 ModalScope::~ModalScope() {
-  innermost = outer_;
+  {
+    const std::lock_guard<std::mutex> lock(scopesMutex);
+    (previous_ != nullptr ? previous_->next_ : firstScope) = next_;
+    if (next_ != nullptr) next_->previous_ = previous_;
+  }
   if (holdsModule_) releaseModuleLater();
 }
 
 void ModalScope::instanceEnds() {
-  for (ModalScope* scope = innermost; scope != nullptr; scope = scope->outer_) {
+  const std::lock_guard<std::mutex> lock(scopesMutex);
+  for (ModalScope* scope = firstScope; scope != nullptr; scope = scope->next_) {
     if (!scope->holdsModule_) scope->holdsModule_ = holdModule();
   }
 }

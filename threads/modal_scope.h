@@ -1,10 +1,10 @@
-// Marks that our code is on the browser's thread's stack below a message loop that another runs, as
-// a file dialog does. What ends meanwhile may be more than the instance: the browser may unload
-// this library, to whose code the loop is to return. So each of these that is open when an instance
-// ends keeps the module loaded until its own end.
+// Marks that our code is on the stack of a thread that serves a page, below a message loop that
+// another runs, as a file dialog does. What ends meanwhile may be more than the instance: the
+// browser may unload this library, to whose code the loop is to return. So each of these that is
+// open when an instance ends keeps the module loaded until its own end.
 //
 // Lives on the stack of the entry that may let such a loop run, before all else there. Browser's
-// thread only.
+// thread; controls of several apartments have several of them.
 #pragma once
 
 namespace Vantrel::Web {
@@ -21,7 +21,8 @@ class ModalScope {
   static void instanceEnds();
 
  private:
-  ModalScope* const outer_;
+  ModalScope* next_ = nullptr;
+  ModalScope* previous_ = nullptr;
   bool holdsModule_ = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -62,9 +63,9 @@ void unregisterWindowClass(int32_t number) {
 }  // namespace
 
 WinMessageWindow::WinMessageWindow() {
-  static int32_t count = 0;  // the browser's thread alone makes windows
-  OV_DEBUG("WinMessageWindow() - count=%i", count);
+  static std::atomic<int32_t> count = 0;  // each apartment's thread makes windows of its own
   number_ = count++;
+  OV_DEBUG("WinMessageWindow() - count=%i", number_);
   const std::wstring title = L"OrvaneWebEventWindow" + std::to_wstring(number_);
   const std::wstring name = className(number_);
   registerWindowClass(name);
