@@ -24,6 +24,28 @@ TEST_F(DialogsTest, ASynchronousOpenAnswersAndApprovesTheFiles) {
   EXPECT_EQ(read(instance, file_), text(kHello));
 }
 
+TEST_F(DialogsTest, EachFormOfAReplyEscapesWhatItHasTo) {
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {L"C:\\a:b.txt"};
+  const Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  EXPECT_EQ(
+      instance.call("runOpenFileDialog", {Value::boolean(false), Value::boolean(false)}).value,
+      text("C\\:\\\\a\\:b.txt"));
+  // No file of the platform has such a name; if one had, the array would be no JSON.
+  dialogs.chosen = {L"C:\\a\"b"};
+  openAsync(instance, function);
+  ASSERT_TRUE(waitForCalls(function, 1));
+  EXPECT_THAT(function->calls[0].arguments, ElementsAre(text("[\"C:\\\\a\"b\"]")));
+}
+
+TEST_F(DialogsTest, LeaveForFoldersDoesNotMakeAnOpenDialogPickThem) {
+  FakeFileDialogs dialogs;
+  Instance instance(host());
+  instance.call("runOpenFileDialog", {Value::boolean(true), Value::boolean(false)});
+  EXPECT_THAT(dialogs.calls, testing::Contains("SetOptions " + std::to_string(dialogs.options)));
+}
+
 TEST_F(DialogsTest, ASynchronousFolderMayBeAimedAtButIsNotApproved) {
   FakeFileDialogs dialogs;
   dialogs.chosen = {toWide(folder_)};

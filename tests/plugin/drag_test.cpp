@@ -147,9 +147,22 @@ TEST_F(DragTest, WithoutADropModeTheDataIsNotTouchedAndThePageHearsNothing) {
     EXPECT_EQ(drag({"a.txt"}, {kOutside, kInside}), DRAGDROP_S_DROP);
     EXPECT_EQ(asked_, 0);
     EXPECT_THAT(told_, IsEmpty());
+    EXPECT_TRUE(logHas("ovOrvaneWebPlugin::doDragOver()"));
     EXPECT_FALSE(isApproved(*instance_, "a.txt"));
     end();
   }
+}
+
+TEST_F(DragTest, TheObserverMayRemoveTheElementInTheMidstOfTheDrop) {
+  show({{"drop-mode", "callback"}});
+  (*observer_)->onCall = [this](const Host::PageCall&) {
+    told_.emplace_back("onDrop");
+    EXPECT_EQ(instance_->destroy(), NPERR_NO_ERROR);
+  };
+  EXPECT_EQ(drag({"a.txt"}, {kInside}), DRAGDROP_S_DROP);
+  EXPECT_THAT(drops(), ElementsAre("onDrop"));
+  instance_->settle({.objects = {{observer_->get(), 1}, {handler_->get(), 1}}});
+  instance_.reset();
 }
 
 TEST_F(DragTest, AnUploadDropIsSentAtOnceAndApprovedAndNotTold) {

@@ -98,8 +98,13 @@ TEST_F(ReadingTest, AFileThatAnotherHoldsAloneCannotBeOpened) {
   ASSERT_NE(held, INVALID_HANDLE_VALUE);
   EXPECT_EQ(read(file_), text("Unable to open file: " + file_));
   EXPECT_TRUE(logHas("ERR " + file_ + " file unable to open 32\r\n"));
+  // The page's spelling is the one that it gets back.
+  std::string slashes = file_;
+  std::replace(slashes.begin(), slashes.end(), '\\', '/');
+  EXPECT_EQ(read(slashes), text("Unable to open file: " + slashes));
   CloseHandle(held);
   EXPECT_EQ(read(file_), text(kHello));
+  EXPECT_EQ(read(slashes), text(kHello));
 }
 
 TEST_F(ReadingTest, AnApprovedPathThatIsAFolderByNowIsRefused) {

@@ -32,7 +32,8 @@ class ViewTest : public PluginTest {
     NPWindow shown = window();
     EXPECT_EQ(host().plugin().setwindow(instance.npp(), &shown), NPERR_NO_ERROR);
   }
-  void sendPicture(Instance& instance, const char* url, std::string data) {
+  void sendPicture(Instance& instance, const char* url, std::string data,
+                   NPReason reason = NPRES_DONE) {
     NPStream stream = {};
     stream.url = url;
     char type[] = "image/bmp";
@@ -40,16 +41,29 @@ class ViewTest : public PluginTest {
     host().plugin().newstream(instance.npp(), type, &stream, 0, &kind);
     host().plugin().write(instance.npp(), &stream, 0, static_cast<int32_t>(data.size()),
                           data.data());
-    host().plugin().destroystream(instance.npp(), &stream, NPRES_DONE);
+    host().plugin().destroystream(instance.npp(), &stream, reason);
   }
   // The colour in the middle once everything that waits is painted.
   COLORREF painted(bool erase = false) {
     InvalidateRect(child_, nullptr, erase ? TRUE : FALSE);
     UpdateWindow(child_);
+    return shown();
+  }
+  // The colour in the middle as it is.
+  COLORREF shown() const {
     const HDC dc = GetDC(child_);
     const COLORREF colour = GetPixel(dc, kSize / 2, kSize / 2);
     ReleaseDC(child_, dc);
     return colour;
+  }
+  // Makes the element a colour that nobody else paints.
+  void fill(COLORREF colour) const {
+    const HDC dc = GetDC(child_);
+    const HBRUSH brush = CreateSolidBrush(colour);
+    const RECT all = {0, 0, kSize, kSize};
+    FillRect(dc, &all, brush);
+    DeleteObject(brush);
+    ReleaseDC(child_, dc);
   }
 
   HWND top_ = nullptr;

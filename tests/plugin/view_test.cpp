@@ -8,6 +8,7 @@ namespace Vantrel::Web {
 namespace {
 
 constexpr COLORREF kWhite = RGB(255, 255, 255);
+constexpr COLORREF kMark = RGB(0, 0, 255);
 
 TEST_F(ViewTest, AnElementWithoutAPictureIsWhite) {
   Instance instance(host());
@@ -43,6 +44,53 @@ TEST_F(ViewTest, ATransparentElementShowsWhatLiesBehindOnceItWasTaken) {
   shown.x = shown.y = 100;  // a place of the page where nothing of ours is
   EXPECT_EQ(host().plugin().setwindow(instance.npp(), &shown), NPERR_NO_ERROR);
   EXPECT_EQ(painted(true), kBehind);
+}
+
+TEST_F(ViewTest, ATransparentElementPaintsNothingBeforeThat) {
+  Instance instance(host(), {{"transparent", "yes"}});
+  setWindow(instance);
+  fill(kMark);
+  EXPECT_EQ(painted(), kMark);
+  EXPECT_FALSE(logHas("display image"));
+  EXPECT_EQ(painted(true), kMark);  // nor is anything erased
+}
+
+TEST_F(ViewTest, ASessionPaintsTheElementAgainWhateverBecomesOfIt) {
+  Instance instance(host(), {{"transparent", "yes"}});
+  setWindow(instance);
+  UpdateWindow(child_);
+  EXPECT_EQ(logCount("display image\r\n"), 0U);
+  const std::string reply =
+      instance.call("initSession", {text("^other.host"), text("")}).value.text;
+  EXPECT_EQ(reply.rfind("{\"error\":", 0), 0U) << reply;
+  UpdateWindow(child_);
+  // There is no snapshot yet, which the page's next change of the window brings.
+  EXPECT_EQ(logCount("display image\r\n"), 1U);
+  EXPECT_FALSE(logHas("display image_start"));
+  setWindow(instance);
+  fill(kMark);
+  EXPECT_EQ(painted(), kBehind);
+}
+
+TEST_F(ViewTest, APictureWinsOverTheSnapshotWhichErasesTheWindowAllTheSame) {
+  Instance instance(host(), {{"transparent", "yes"}, {"image", "http://x/red.bmp"}});
+  setWindow(instance);
+  setWindow(instance);
+  sendPicture(instance, "http://x/red.bmp", redBitmap(2, 2));
+  fill(kMark);
+  EXPECT_EQ(painted(), kRed);
+  const HDC dc = GetDC(child_);
+  EXPECT_EQ(SendMessageW(child_, WM_ERASEBKGND, reinterpret_cast<WPARAM>(dc), 0), 1);
+  ReleaseDC(child_, dc);
+  EXPECT_EQ(shown(), kBehind);
+  EXPECT_EQ(painted(true), kRed);
+}
+
+TEST_F(ViewTest, AStreamThatBreaksOffShowsWhatCame) {
+  Instance instance(host(), {{"image", "http://x/red.bmp"}});
+  setWindow(instance);
+  sendPicture(instance, "http://x/red.bmp", redBitmap(2, 2), NPRES_NETWORK_ERR);
+  EXPECT_EQ(painted(), kRed);
 }
 
 TEST_F(ViewTest, TheWindowIsAsItWasWhenTheInstanceIsGone) {
