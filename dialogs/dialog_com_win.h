@@ -17,6 +17,17 @@ template <typename Interface>
 class ComPointer {
  public:
   ComPointer() = default;
+  // Takes a reference of its own; null is none.
+  explicit ComPointer(Interface* pointer) : pointer_(pointer) {
+    if (pointer_ != nullptr) pointer_->AddRef();
+  }
+  ComPointer(ComPointer&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
+  ComPointer& operator=(ComPointer&& other) noexcept {
+    // Given back last: what goes with it may come back here.
+    const ComPointer former(std::move(*this));
+    pointer_ = std::exchange(other.pointer_, nullptr);
+    return *this;
+  }
   ~ComPointer() { reset(); }
   ComPointer(const ComPointer&) = delete;
   ComPointer& operator=(const ComPointer&) = delete;

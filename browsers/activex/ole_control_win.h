@@ -10,26 +10,16 @@
 #include <ole2.h>
 
 #include <atomic>
-#include <memory>
-#include <string>
 
-#include "browsers/activex/module_count_win.h"
+#include "browsers/activex/class_part_win.h"
+#include "browsers/activex/events_part_win.h"
+#include "browsers/activex/in_place_part_win.h"
+#include "browsers/activex/object_part_win.h"
+#include "browsers/activex/persistence_part_win.h"
+#include "browsers/activex/property_exchange_win.h"
 #include "browsers/activex/view_part_win.h"
 
 namespace Vantrel::Web::ActiveX {
-
-// One reading or writing of the control's properties by a container.
-class PropertyExchange {
- public:
-  virtual ~PropertyExchange() = default;
-  // The property's text, which a loading exchange replaces; empty for one that is missing.
-  virtual void exchangeText(const wchar_t* name, std::wstring& value) = 0;
-
- protected:
-  PropertyExchange() = default;
-  PropertyExchange(const PropertyExchange&) = default;
-  PropertyExchange& operator=(const PropertyExchange&) = default;
-};
 
 class OleControl {
  public:
@@ -44,13 +34,18 @@ class OleControl {
   // The ones that its interfaces show.
   IUnknown& outer() { return *outer_; }
 
-  // The properties come or go. Throws what the control cannot bear; the container gets E_FAIL.
-  virtual void doPropExchange(PropertyExchange& exchange) = 0;
+  ObjectPart& object() { return object_; }
+  InPlacePart& inPlace() { return inPlace_; }
+  PersistencePart& persistence() { return persistence_; }
+  EventsPart& events() { return events_; }
+
+  // The properties come or go. What it throws is logged, and the container gets E_FAIL.
+  virtual void doPropExchange(PropertyExchange& exchange);
   // All properties are to be as in a new control.
   virtual void onResetState();
   // There is a new site, or none any more.
   virtual void onSetClientSite() {}
-  // The container wants the picture. Nothing that it throws is told to the container.
+  // The picture is to be painted.
   virtual void onDraw(HDC dc, const RECT& bounds) = 0;
   // The window is about to be made.
   virtual void onCreate(CREATESTRUCTW& create) = 0;
@@ -58,10 +53,12 @@ class OleControl {
   const SIZEL& extent() const { return extent_; }
   void setExtent(const SIZEL& extent) { extent_ = extent; }
   // Where a control that is active without a window is in its container's one; null for any other.
-  virtual const RECT* windowlessPlace() const { return nullptr; }
+  const RECT* windowlessPlace() const;
   // The picture has changed. The container hears of it, and may end the control.
-  void viewChanged() { view_.sendViewChange(); }
-  // The control's own interfaces: one reference, or null.
+  void viewChanged();
+  // Who takes drags over the control; may be null.
+  virtual IDropTarget* dropTarget() = 0;
+  // The control's own interfaces; null for one that it has not.
   virtual void* findInterface(REFIID id) = 0;
 
  private:
@@ -86,6 +83,11 @@ class OleControl {
   Inner inner_;
   IUnknown* const outer_;  // no reference: the aggregate owns this part of it
   SIZEL extent_ = kFirstExtent;
+  ObjectPart object_;
+  InPlacePart inPlace_;
+  PersistencePart persistence_;
+  EventsPart events_;
+  ClassPart class_;
   ViewPart view_;
 };
 

@@ -1,15 +1,22 @@
+// Life of a control, and the properties that hold what is the page's own.
+
 #include "browsers/activex/orvane_web_ctrl_win.h"
 
 #include <exception>
+#include <utility>
 
+#include "browsers/activex/hostname_win.h"
+#include "browsers/activex/identifiers.h"
 #include "runtime/ov_log.h"
+#include "threads/guarded.h"
 #include "threads/runnable_scheduler.h"
 
 namespace Vantrel::Web::ActiveX {
 
-COrvaneWebCtrl::COrvaneWebCtrl(IUnknown* outer) : OleControl(outer) {
+COrvaneWebCtrl::COrvaneWebCtrl(IUnknown* outer) : OleControl(outer), dispatch_(*this) {
   OV_DEBUG("COrvaneWebCtrl()");
   core_ = std::make_unique<Plugin>();
+  dropTarget_.reset(new OrvaneWebIDropTarget(this));
 }
 
 COrvaneWebCtrl::~COrvaneWebCtrl() {
@@ -28,6 +35,8 @@ void COrvaneWebCtrl::teardown() noexcept {
     downloader_.reset();
     image_.reset();
     core_.reset();
+    // Nothing is posted any more.
+    deliveries_.setManager(nullptr);
     if (oneShotManager_) RunnableScheduler::stopRunnables(oneShotManager_.get());
     oneShotManager_.reset();
     eventHandler_.reset();
@@ -36,9 +45,9 @@ void COrvaneWebCtrl::teardown() noexcept {
   }
 }
 
-void COrvaneWebCtrl::doPropExchange(PropertyExchange&) {
-  OV_DEBUG("COrvaneWebCtrl::DoPropExchange()");
-  needParameters_ = false;
+void* COrvaneWebCtrl::findInterface(REFIID id) {
+  const bool known = id == IID_IDispatch || id == kDispatchInterfaceId;
+  return known ? static_cast<IDispatch*>(&dispatch_) : nullptr;
 }
 
 void COrvaneWebCtrl::onResetState() {
@@ -51,12 +60,80 @@ void COrvaneWebCtrl::onSetClientSite() {
   OleControl::onSetClientSite();
 }
 
-void* COrvaneWebCtrl::findInterface(REFIID) {
-  return nullptr;
+void COrvaneWebCtrl::startIfNeeded() {
+  if (needParameters_) onResetState();
 }
 
-void COrvaneWebCtrl::transferEventOccurred(const std::string&) {
-  OV_DEBUG("COrvaneWebCtrl::transferEventOccurred()");
+void COrvaneWebCtrl::doPropExchange(PropertyExchange& exchange) {
+  OV_DEBUG("COrvaneWebCtrl::DoPropExchange()");
+  OleControl::doPropExchange(exchange);
+  if (!std::exchange(needParameters_, false)) return;
+  readParameters(exchange);
+  // Before the core starts: the picture's request lets the page's messages through.
+  if (!imageUrl_.empty()) loadPlugInImage();
+  initPlugin();
+}
+
+void COrvaneWebCtrl::initPlugin() {
+  OV_DEBUG("COrvaneWebCtrl::initPlugin()");
+  for (const auto& [name, value] : parameters_) {
+    OV_DEBUG("param %s=%s", name.c_str(), value.c_str());
+  }
+  // A control that cannot start answers all the same.
+  try {
+    startCore();
+  } catch (const std::exception& exception) {
+    ov_err("Failed to initialize plugin: %s", exception.what());
+  }
+  if (core_->hostname.empty()) core_->hostname = pageHostname(object().site());
+  core_->setParameters(parameters_);
+}
+
+void COrvaneWebCtrl::startCore() {
+  core_->init(launchWaitOf(parameters_));
+  core_->getTransfersPoller()->addListener(this);
+  oneShotManager_ = std::make_unique<OneShotManager>();
+  deliveries_.setManager(oneShotManager_.get());
+}
+
+void COrvaneWebCtrl::transferEventOccurred(const std::string& text) {
+  guarded([this, &text] {
+    OV_DEBUG("COrvaneWebCtrl::transferEventOccurred()");
+    deliveries_.post(std::make_unique<TransferEvent>(*this, text));
+  });
+}
+
+void COrvaneWebCtrl::setName(const wchar_t* name) {
+  try {
+    core_->name = textOf(name);
+    persistence().setModified(true);
+  } catch (const std::exception& exception) {
+    ov_err("Failed to set plugin name: %s", exception.what());
+  }
+}
+
+void COrvaneWebCtrl::setEventHandler(IDispatch* handler) {
+  OV_DEBUG("COrvaneWebCtrl::SetEventHandler");
+  // Held first: the old and the new one may be the same object.
+  ComPointer<IDispatch> next(handler);
+  if (const ComPointer<IDispatch> former = std::move(eventHandler_); former) {
+    ov_log("Event handler removed");
+  }
+  eventHandler_ = std::move(next);
+  if (eventHandler_) ov_log("Event handler set");
+  persistence().setModified(true);
+}
+
+void COrvaneWebCtrl::holdForDialog(const Callback* callback, IDispatch* function) {
+  dialogFunctions_[callback] = ComPointer<IDispatch>(function);
+}
+
+ComPointer<IDispatch> COrvaneWebCtrl::takeFromDialog(const Callback* callback) {
+  const auto found = dialogFunctions_.find(callback);
+  if (found == dialogFunctions_.end()) return {};
+  ComPointer<IDispatch> function = std::move(found->second);
+  dialogFunctions_.erase(found);
+  return function;
 }
 
 }  // namespace Vantrel::Web::ActiveX

@@ -8,10 +8,15 @@
 #include <windows.h>
 #include <ole2.h>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "browsers/activex/callbacks_win.h"
+#include "browsers/activex/deliveries_win.h"
+#include "browsers/activex/dispatch_part_win.h"
+#include "browsers/activex/dispatch_table_win.h"
 #include "browsers/activex/ole_control_win.h"
 #include "browsers/activex/url_download_win.h"
 #include "browsers/shared/drop_target_win.h"
@@ -19,6 +24,7 @@
 #include "browsers/shared/picture_win.h"
 #include "core/plugin.h"
 #include "dialogs/dialog_com_win.h"
+#include "dialogs/native_dialogs.h"
 #include "service/transfer_event_listener.h"
 #include "threads/one_shot_manager.h"
 
@@ -40,7 +46,11 @@ class COrvaneWebCtrl final : public OleControl,
   void onSetClientSite() override;
   void onDraw(HDC dc, const RECT& bounds) override;
   void onCreate(CREATESTRUCTW& create) override;
+  IDropTarget* dropTarget() override { return dropTarget_.get(); }
   void* findInterface(REFIID id) override;
+
+  // For a script's call of a control that no container has loaded: one made by its program id.
+  void startIfNeeded();
 
   // Drags over the control.
   HRESULT dragEnter(IDataObject* data) override;
@@ -48,9 +58,7 @@ class COrvaneWebCtrl final : public OleControl,
   void dragLeave() override {}
   HRESULT drop(IDataObject* data, const DWORD* effect) override;
 
-  // Fetches the element's picture while the caller waits. Messages come through meanwhile: the
-  // control may be gone afterwards.
-  void loadPlugInImage();
+  // What became of the picture.
   void didCompleteDownload(CUrlDownload* download, IXMLHTTPRequest* request) override;
   void didFailDownload(CUrlDownload* download, long status) override;
   void didRejectProtocol(CUrlDownload* download, const Url& url) override;
@@ -58,15 +66,71 @@ class COrvaneWebCtrl final : public OleControl,
   // Poller's thread: posts the text to the page's handler. Lets no exception out.
   void transferEventOccurred(const std::string& text) override;
 
-  // Expires with the control, for code that lets the page or a dialog work and then goes on.
+  // The page's properties.
+  MethodText getName() const { return core_->name; }
+  void setName(const wchar_t* name);
+  void setEventHandler(IDispatch* handler);
+  // Null without one. What calls it holds a reference meanwhile.
+  IDispatch* eventHandler() const { return eventHandler_.get(); }
+
+  // The page's methods.
+  MethodText startDownload(const DispatchArguments& args);
+  MethodText startDownloadToPath(const DispatchArguments& args);
+  MethodText startUploadToURL(const DispatchArguments& args);
+  MethodText startListDownloadToPath(const DispatchArguments& args);
+  MethodText startListUploadToURL(const DispatchArguments& args);
+  MethodText addToDownloadList(const DispatchArguments& args);
+  MethodText addToUploadList(const DispatchArguments& args);
+  MethodText clearDownloadList(const DispatchArguments& args);
+  MethodText clearUploadList(const DispatchArguments& args);
+  MethodText displayTransferManager(const DispatchArguments& args);
+  MethodText displayAboutWindow(const DispatchArguments& args);
+  MethodText displayPreferencesWindow(const DispatchArguments& args);
+  MethodText queryVersion(const DispatchArguments& args);
+  MethodText queryBrowserEngine(const DispatchArguments& args);
+  MethodText queryBuildVersion(const DispatchArguments& args);
+  MethodText queryPluginVersion(const DispatchArguments& args);
+  MethodText queryVantrelVersion(const DispatchArguments& args);
+  MethodText runOpenFileDialog(const DispatchArguments& args);
+  MethodText runOpenFolderDialog(const DispatchArguments& args);
+  MethodText runSaveFileDialog(const DispatchArguments& args);
+  MethodText runOpenFileDialogAsync(const DispatchArguments& args);
+  MethodText runOpenFolderDialogAsync(const DispatchArguments& args);
+  MethodText runSaveFileDialogAsync(const DispatchArguments& args);
+  MethodText initSession(const DispatchArguments& args);
+  MethodText vantrelHttpRequest(const DispatchArguments& args);
+  MethodText vantrelHttpRequestAsync(const DispatchArguments& args);
+  MethodText httpRequestImplementation(const DispatchArguments& args);
+  MethodText handleDrop(const DispatchArguments& args);
+  MethodText readAsArrayBuffer(const DispatchArguments& args);
+  MethodText readChunkAsArrayBuffer(const DispatchArguments& args);
+
+  // The page's function for a dialog's answer, from the call to the answer; one a callback.
+  void holdForDialog(const Callback* callback, IDispatch* function);
+  ComPointer<IDispatch> takeFromDialog(const Callback* callback);
+
+  // Expires with the control, for code that may outlive it.
   std::weak_ptr<bool> life() const { return lifeToken_; }
   Plugin& core() { return *core_; }
 
  private:
+  void readParameters(PropertyExchange& exchange);
+  // The parameter's text, logged; empty for one that is no text.
+  std::string readParameter(PropertyExchange& exchange, const char* name);
+  // Fetches the element's picture while the caller waits. Messages come through meanwhile.
+  void loadPlugInImage();
+  void initPlugin();
+  void startCore();
   // Takes the control down in its fixed order. Logs what it throws.
   void teardown() noexcept;
+  HWND window() { return inPlace().window(); }
+  MethodText schedule(std::unique_ptr<NativeDialog> dialog, IDispatch* function, DialogKind kind);
 
   std::shared_ptr<bool> lifeToken_ = std::make_shared<bool>(true);
+  DispatchPart dispatch_;
+  Deliveries deliveries_;
+  std::map<const Callback*, ComPointer<IDispatch>> dialogFunctions_;
+  OwnedDropTarget dropTarget_;
   ComPointer<IDispatch> eventHandler_;  // the page's function
   std::unique_ptr<OneShotManager> oneShotManager_;
   ElementParameters parameters_;

@@ -6,7 +6,11 @@
 #include <windows.h>
 #include <ole2.h>
 
+#include <utility>
+
 #include "browsers/activex/com_base_win.h"
+#include "dialogs/dialog_com_win.h"
+#include "threads/guarded.h"
 
 namespace Vantrel::Web::ActiveX {
 
@@ -28,6 +32,14 @@ class Part : public ComBase<Interfaces...> {
 
  protected:
   OleControl& control() const { return control_; }
+
+  // Runs what an interface's function does. The control outlives it, whatever a page, a container
+  // or a window does meanwhile; what it throws becomes `otherwise`.
+  template <class Function>
+  HRESULT entered(HRESULT otherwise, Function&& function) const {
+    const ComPointer<IUnknown> hold(&unknownOf(control_));
+    return guarded<HRESULT>(otherwise, std::forward<Function>(function));
+  }
 
  private:
   OleControl& control_;

@@ -1,0 +1,246 @@
+#include "browsers/activex/in_place_part_win.h"
+
+#include "browsers/activex/module_resources_win.h"
+#include "browsers/activex/ole_control_win.h"
+#include "threads/guarded.h"
+
+namespace Vantrel::Web::ActiveX {
+
+namespace {
+
+constexpr wchar_t kWindowClass[] = L"OrvaneWebControl";
+constexpr DWORD kWindowStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
+
+// For every window again: one that is there already serves as well. The last window takes the class
+// with it, as the library may be unloaded then.
+void registerWindowClass(WNDPROC procedure) {
+  WNDCLASSEXW windowClass = {};
+  windowClass.cbSize = sizeof windowClass;
+  windowClass.style = CS_HREDRAW | CS_VREDRAW;
+  windowClass.lpfnWndProc = procedure;
+  windowClass.hInstance = moduleInstance();
+  windowClass.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
+  windowClass.lpszClassName = kWindowClass;
+  RegisterClassExW(&windowClass);
+}
+
+int widthOf(const RECT& rect) {
+  return rect.right - rect.left;
+}
+
+int heightOf(const RECT& rect) {
+  return rect.bottom - rect.top;
+}
+
+}  // namespace
+
+InPlacePart::~InPlacePart() {
+  closeWindow();
+}
+
+HRESULT InPlacePart::activate(bool forUser) {
+  IOleClientSite* const site = control().object().site();
+  if (site == nullptr) return E_UNEXPECTED;
+  if (state_ == State::kPassive) {
+    const ComPointer<IOleClientSite> held(site);
+    const HRESULT entered = enter(*held.get());
+    if (FAILED(entered)) {
+      deactivate();
+      return entered;
+    }
+    held->ShowObject();
+  }
+  if (window_ != nullptr) ShowWindow(window_, SW_SHOW);
+  // The site may have deactivated the control meanwhile.
+  if (forUser && state_ == State::kShown) takeKeyboard();
+  return S_OK;
+}
+
+// Becomes active in the site, which decides whether the control has a window.
+HRESULT InPlacePart::enter(IOleClientSite& clientSite) {
+  const HRESULT offered = clientSite.QueryInterface(IID_IOleInPlaceSite, site_.putVoid());
+  if (FAILED(offered)) return offered;
+  if (site_->CanInPlaceActivate() != S_OK) return E_FAIL;
+  const HRESULT announced = announce();
+  if (FAILED(announced)) return announced;
+  state_ = State::kShown;
+  HWND parent = nullptr;
+  const HRESULT found = site_->GetWindow(&parent);
+  if (FAILED(found)) return found;
+  ComPointer<IOleInPlaceUIWindow> document;
+  RECT clip = {};
+  OLEINPLACEFRAMEINFO info = {};
+  info.cb = sizeof info;
+  const HRESULT told = site_->GetWindowContext(frame_.put(), document.put(), &place_, &clip, &info);
+  if (FAILED(told)) return told;
+  return windowless_ ? S_OK : openWindow(parent);
+}
+
+HRESULT InPlacePart::announce() {
+  site_->QueryInterface(IID_IOleInPlaceSiteEx, siteEx_.putVoid());
+  site_->QueryInterface(IID_IOleInPlaceSiteWindowless, siteNoWindow_.putVoid());
+  windowless_ = siteNoWindow_ && siteNoWindow_->CanWindowlessActivate() == S_OK;
+  if (!windowless_) siteNoWindow_.reset();
+  if (!siteEx_) return site_->OnInPlaceActivate();
+  WINBOOL noRedraw = FALSE;
+  return siteEx_->OnInPlaceActivateEx(&noRedraw, windowless_ ? ACTIVATE_WINDOWLESS : 0);
+}
+
+HRESULT InPlacePart::openWindow(HWND parent) {
+  registerWindowClass(windowProc);
+  CREATESTRUCTW create = {};
+  create.lpCreateParams = this;
+  create.hInstance = moduleInstance();
+  create.hwndParent = parent;
+  create.x = place_.left;
+  create.y = place_.top;
+  create.cx = widthOf(place_);
+  create.cy = heightOf(place_);
+  create.style = static_cast<LONG>(kWindowStyle);
+  create.lpszClass = kWindowClass;
+  control().onCreate(create);
+  window_ = CreateWindowExW(
+      create.dwExStyle, create.lpszClass, L"", static_cast<DWORD>(create.style), create.x, create.y,
+      create.cx, create.cy, create.hwndParent, nullptr, create.hInstance, create.lpCreateParams);
+  if (window_ == nullptr) return E_FAIL;
+  // Without a window of its own, the container asks for the target instead. It holds a reference
+  // until the window takes it back.
+  IDropTarget* const target = control().dropTarget();
+  if (target != nullptr) RegisterDragDrop(window_, target);
+  return S_OK;
+}
+
+void InPlacePart::closeWindow() {
+  if (window_ == nullptr) return;
+  const HWND window = std::exchange(window_, nullptr);
+  RevokeDragDrop(window);
+  SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+  DestroyWindow(window);
+  UnregisterClassW(kWindowClass, moduleInstance());
+}
+
+void InPlacePart::takeKeyboard() {
+  state_ = State::kForUser;
+  site_->OnUIActivate();
+  if (window_ != nullptr) {
+    SetFocus(window_);
+  } else if (siteNoWindow_) {
+    siteNoWindow_->SetFocus(TRUE);
+  }
+  if (frame_) {
+    frame_->SetActiveObject(this, nullptr);
+    frame_->SetBorderSpace(nullptr);
+  }
+}
+
+HRESULT STDMETHODCALLTYPE InPlacePart::UIDeactivate() {
+  return entered(E_FAIL, [this] {
+    if (state_ != State::kForUser) return S_OK;
+    state_ = State::kShown;
+    const ComPointer<IOleInPlaceSite> site(site_.get());
+    if (frame_) frame_->SetActiveObject(nullptr, nullptr);
+    site->OnUIDeactivate(FALSE);
+    return S_OK;
+  });
+}
+
+void InPlacePart::deactivate() {
+  UIDeactivate();
+  const ComPointer<IOleInPlaceSite> site = std::move(site_);
+  const ComPointer<IOleInPlaceSiteEx> siteEx = std::move(siteEx_);
+  siteNoWindow_.reset();
+  frame_.reset();
+  closeWindow();
+  const bool wasActive = std::exchange(state_, State::kPassive) != State::kPassive;
+  windowless_ = false;
+  if (!wasActive) return;
+  if (siteEx) {
+    siteEx->OnInPlaceDeactivateEx(FALSE);
+  } else {
+    site->OnInPlaceDeactivate();
+  }
+}
+
+void InPlacePart::hide() {
+  UIDeactivate();
+  if (window_ != nullptr) ShowWindow(window_, SW_HIDE);
+}
+
+void InPlacePart::invalidate() {
+  if (window_ != nullptr) InvalidateRect(window_, nullptr, TRUE);
+  if (siteNoWindow_) siteNoWindow_->InvalidateRect(nullptr, TRUE);
+}
+
+HRESULT STDMETHODCALLTYPE InPlacePart::GetWindow(HWND* window) {
+  if (window == nullptr) return E_POINTER;
+  *window = window_;
+  return window_ != nullptr ? S_OK : E_FAIL;
+}
+
+HRESULT STDMETHODCALLTYPE InPlacePart::InPlaceDeactivate() {
+  return entered(E_FAIL, [this] {
+    deactivate();
+    return S_OK;
+  });
+}
+
+HRESULT STDMETHODCALLTYPE InPlacePart::SetObjectRects(LPCRECT place, LPCRECT clip) {
+  if (place == nullptr) return E_INVALIDARG;
+  place_ = *place;
+  if (window_ == nullptr) return S_OK;
+  RECT seen = *place;
+  if (clip != nullptr && IntersectRect(&seen, place, clip) != FALSE &&
+      EqualRect(&seen, place) == FALSE) {
+    OffsetRect(&seen, -place->left, -place->top);
+    SetWindowRgn(window_, CreateRectRgnIndirect(&seen), TRUE);
+  } else {
+    SetWindowRgn(window_, nullptr, TRUE);
+  }
+  MoveWindow(window_, place->left, place->top, widthOf(*place), heightOf(*place), TRUE);
+  return S_OK;
+}
+
+// The control takes nothing but drags, which come another way.
+HRESULT STDMETHODCALLTYPE InPlacePart::OnWindowMessage(UINT, WPARAM, LPARAM, LRESULT* result) {
+  if (result != nullptr) *result = 0;
+  return S_FALSE;
+}
+
+HRESULT STDMETHODCALLTYPE InPlacePart::GetDropTarget(IDropTarget** target) {
+  if (target == nullptr) return E_POINTER;
+  *target = control().dropTarget();
+  if (*target == nullptr) return E_NOTIMPL;
+  (*target)->AddRef();
+  return S_OK;
+}
+
+void InPlacePart::paint() {
+  PAINTSTRUCT paint = {};
+  const HDC dc = BeginPaint(window_, &paint);
+  RECT bounds = {};
+  GetClientRect(window_, &bounds);
+  guarded([&] { control().onDraw(dc, bounds); });
+  EndPaint(window_, &paint);
+}
+
+LRESULT CALLBACK InPlacePart::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_NCCREATE) {
+    const auto* const create = reinterpret_cast<const CREATESTRUCTW*>(lParam);
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
+  }
+  // None once the control has let go of the window.
+  auto* const part = reinterpret_cast<InPlacePart*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  if (part == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+  if (message == WM_PAINT && part->window_ != nullptr) {
+    part->paint();
+    return 0;
+  }
+  // The container's window has gone with all in it.
+  if (message == WM_NCDESTROY) {
+    part->window_ = nullptr;
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+  }
+  return DefWindowProcW(window, message, wParam, lParam);
+}
+
+}  // namespace Vantrel::Web::ActiveX
