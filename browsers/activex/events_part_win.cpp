@@ -48,6 +48,7 @@ using ConnectionList = Enumerator<IEnumConnections, CONNECTDATA, SharedConnectio
 
 std::vector<SharedConnection> copyOf(const std::vector<Connection>& connections) {
   std::vector<SharedConnection> copies;
+  copies.reserve(connections.size());
   for (const Connection& connection : connections) {
     copies.push_back({Shared<IDispatch>(connection.sink.get()), connection.number});
   }
