@@ -26,7 +26,7 @@ std::string_view dateText(int64_t seconds) {
 
 void appendEntry(std::string& json, const std::string& path) {
   ov_stat info = {};
-  ov_file_stat(path.c_str(), &info, OV_STAT_IDENTITY);
+  ov_file_stat(path.c_str(), &info, 0);
   json += '{';
   if (const std::string_view date = dateText(info.modified); !date.empty()) {
     json.append(R"("lastModifiedDate":")").append(date).append("\",");

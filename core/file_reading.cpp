@@ -40,7 +40,7 @@ bool checkFile(Reading& reading) {
     return reading.refuse(jsonErrorReply(reading.withPath(kErrorFileNotAuthorized)));
   }
   // A path that cannot be examined leaves a record of no type.
-  ov_file_stat(path, &reading.info, OV_STAT_IDENTITY);
+  ov_file_stat(path, &reading.info, 0);
   if (reading.info.type != OV_TYPE_REGULAR) {
     ov_err("%s is an invalid file:\n  ", path);
     return reading.refuse(jsonErrorReply(reading.withPath(kErrorInvalidFileType)));

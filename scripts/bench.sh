@@ -11,7 +11,7 @@ cd "$(dirname "$0")/.."
 . scripts/steps.sh
 rows=$PWD/build/bench-rows.txt
 native="encodings check growth"
-windows="$native log exchange reply memory page"
+windows="$native log exchange reply memory page files"
 
 # Those of the programs "$1" that were asked for, "$2"; all of them if none was.
 chosen() {
