@@ -139,6 +139,7 @@ TEST_F(LegacyDialogsTest, ASaveGivesTheNameThatWasTyped) {
 }
 
 TEST_F(LegacyDialogsTest, ACancelIsAnEmptyText) {
+  const size_t errors = logCount("ERR ");
   const auto cancelled = [this](const char* method, const std::vector<Value>& arguments) {
     const DialogDriver driver(DialogDriver::cancel);
     EXPECT_EQ(call(method, arguments), text("")) << method;
@@ -148,7 +149,7 @@ TEST_F(LegacyDialogsTest, ACancelIsAnEmptyText) {
   cancelled("runOpenFolderDialog", {Value::boolean(false)});
   cancelled("runOpenFolderDialog", {Value::boolean(true)});
   cancelled("runSaveFileDialog", {text("x.txt")});
-  EXPECT_EQ(logCount("ERR "), 0u);
+  EXPECT_EQ(logCount("ERR "), errors);
 }
 
 constexpr wchar_t kAgain[] = L"OV_LEGACY_DIALOGS_AGAIN";
