@@ -7,6 +7,7 @@
 
 #include <windows.h>
 #include <ole2.h>
+#include <shellapi.h>
 
 #include <map>
 #include <memory>
@@ -121,6 +122,12 @@ class COrvaneWebCtrl final : public OleControl,
   void loadPlugInImage();
   void initPlugin();
   void startCore();
+  // Whether a drag of these may go on.
+  bool validateDrop(HDROP files) const;
+  // What was dropped is approved and told, or uploaded.
+  void processDrop();
+  // False if it cannot be told as a text.
+  bool tellDrop(const std::vector<std::string>& paths, const std::string& json);
   // Takes the control down in its fixed order. Logs what it throws.
   void teardown() noexcept;
   HWND window() { return inPlace().window(); }
