@@ -98,7 +98,7 @@ Outcome leave(Place place) {
 
 // Nothing half done stays behind.
 Outcome enterWhole(Place place, const std::wstring& path) {
-  const Outcome result =
+  const auto result =
       guarded<Outcome>({SELFREG_E_CLASS, E_OUTOFMEMORY}, [&] { return enter(place, path); });
   if (!result.ok()) {
     leave(place);

@@ -11,6 +11,8 @@ DraggedFiles::DraggedFiles(ReferenceBook& owner, std::string label,
     : Counted(owner, std::move(label)) {
   for (const std::wstring& path : paths) names_ += path + L'\0';
   names_ += L'\0';
+  // The system takes the first name for granted: a list of nothing is one empty name.
+  if (paths.empty()) names_ += L'\0';
 }
 
 STDMETHODIMP DraggedFiles::GetData(FORMATETC* format, STGMEDIUM* medium) {
