@@ -89,6 +89,13 @@ void DialogDriver::cancel(HWND dialog) {
   StandIn::pressCancel(dialog);
 }
 
+void DialogDriver::acceptInVain(HWND dialog) {
+  // Sent, so that the dialog has done with it when this returns.
+  SendMessageW(dialog, WM_COMMAND, IDOK, 0);
+  EXPECT_NE(IsWindowVisible(dialog), FALSE) << "the dialog has ended";
+  cancel(dialog);
+}
+
 void DialogDriver::close(HWND dialog) {
   PostMessageW(dialog, WM_CLOSE, 0, 0);
 }

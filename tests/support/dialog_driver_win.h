@@ -31,6 +31,8 @@ class DialogDriver {
   static void accept(HWND dialog);
   static void accept(HWND dialog, const std::wstring& text);
   static void cancel(HWND dialog);
+  // Presses OK where that must not end the dialog, and cancels it then.
+  static void acceptInVain(HWND dialog);
   static void close(HWND dialog);
   // Waits for a question that the dialog asks, and answers it with a button's number, such as
   // IDYES.
