@@ -152,6 +152,27 @@ TEST_F(LegacyDialogsTest, ACancelIsAnEmptyText) {
   EXPECT_EQ(logCount("ERR "), errors);
 }
 
+// The dialog's hook and its subclass are the library's code.
+TEST_F(LegacyDialogsTest, ADialogKeepsTheLibraryThatWasUnloadedUnderIt) {
+  const Host::PageReference function = host().page.makeFunction("callback");
+  bool left = false;
+  {
+    const PageTask leave([&] {
+      EXPECT_EQ(instance_->destroy(), NPERR_NO_ERROR);
+      instance_->settle({.objects = {{function.get(), 1}}});
+      host().unload();
+      left = true;
+    });
+    const DialogDriver driver([&leave](HWND dialog) {
+      leave.run();
+      choose({L"höllo.txt"})(dialog);
+    });
+    openAsync(*instance_, function);
+    EXPECT_TRUE(host().pumpUntil([&] { return left && !host().mapped(); }));
+  }
+  EXPECT_TRUE(function->calls.empty());
+}
+
 constexpr wchar_t kAgain[] = L"OV_LEGACY_DIALOGS_AGAIN";
 
 // Runs this program once more as one of an old system, and gives its exit code.
