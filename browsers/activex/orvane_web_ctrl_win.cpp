@@ -67,8 +67,10 @@ void COrvaneWebCtrl::startIfNeeded() {
 void COrvaneWebCtrl::doPropExchange(PropertyExchange& exchange) {
   OV_DEBUG("COrvaneWebCtrl::DoPropExchange()");
   OleControl::doPropExchange(exchange);
-  if (!std::exchange(needParameters_, false)) return;
+  if (!needParameters_) return;
   readParameters(exchange);
+  // The container may have loaded the control once more meanwhile.
+  if (!std::exchange(needParameters_, false)) return;
   // Before the core starts: the picture's request lets the page's messages through.
   if (!imageUrl_.empty()) loadPlugInImage();
   initPlugin();

@@ -13,7 +13,7 @@ namespace Vantrel::Web::ActiveX {
 // A variant with what it holds, empty from the start.
 class Variant {
  public:
-  Variant() { VariantInit(&value_); }
+  Variant() = default;
   ~Variant() { VariantClear(&value_); }
   Variant(const Variant&) = delete;
   Variant& operator=(const Variant&) = delete;
@@ -23,7 +23,8 @@ class Variant {
   VARTYPE type() const { return value_.vt; }
 
  private:
-  VARIANT value_;
+  // All of it: a container that is asked for a type, and fails, leaves that type in it.
+  VARIANT value_ = {};
 };
 
 // The value that a variant holds itself or refers to.
