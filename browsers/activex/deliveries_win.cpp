@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "browsers/activex/module_count_win.h"
 #include "threads/guarded.h"
 
 namespace Vantrel::Web::ActiveX {
@@ -41,6 +42,8 @@ std::unique_ptr<Delivery> Deliveries::take() {
 }
 
 void Deliveries::run(void* argument) {
+  // The control may go in here, and the library is not to follow before this returns.
+  const ModuleReference moduleReference;
   auto* const self = static_cast<Deliveries*>(argument);
   const std::weak_ptr<bool> alive = self->lifeToken_;
   do {

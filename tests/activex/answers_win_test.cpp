@@ -126,7 +126,11 @@ TEST_F(AnswersTest, APageMayEndTheControlInsideAnAnswer) {
   sendAsync(*control, ending);
   sendAsync(*control, other);
   while (logCount("OneShotManager::scheduleAsyncCallback()") < 2) Sleep(1);
-  ending.onCall = [&](const Variants&) { control.reset(); };
+  ending.onCall = [&](const Variants&) {
+    control.reset();
+    // Its code is still on the stack.
+    EXPECT_EQ(library().canUnload(), S_FALSE);
+  };
   ASSERT_TRUE(waitForCalls(ending, 1));
   container().pumpOnce();
   EXPECT_TRUE(other.calls.empty());
