@@ -10,7 +10,7 @@
 #include "runtime/ov_process.h"
 #include "tests/support/runtime/captured_log.h"
 #include "tests/support/runtime/real_call_win.h"
-#include "tests/support/runtime/real_call_win.h"
+#include "tests/support/runtime/temp_folder.h"
 
 namespace {
 
