@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "tests/plugin/dialogs_fixture.h"
+#include "tests/support/import_patch_win.h"
 
 namespace Vantrel::Web {
 namespace {
@@ -84,6 +85,32 @@ TEST_F(DialogUnloadTest, ALibraryThatIsNotUnloadedStaysAsItIs) {
   EXPECT_TRUE(host().mapped());
   Instance other(host());
   EXPECT_EQ(other.call("runSaveFileDialog", {text("")}).value, text(""));
+}
+
+HANDLE WINAPI noThread(SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE, void*, DWORD, DWORD*) {
+  SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  return nullptr;
+}
+
+TEST_F(DialogUnloadTest, WithoutAThreadToUnloadItTheLibraryStays) {
+  FakeFileDialogs dialogs;
+  auto* const library = static_cast<HMODULE>(const_cast<void*>(host().module()));
+  Instance instance(host());
+  instance.script();
+  dialogs.onShow = [&] {
+    EXPECT_EQ(instance.destroy(), NPERR_NO_ERROR);
+    instance.settle();
+  };
+  {
+    const TestSupport::ImportPatch patch(library, "CreateThread", noThread);
+    EXPECT_TRUE(instance.call("runSaveFileDialog", {text("")}).accepted);
+  }
+  EXPECT_TRUE(logHas("ERR The library stays loaded: error 8\r\n"));
+  host().unload();
+  host().pumpFor(100);
+  EXPECT_TRUE(host().mapped());
+  // In a browser it stays to the end of the process.
+  FreeLibrary(library);
 }
 
 // The platform's own dialog, removed from under by the page while the user looks at it.

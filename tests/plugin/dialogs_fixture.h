@@ -91,6 +91,14 @@ class RealDialogsTest : public DialogsTest {
   void SetUp() override {
     showOne();
     DialogsTest::SetUp();
+    window_ = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 50, 50, nullptr,
+                              nullptr, nullptr, nullptr);
+  }
+  // Whatever became of the dialogs, the browser's window takes input again.
+  void TearDown() override {
+    EXPECT_NE(IsWindowEnabled(window_), FALSE);
+    DestroyWindow(window_);
+    DialogsTest::TearDown();
   }
   static void showOne() {
     ASSERT_GE(CoInitialize(nullptr), 0);
@@ -105,6 +113,8 @@ class RealDialogsTest : public DialogsTest {
     dialog->Release();
     CoUninitialize();
   }
+
+  HWND window_ = nullptr;  // stands for the browser's
 };
 
 }  // namespace Vantrel::Web

@@ -212,7 +212,10 @@ TEST_F(RealDialogsTest, TheAnswerIsWhatTheUserTyped) {
   const Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
   {
-    const DialogDriver driver([this](HWND dialog) { DialogDriver::accept(dialog, toWide(file_)); });
+    const DialogDriver driver([this](HWND dialog) {
+      EXPECT_EQ(IsWindowEnabled(window_), FALSE);
+      DialogDriver::accept(dialog, toWide(file_));
+    });
     openAsync(instance, function);
     ASSERT_TRUE(waitForCalls(function, 1));
   }
