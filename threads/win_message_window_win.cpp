@@ -38,17 +38,19 @@ HINSTANCE module() {
   return static_cast<HINSTANCE>(moduleHandle());
 }
 
-std::wstring className(int32_t number) {
-  return L"OWEventWindow" + std::to_wstring(number);
-}
+// Needs no memory of the heap: a window must be able to end without any.
+struct ClassName {
+  explicit ClassName(int32_t number) { wsprintfW(text, L"OWEventWindow%d", number); }
+  wchar_t text[32];  // more than the longest number needs
+};
 
 // A class of its own for every window; one that exists already serves as well.
-void registerWindowClass(const std::wstring& name) {
+void registerWindowClass(const ClassName& name) {
   WNDCLASSEXW windowClass = {};
   windowClass.cbSize = sizeof windowClass;
   windowClass.lpfnWndProc = _WinProc;
   windowClass.hInstance = module();
-  windowClass.lpszClassName = name.c_str();
+  windowClass.lpszClassName = name.text;
   if (RegisterClassExW(&windowClass) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) {
     throw std::runtime_error("Could not register window class");
   }
@@ -57,7 +59,7 @@ void registerWindowClass(const std::wstring& name) {
 // Each class holds one of the session's 16,384 atoms. On Windows, a window that goes while its own
 // procedure is further up the stack keeps its class, and then the atom stays taken.
 void unregisterWindowClass(int32_t number) {
-  UnregisterClassW(className(number).c_str(), module());
+  UnregisterClassW(ClassName(number).text, module());
 }
 
 }  // namespace
@@ -67,10 +69,10 @@ WinMessageWindow::WinMessageWindow() {
   number_ = count++;
   OV_DEBUG("WinMessageWindow() - count=%i", number_);
   const std::wstring title = L"OrvaneWebEventWindow" + std::to_wstring(number_);
-  const std::wstring name = className(number_);
+  const ClassName name(number_);
   registerWindowClass(name);
-  hWnd_ = CreateWindowExW(0, name.c_str(), title.c_str(), WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE,
-                          nullptr, module(), nullptr);
+  hWnd_ = CreateWindowExW(0, name.text, title.c_str(), WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                          module(), nullptr);
   if (hWnd_ == nullptr) {
     unregisterWindowClass(number_);
     throw std::runtime_error("Could not create Message Window");
