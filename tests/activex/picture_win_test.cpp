@@ -5,10 +5,9 @@
 #include <windows.h>
 #include <msxml2.h>
 
-#include <cstring>
-
 #include "tests/activex/control_fixture.h"
 #include "tests/container/drawing_win.h"
+#include "tests/plugin/red_bitmap.h"
 #include "tests/support/fake_xml_http_win.h"
 
 namespace Vantrel::Web::ActiveX {
@@ -23,30 +22,11 @@ using TestSupport::Script;
 using TestSupport::ScriptedServer;
 
 constexpr uint32_t kGround = 0x00336699;
-constexpr uint32_t kRed = 0x00FF0000;
+constexpr uint32_t kRedPixel = 0x00FF0000;
 constexpr uint32_t kWhite = 0x00FFFFFF;
 constexpr GUID kXmlHttpRequest = {
     0xED8C108D, 0x4349, 0x11D2, {0x91, 0xA4, 0x00, 0xC0, 0x4F, 0x79, 0x69, 0xE8}};
 constexpr char kUrl[] = "http://host/red.bmp";
-
-// A picture of 2 by 2 red points, 24 bits each.
-std::string redPicture() {
-  std::string rows;
-  for (int row = 0; row < 2; ++row) rows += std::string("\0\0\xFF\0\0\xFF\0\0", 8);
-  BITMAPFILEHEADER file = {};
-  BITMAPINFOHEADER info = {};
-  file.bfType = 0x4D42;
-  file.bfOffBits = sizeof file + sizeof info;
-  file.bfSize = static_cast<DWORD>(file.bfOffBits + rows.size());
-  info.biSize = sizeof info;
-  info.biWidth = info.biHeight = 2;
-  info.biPlanes = 1;
-  info.biBitCount = 24;
-  std::string text(file.bfOffBits, '\0');
-  std::memcpy(text.data(), &file, sizeof file);
-  std::memcpy(text.data() + sizeof file, &info, sizeof info);
-  return text + rows;
-}
 
 uint32_t middleOf(Control& control) {
   const Drawing drawing = drawContent(control.unknown(), 40, 30, kGround);
@@ -58,7 +38,7 @@ class PictureTest : public ControlTest {
  protected:
   void SetUp() override {
     ControlTest::SetUp();
-    http_.body = redPicture();
+    http_.body = redBitmap(2, 2);
   }
 
   std::unique_ptr<Control> make(const std::string& url, const std::string& dropMode = "callback") {
@@ -73,7 +53,7 @@ TEST_F(PictureTest, ItFillsTheControlAndIsFetchedBeforeTheCoreStarts) {
   const Drawing drawing = drawContent(control->unknown(), 40, 30, kGround);
   for (const auto& [x, y] :
        {std::pair(0, 0), std::pair(39, 0), std::pair(0, 29), std::pair(39, 29)})
-    EXPECT_EQ(drawing.at(x, y), kRed);
+    EXPECT_EQ(drawing.at(x, y), kRedPixel);
   EXPECT_TRUE(logHasInOrder(
       {"DBG COrvaneWebCtrl::LoadPlugInImage()\r\n", "DBG COrvaneWebCtrl::DidCompleteDownload()\r\n",
        "DBG COrvaneWebCtrl::initPlugin()\r\n", "DBG COrvaneWebCtrl::OnDraw()\r\n"}));
@@ -165,7 +145,7 @@ TEST_F(PictureTest, ManyPicturesLeaveNoObjectOfTheGraphicsSystem) {
   const auto objects = [] { return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); };
   for (int round = 0; round < 3; ++round) middleOf(*make(kUrl));
   const DWORD before = objects();
-  for (int round = 0; round < 30; ++round) EXPECT_EQ(middleOf(*make(kUrl)), kRed);
+  for (int round = 0; round < 30; ++round) EXPECT_EQ(middleOf(*make(kUrl)), kRedPixel);
   EXPECT_EQ(objects(), before);
 }
 
@@ -199,12 +179,12 @@ class ServedPictureTest : public ControlTest {
 };
 
 TEST_F(ServedPictureTest, ItComesFromAServer) {
-  server_.always("/red.bmp", Script().send(httpReply(redPicture())));
+  server_.always("/red.bmp", Script().send(httpReply(redBitmap(2, 2))));
   server_.always("/none.bmp", Script().send(httpReply("", "404 Not Found")));
   const auto make = [&](const char* path) {
     return makeControl({.parameters = {{"image", server_.url() + path}, {"drop-mode", "upload"}}});
   };
-  EXPECT_EQ(middleOf(*make("/red.bmp")), kRed);
+  EXPECT_EQ(middleOf(*make("/red.bmp")), kRedPixel);
   EXPECT_EQ(middleOf(*make("/none.bmp")), kGround);
   EXPECT_TRUE(logHas("ERR Image loading failed with error 404\r\n"));
 }
