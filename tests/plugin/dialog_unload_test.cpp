@@ -2,6 +2,7 @@
 // module ended and unloaded. Its code stays until the dialog has gone.
 #include <optional>
 
+#include "tests/host/process_state.h"
 #include "tests/plugin/dialogs_fixture.h"
 #include "tests/support/import_patch_win.h"
 
@@ -85,6 +86,25 @@ TEST_F(DialogUnloadTest, ALibraryThatIsNotUnloadedStaysAsItIs) {
   EXPECT_TRUE(host().mapped());
   Instance other(host());
   EXPECT_EQ(other.call("runSaveFileDialog", {text("")}).value, text(""));
+}
+
+TEST_F(DialogUnloadTest, ManyDialogsThatOutliveTheirInstanceLeaveNoThreadAndNoHandle) {
+  FakeFileDialogs dialogs;
+  const auto round = [&] {
+    Instance instance(host());
+    instance.script();
+    dialogs.onShow = [&] { EXPECT_EQ(instance.destroy(), NPERR_NO_ERROR); };
+    EXPECT_TRUE(instance.call("runSaveFileDialog", {text("")}).accepted);
+    instance.settle();
+    waitForRelease();
+  };
+  constexpr int kRounds = 50;
+  for (int i = 0; i < kRounds && !HasFailure(); ++i) round();
+  const size_t threads = Host::threadIds().size();
+  const size_t handles = Host::handleCount();
+  for (int i = 0; i < kRounds && !HasFailure(); ++i) round();
+  EXPECT_EQ(Host::threadIds().size(), threads);
+  EXPECT_EQ(Host::handleCount(), handles);
 }
 
 HANDLE WINAPI noThread(SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE, void*, DWORD, DWORD*) {
