@@ -87,7 +87,8 @@ bool ovWindowsOrvaneWebViewImpl::init(NPWindow* window, NPP, bool dropEnabled,
 }
 
 void ovWindowsOrvaneWebViewImpl::subclass() {
-  SetPropW(pluginWindow_, kViewProperty, this);
+  // Our procedure would find nobody.
+  if (SetPropW(pluginWindow_, kViewProperty, this) == FALSE) return;
   formerProc_ = reinterpret_cast<WNDPROC>(
       SetWindowLongPtrW(pluginWindow_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(windowProc)));
 }
@@ -99,7 +100,10 @@ void ovWindowsOrvaneWebViewImpl::releaseWindow() {
   if (dropTarget_) RevokeDragDrop(pluginWindow_);
   dropTarget_.reset();
   RemovePropW(pluginWindow_, kViewProperty);
-  SetWindowLongPtrW(pluginWindow_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(formerProc_));
+  // Null when ours never came in. Wine takes no notice of it; Windows would call it.
+  if (formerProc_ != nullptr) {
+    SetWindowLongPtrW(pluginWindow_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(formerProc_));
+  }
   if (GetWindowLongPtrW(pluginWindow_, GWLP_USERDATA) == reinterpret_cast<LONG_PTR>(this)) {
     SetWindowLongPtrW(pluginWindow_, GWLP_USERDATA, 0);
   }

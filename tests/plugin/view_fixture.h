@@ -13,6 +13,9 @@ namespace Vantrel::Web {
 inline constexpr COLORREF kBehind = RGB(0, 128, 0);
 inline constexpr int kSize = 40;
 
+// Objects of the graphics system that this process has.
+size_t graphicsObjects();
+
 class ViewTest : public PluginTest {
  protected:
   void SetUp() override;

@@ -219,6 +219,7 @@ FakeFileDialogs::~FakeFileDialogs() {
 
 HRESULT FakeFileDialogs::note(const std::string& name, const std::string& arguments) {
   calls.push_back(arguments.empty() ? name : name + " " + arguments);
+  if (fails && fails(name)) return E_OUTOFMEMORY;
   const auto found = results.find(name);
   return found == results.end() ? S_OK : found->second;
 }

@@ -30,6 +30,8 @@ class FakeFileDialogs {
   // The chosen paths, and what GetOptions tells.
   std::vector<std::wstring> chosen;
   FILEOPENDIALOGOPTIONS options = 0x1808;
+  // Whether a call by its name is to fail, asked for every one; none does if it is empty.
+  std::function<bool(const std::string& name)> fails;
   // What happens while a dialog is shown.
   std::function<void()> onShow;
   // The owner that the dialog was shown with.
