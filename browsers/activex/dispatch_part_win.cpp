@@ -186,11 +186,14 @@ HRESULT DispatchPart::useName(const Call& call) {
     Variant value;
     const HRESULT changed = changeInto(ParameterKind::kText, behindReference(call.params.rgvarg[0]),
                                        call.locale, value.get());
-    if (SUCCEEDED(changed)) webControl_.setName(value.value().bstrVal);
-    return changed;
+    if (FAILED(changed)) return changed;
+    OV_DEBUG("COrvaneWebCtrl::SetName()");
+    webControl_.setName(value.value().bstrVal);
+    return S_OK;
   }
   if (!isGet(call.flags)) return DISP_E_MEMBERNOTFOUND;
   if (call.params.cArgs != 0) return DISP_E_BADPARAMCOUNT;
+  OV_DEBUG("COrvaneWebCtrl::GetName()");
   giveText(MethodResult::kText, webControl_.getName(), call.result);
   return S_OK;
 }

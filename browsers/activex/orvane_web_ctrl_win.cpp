@@ -28,6 +28,8 @@ void COrvaneWebCtrl::teardown() noexcept {
     dropPending_ = false;
     needParameters_ = false;
     OV_DEBUG("~COrvaneWebCtrl()");
+    // What outlives the control finds it gone from here on.
+    lifeToken_.reset();
     // No transfer event starts once the listener has left.
     if (core_ && core_->getTransfersPoller() != nullptr) {
       core_->getTransfersPoller()->removeListener(this);
@@ -39,6 +41,7 @@ void COrvaneWebCtrl::teardown() noexcept {
     deliveries_.setManager(nullptr);
     if (oneShotManager_) RunnableScheduler::stopRunnables(oneShotManager_.get());
     oneShotManager_.reset();
+    dialogFunctions_.clear();
     eventHandler_.reset();
   } catch (const std::exception& exception) {
     ov_err("Cleanup error: %s", exception.what());
@@ -51,12 +54,12 @@ void* COrvaneWebCtrl::findInterface(REFIID id) {
 }
 
 void COrvaneWebCtrl::onResetState() {
-  OV_DEBUG("COrvaneWebCtrl::OnResetState()");
+  ov_log("COrvaneWebCtrl::OnResetState()");
   OleControl::onResetState();
 }
 
 void COrvaneWebCtrl::onSetClientSite() {
-  OV_DEBUG("COrvaneWebCtrl::OnSetClientSite()");
+  ov_log("COrvaneWebCtrl::OnSetClientSite()");
   OleControl::onSetClientSite();
 }
 

@@ -64,7 +64,7 @@ TEST_F(LoadingTest, ALoadLogsWhatItReadsAndStarts) {
   const auto control =
       makeControl({.parameters = {{"transfer-icon", "an ic\xC3\xB6n"}, {"drop-mode", "upload"}}});
   EXPECT_TRUE(logHasInOrder(
-      {"DBG COrvaneWebCtrl()", "DBG COrvaneWebCtrl::OnSetClientSite()",
+      {"DBG COrvaneWebCtrl()", "LOG COrvaneWebCtrl::OnSetClientSite()",
        "DBG COrvaneWebCtrl::DoPropExchange()", "DBG transfer-icon = an ic\xC3\xB6n\r\n",
        "DBG link-capacity = \r\n", "DBG drop-upload-url = ",
        "DBG vantrel-launch-wait-timeout-ms = ", "DBG image = ", "DBG drop-mode = upload",
@@ -110,7 +110,7 @@ TEST_F(LoadingTest, ANewControlIsReset) {
   ASSERT_EQ(control->query(persist), S_OK);
   EXPECT_EQ(persist->InitNew(), S_OK);
   EXPECT_TRUE(
-      logHasInOrder({"DBG COrvaneWebCtrl::OnResetState()", "DBG COrvaneWebCtrl::DoPropExchange()",
+      logHasInOrder({"LOG COrvaneWebCtrl::OnResetState()", "DBG COrvaneWebCtrl::DoPropExchange()",
                      "DBG COrvaneWebCtrl::initPlugin()"}));
 }
 
