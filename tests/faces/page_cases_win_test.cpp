@@ -32,10 +32,13 @@ class PageCasesTest : public FacesTest {
   }
 };
 
-// A case in CTest for each family.
+// A case in CTest for each family and face.
 #define OV_FAMILY(name)                            \
   TEST_F(PageCasesTest, name##OnTheNetscapeFace) { \
     runFamily(Kind::kNetscape, #name);             \
+  }                                                \
+  TEST_F(PageCasesTest, name##OnTheActiveXFace) {  \
+    runFamily(Kind::kActiveX, #name);              \
   }
 
 OV_FAMILY(Queries)

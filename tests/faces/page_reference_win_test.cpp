@@ -116,6 +116,10 @@ TEST_F(PageReferenceTest, ItsExamplesAreTrueOfTheNetscapeFace) {
   runAll(Kind::kNetscape);
 }
 
+TEST_F(PageReferenceTest, ItsExamplesAreTrueOfTheActiveXFace) {
+  runAll(Kind::kActiveX);
+}
+
 TEST(PageReferenceTextTest, EachMemberHasAnExample) {
   const std::string text = referenceText();
   std::vector<std::string> withExample;
