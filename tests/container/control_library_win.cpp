@@ -50,13 +50,19 @@ HRESULT ControlLibrary::create(REFCLSID classId, IUnknown* outer, REFIID id, voi
 
 void ControlLibrary::finish(Host::Faults& faults) {
   if (canUnload() != S_OK) faults.add("the library says that it is still in use");
+  // What a dialog has held goes as soon as this thread takes messages.
+  const uint64_t deadline = Host::milliseconds() + kThreadEndMs;
+  while (!Host::threadsStartedIn(module_).empty() && Host::milliseconds() < deadline) {
+    Host::pumpMessages();
+    Host::pause();
+  }
   const size_t ours = Host::threadsStartedIn(module_).size();
   if (ours != 0) faults.add(std::to_string(ours) + " threads of the control are alive");
   FreeLibrary(std::exchange(module_, nullptr));
   if (Host::moduleMapped(path_)) faults.add("the library is still mapped");
   // A joined thread leaves the system's list a moment after its handle is signalled.
-  const uint64_t deadline = Host::milliseconds() + kThreadEndMs;
-  while (extraThreads() != 0 && Host::milliseconds() < deadline) Host::pause();
+  const uint64_t threadsEnd = Host::milliseconds() + kThreadEndMs;
+  while (extraThreads() != 0 && Host::milliseconds() < threadsEnd) Host::pause();
   if (extraThreads() != 0) faults.add(std::to_string(extraThreads()) + " threads more than before");
 }
 

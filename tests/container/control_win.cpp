@@ -15,15 +15,23 @@ std::string takeText(BSTR text) {
   return copy;
 }
 
+IUnknown* makeControl(const CountingContainer& container, REFCLSID classId) {
+  void* made = nullptr;
+  const HRESULT result = container.library().create(classId, nullptr, IID_IUnknown, &made);
+  if (FAILED(result) || made == nullptr) throw std::runtime_error("the control was not made");
+  return static_cast<IUnknown*>(made);
+}
+
 }  // namespace
 
 Control::Control(CountingContainer& container, REFCLSID classId, const ControlStart& start)
+    : Control(container, makeControl(container, classId), start) {}
+
+Control::Control(CountingContainer& container, IUnknown* made, const ControlStart& start)
     : container_(container),
       site_(container.book.make<Site>("site", container.window(), start.site)),
-      bag_(container.book.make<PropertyBag>("property bag", start.parameters)) {
-  const HRESULT made = container.library().create(classId, nullptr, IID_IUnknown,
-                                                  reinterpret_cast<void**>(&unknown_));
-  if (FAILED(made) || unknown_ == nullptr) throw std::runtime_error("the control was not made");
+      bag_(container.book.make<PropertyBag>("property bag", start.parameters)),
+      unknown_(made) {
   ++container.controls;
   site_.document().address = start.address;
   ComPointer<IOleObject> object;

@@ -45,6 +45,8 @@ class Control {
  public:
   // Made, given its site and loaded. Throws std::runtime_error when there is no control.
   Control(CountingContainer& container, REFCLSID classId, const ControlStart& start = {});
+  // Of a control that somebody else has made, whose one reference comes with it.
+  Control(CountingContainer& container, IUnknown* made, const ControlStart& start = {});
   Control(const Control&) = delete;
   Control& operator=(const Control&) = delete;
   ~Control();

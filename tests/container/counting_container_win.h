@@ -30,7 +30,7 @@ class CountingContainer {
   CountingContainer& operator=(const CountingContainer&) = delete;
   ~CountingContainer();
 
-  ControlLibrary& library() { return *library_; }
+  ControlLibrary& library() const { return *library_; }
   HWND window() const { return window_; }
 
   // Closes the book. Returns all faults so far; objects of the book may be looked at until the end.

@@ -116,6 +116,12 @@ Variant ScriptEngine::evaluate(const std::string& expression) {
   return value;
 }
 
+HRESULT ScriptEngine::callGlobal(const std::string& name, const Variants& arguments) {
+  ComPointer<IDispatch> globals;
+  const HRESULT found = engine_->GetScriptDispatch(nullptr, globals.put());
+  return FAILED(found) ? found : callMethod(globals.get(), name, arguments);
+}
+
 static HRESULT callMember(IDispatch* object, DISPID member, const Variants& arguments) {
   std::vector<VARIANT> list;
   for (const Variant& argument : arguments) list.push_back(argument.get());

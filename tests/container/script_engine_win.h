@@ -67,6 +67,8 @@ class ScriptEngine {
   bool run(const std::string& text);
   // The value of an expression, empty after an error.
   Variant evaluate(const std::string& expression);
+  // Calls a function of the scripts by its name, if there is one.
+  HRESULT callGlobal(const std::string& name, const Variants& arguments);
   // Errors that no script has caught, those of functions that were called from outside included.
   const std::vector<ScriptError>& errors() const { return site_.errors; }
   void forgetErrors() { site_.errors.clear(); }
