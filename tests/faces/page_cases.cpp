@@ -145,7 +145,8 @@ const PageFamily kStarts = {
          "plugin.displayAboutWindow(); plugin.displayPreferencesWindow();"
          "return plugin.displayTransferManager();",
          "undefined"},
-        {"ObjectForText", "return plugin.startDownload({});", "refused", "undefined", kWrongArguments},
+        {"ObjectForText", "return plugin.startDownload({});", "refused", "undefined",
+         kWrongArguments},
         {"EmptyText", "return plugin.addToDownloadList('');", "refused", "undefined",
          kWrongArguments},
     }};
