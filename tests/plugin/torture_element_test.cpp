@@ -105,23 +105,33 @@ class ElementTortureTest : public DropTest {
     DestroyWindow(child_);
   }
 
-  // `part` gives whether all of it succeeded.
-  void torture(const std::function<bool(Instance&)>& part) {
-    const auto once = [&] {
+  // `part` gives whether all of it succeeded. A call fails in the whole life of the element, or
+  // only in the part.
+  void torture(const std::function<bool(Instance&)>& part, bool onlyPart = false) {
+    const auto once = [&](const std::function<bool(Instance&)>& work) {
       bool whole = false;
-      life([&](Instance& instance) { whole = part(instance); });
+      life([&](Instance& instance) { whole = work(instance); });
       (*function_)->calls.clear();
       dialogs_->calls.clear();
       return whole;
     };
+    const auto failing = [&](int n) {
+      const char* call = nullptr;
+      if (!onlyPart) return imports_->runWithFailing(n, [&] { once(part); });
+      once([&](Instance& instance) {
+        call = imports_->runWithFailing(n, [&] { part(instance); });
+        return true;
+      });
+      return call;
+    };
     // Once with the failure and once without.
     const auto pair = [&](int n) {
-      const char* const call = imports_->runWithFailing(n, once);
-      EXPECT_TRUE(once()) << n << ": " << (call != nullptr ? call : "none");
+      const char* const call = failing(n);
+      EXPECT_TRUE(once(part)) << n << ": " << (call != nullptr ? call : "none");
       return call;
     };
     const auto use = [] { return std::pair(Host::handleCount(), graphicsObjects()); };
-    for (int round = 0; round < 3; ++round) ASSERT_TRUE(once());
+    for (int round = 0; round < 3; ++round) ASSERT_TRUE(once(part));
     int failures = 0;
     for (int n = 1; n <= kMostCalls && !HasFailure(); ++n) {
       // The first exception of a process takes handles that stay.
@@ -185,6 +195,39 @@ TEST_F(ElementTortureTest, AFileIsChosenAndRead) {
                             .value;
     return !chosen.empty() && whole && chunk == text("data:text/plain;base64,ZWw=");
   });
+}
+
+// The library's own memory, that of its standard library among it.
+TEST_F(ElementTortureTest, MemoryEndsWhileAFileIsDroppedAndRead) {
+  OV_FAILING_IMPORT(*imports_, malloc, nullptr);
+  torture(
+      [&](Instance& instance) {
+        drop({"a.txt"});
+        const bool told = (*function_)->calls.size() == 2;
+        return isApproved(instance, "a.txt") && told;
+      },
+      true);
+}
+
+TEST_F(ElementTortureTest, MemoryEndsWhileAFileIsChosen) {
+  OV_FAILING_IMPORT(*imports_, malloc, nullptr);
+  torture(
+      [&](Instance& instance) {
+        return !instance.call("runOpenFileDialog", {Value::boolean(false), Value::boolean(true)})
+                    .value.text.empty();
+      },
+      true);
+}
+
+TEST_F(ElementTortureTest, MemoryEndsWhileAPictureIsShown) {
+  OV_FAILING_IMPORT(*imports_, malloc, nullptr);
+  const std::string picture = redBitmap(kSize / 2, kSize / 2);
+  torture(
+      [&](Instance& instance) {
+        sendPicture(instance, kUrl, picture);
+        return painted() == kRed;
+      },
+      true);
 }
 
 }  // namespace
