@@ -171,9 +171,11 @@ UINT_PTR COrvOpenFileDialog::onNotify(HWND child, UINT code) {
 
 void COrvOpenFileDialog::onInitDone(HWND child) {
   frame_ = GetParent(child);
-  SetPropW(frame_, kObjectProperty, this);
-  formerProc_ = reinterpret_cast<WNDPROC>(
-      SetWindowLongPtrW(frame_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(frameProc)));
+  // Without it our procedure would find nobody; the dialog tells of its OK by a notice as well.
+  if (SetPropW(frame_, kObjectProperty, this) != FALSE) {
+    formerProc_ = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(frame_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(frameProc)));
+  }
   center(frame_);
   BringWindowToTop(frame_);
   SetForegroundWindow(frame_);

@@ -8,8 +8,12 @@
 #include <shlobj.h>
 
 #include <filesystem>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 #include "tests/plugin/dialogs_fixture.h"
+#include "tests/support/failing_imports_win.h"
 
 namespace Vantrel::Web {
 namespace {
@@ -73,6 +77,7 @@ class LegacyDialogsTest : public DialogsTest {
       DialogDriver::accept(dialog);
     };
   }
+  HMODULE library() { return static_cast<HMODULE>(const_cast<void*>(host().module())); }
   Value call(const char* method, const std::vector<Value>& arguments) {
     return instance_->call(method, arguments).value;
   }
@@ -171,6 +176,36 @@ TEST_F(LegacyDialogsTest, ADialogKeepsTheLibraryThatWasUnloadedUnderIt) {
     EXPECT_TRUE(host().pumpUntil([&] { return left && !host().mapped(); }));
   }
   EXPECT_TRUE(function->calls.empty());
+}
+
+TEST_F(LegacyDialogsTest, WithoutTheDialogsLibraryThePageSeesACancel) {
+  TestSupport::FailingImports imports(library());
+  OV_FAILING_IMPORT(imports, LoadLibraryW, nullptr);
+  for (const char* const method : {"runOpenFileDialog", "runSaveFileDialog"}) {
+    const bool save = std::string_view(method) == "runSaveFileDialog";
+    const std::vector<Value> arguments =
+        save ? std::vector<Value>{text("x")}
+             : std::vector<Value>{Value::boolean(true), Value::boolean(true)};
+    const char* const failed =
+        imports.runWithFailing(1, [&] { EXPECT_EQ(call(method, arguments), text("")) << method; });
+    EXPECT_STREQ(failed, "LoadLibraryW");
+  }
+  EXPECT_TRUE(logHas("ERR Error displaying open file dialog: Failed to find the common dialogs: "));
+  EXPECT_TRUE(logHas("ERR Error displaying save file dialog: Failed to find the common dialogs: "));
+}
+
+TEST_F(LegacyDialogsTest, ADialogThatCannotBeSubclassedGivesItsFiles) {
+  TestSupport::FailingImports imports(library());
+  OV_FAILING_IMPORT(imports, SetPropW, FALSE);
+  const DialogDriver driver([](HWND dialog) {
+    EXPECT_EQ(DialogDriver::select(dialog, L"höllo.txt"), 1);
+    DialogDriver::accept(dialog);
+  });
+  const char* const failed = imports.runWithFailing(1, [&] {
+    EXPECT_EQ(call("runOpenFileDialog", {Value::boolean(false), Value::boolean(false)}),
+              text(escaped(file_)));
+  });
+  EXPECT_STREQ(failed, "SetPropW");
 }
 
 constexpr wchar_t kAgain[] = L"OV_LEGACY_DIALOGS_AGAIN";
