@@ -93,7 +93,7 @@ class ElementTortureTest : public DropTest {
     child_ = CreateWindowExW(0, L"ViewTestWindow", L"", WS_CHILD | WS_VISIBLE, 10, 10, kSize, kSize,
                              top_, nullptr, nullptr, nullptr);
     {
-      Instance instance(host(), {{"drop-mode", "callback"}, {"image", kUrl}});
+      Instance instance(host(), parameters_);
       instance.script();
       setWindow(instance);
       instance.set("eventHandler", function_->value());
@@ -150,6 +150,7 @@ class ElementTortureTest : public DropTest {
     if (!HasFailure()) FAIL() << "it never ends";
   }
 
+  std::vector<Host::Parameter> parameters_ = {{"drop-mode", "callback"}, {"image", kUrl}};
   std::optional<Host::PageReference> function_;
   std::optional<FakeFileDialogs> dialogs_;
   std::optional<FailingImports> imports_;
@@ -165,6 +166,19 @@ TEST_F(ElementTortureTest, APictureIsShown) {
     sendPicture(instance, kUrl, picture);
     painted(true);
     return painted() == kRed;
+  });
+}
+
+TEST_F(ElementTortureTest, WhatLiesBehindIsTaken) {
+  failDrawing();
+  // The host that hides the element for the moment.
+  host().userAgent = "Chrome/50";
+  parameters_ = {{"transparent", "yes"}};
+  torture([&](Instance& instance) {
+    NPWindow shown = window();
+    shown.x = shown.y = 100;  // a place of the page where nothing of ours is
+    host().plugin().setwindow(instance.npp(), &shown);
+    return painted(true) == kBehind;
   });
 }
 
