@@ -4,7 +4,9 @@
 //
 // In a browser `plugin` is the control's element, and `order`, print, drop and quit are the page's;
 // here tools/scripthost/ gives them: order.host is the page's host, order.source what is received,
-// order.secret a file that nobody chooses.
+// order.other a file that the user does not choose, but drops at the end.
+var plugin_OnDrop, plugin_OnDropEx;  // hear of the control's own events
+
 (function () {
   "use strict";
 
@@ -13,14 +15,12 @@
   var latest = {};   // the newest activity of every transfer, by its id
   var lastLine = "";
 
-  // An error comes back as text too; its words are not escaped, so it may be no JSON.
+  // An error comes back as text too. Its words are not escaped, so JSON.parse would not do: paths
+  // have backslashes.
   function isError(reply) { return reply.indexOf('{"error":') === 0; }
   function errorText(reply) {
-    try {
-      return JSON.parse(reply).error.user_message;
-    } catch (e) {
-      return reply;
-    }
+    var found = /"user_message":"([\s\S]*)"\}\}$/.exec(reply);
+    return found ? found[1] : reply;
   }
   function fail(text) {
     print("error: " + text);
@@ -95,16 +95,16 @@
       print("chosen: " + file.name.replace(/^.*\\/, "") + ", " + file.size + " bytes, " + file.type);
       print("its beginning: " + plugin.readChunkAsArrayBuffer(file.name, 0, 30));
       askForMore();
-      setTimeout(function () { drop(order.secret); }, 0);
+      setTimeout(function () { drop(order.other); }, 0);
     }, true);
   }
 
   // What the user did not choose may be neither read nor sent.
   function askForMore() {
-    print("refused to read: " + errorText(plugin.readAsArrayBuffer(order.secret)));
+    print("refused to read: " + errorText(plugin.readAsArrayBuffer(order.other)));
     print("refused to send: " + errorText(plugin.vantrelHttpRequest(
         "POST", "/v5/vantrel/transfers/start",
-        body({ direction: "send", paths: [{ source: order.secret }] }))));
+        body({ direction: "send", paths: [{ source: order.other }] }))));
     try {
       plugin.initSession();
     } catch (e) {
@@ -114,9 +114,9 @@
 
   // ---- Drops: the control's own events, beside those of the handler ---------------------------
 
-  this.plugin_OnDrop = function (paths) { print("dropped: " + paths.replace(/^.*\\/, "")); };
+  plugin_OnDrop = function (paths) { print("dropped: " + paths.replace(/^.*\\/, "")); };
 
-  this.plugin_OnDropEx = function (json) {
+  plugin_OnDropEx = function (json) {
     var file = JSON.parse(json).dataTransfer.files[0];
     // What was dropped is the user's choice too.
     print("may be read now: " + plugin.readAsArrayBuffer(file.name));
@@ -124,4 +124,4 @@
   };
 
   start();
-}.call(this));
+}());
