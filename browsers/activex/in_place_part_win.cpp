@@ -1,5 +1,8 @@
 #include "browsers/activex/in_place_part_win.h"
 
+#include <mutex>
+#include <utility>
+
 #include "browsers/activex/module_resources_win.h"
 #include "browsers/activex/ole_control_win.h"
 #include "threads/guarded.h"
@@ -11,9 +14,13 @@ namespace {
 constexpr wchar_t kWindowClass[] = L"OrvaneWebControl";
 constexpr DWORD kWindowStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
 
-// For every window again: one that is there already serves as well. The last window takes the class
-// with it, as the library may be unloaded then.
-void registerWindowClass(WNDPROC procedure) {
+// The windows of all apartments are of one class, which goes with the last of them, as the library
+// may be unloaded then.
+std::mutex classMutex;  // guards the count, and is held while the class is made or taken away
+int classUsers = 0;
+
+bool takeWindowClass(WNDPROC procedure) {
+  const std::lock_guard<std::mutex> lock(classMutex);
   WNDCLASSEXW windowClass = {};
   windowClass.cbSize = sizeof windowClass;
   windowClass.style = CS_HREDRAW | CS_VREDRAW;
@@ -21,7 +28,17 @@ void registerWindowClass(WNDPROC procedure) {
   windowClass.hInstance = moduleInstance();
   windowClass.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
   windowClass.lpszClassName = kWindowClass;
-  RegisterClassExW(&windowClass);
+  if (classUsers == 0 && RegisterClassExW(&windowClass) == 0 &&
+      GetLastError() != ERROR_CLASS_ALREADY_EXISTS) {
+    return false;
+  }
+  ++classUsers;
+  return true;
+}
+
+void giveWindowClassBack() {
+  const std::lock_guard<std::mutex> lock(classMutex);
+  if (--classUsers == 0) UnregisterClassW(kWindowClass, moduleInstance());
 }
 
 int widthOf(const RECT& rect) {
@@ -43,10 +60,10 @@ HRESULT InPlacePart::activate(bool forUser) {
   if (site == nullptr) return E_UNEXPECTED;
   if (state_ == State::kPassive) {
     const ComPointer<IOleClientSite> held(site);
-    const HRESULT entered = enter(*held.get());
-    if (FAILED(entered)) {
+    const HRESULT result = enter(*held.get());
+    if (FAILED(result)) {
       deactivate();
-      return entered;
+      return result;
     }
     held->ShowObject();
   }
@@ -56,38 +73,54 @@ HRESULT InPlacePart::activate(bool forUser) {
   return S_OK;
 }
 
-// Becomes active in the site, which decides whether the control has a window.
+// Becomes active in the site, which decides whether the control has a window. The site may take it
+// all back inside each of these calls; what this one needs it holds itself.
 HRESULT InPlacePart::enter(IOleClientSite& clientSite) {
-  const HRESULT offered = clientSite.QueryInterface(IID_IOleInPlaceSite, site_.putVoid());
+  ComPointer<IOleInPlaceSite> site;
+  const HRESULT offered = clientSite.QueryInterface(IID_IOleInPlaceSite, site.putVoid());
   if (FAILED(offered)) return offered;
-  if (site_->CanInPlaceActivate() != S_OK) return E_FAIL;
-  const HRESULT announced = announce();
+  if (site->CanInPlaceActivate() != S_OK) return E_FAIL;
+  const HRESULT announced = announce(*site.get());
   if (FAILED(announced)) return announced;
-  state_ = State::kShown;
   HWND parent = nullptr;
-  const HRESULT found = site_->GetWindow(&parent);
+  const HRESULT found = site->GetWindow(&parent);
   if (FAILED(found)) return found;
+  ComPointer<IOleInPlaceFrame> frame;
   ComPointer<IOleInPlaceUIWindow> document;
+  RECT place = {};
   RECT clip = {};
   OLEINPLACEFRAMEINFO info = {};
   info.cb = sizeof info;
-  const HRESULT told = site_->GetWindowContext(frame_.put(), document.put(), &place_, &clip, &info);
+  const HRESULT told = site->GetWindowContext(frame.put(), document.put(), &place, &clip, &info);
   if (FAILED(told)) return told;
+  if (state_ == State::kPassive) return E_ABORT;
+  frame_ = std::move(frame);
+  place_ = place;
   return windowless_ ? S_OK : openWindow(parent);
 }
 
-HRESULT InPlacePart::announce() {
-  site_->QueryInterface(IID_IOleInPlaceSiteEx, siteEx_.putVoid());
-  site_->QueryInterface(IID_IOleInPlaceSiteWindowless, siteNoWindow_.putVoid());
-  windowless_ = siteNoWindow_ && siteNoWindow_->CanWindowlessActivate() == S_OK;
-  if (!windowless_) siteNoWindow_.reset();
-  if (!siteEx_) return site_->OnInPlaceActivate();
+HRESULT InPlacePart::announce(IOleInPlaceSite& site) {
+  ComPointer<IOleInPlaceSiteEx> siteEx;
+  ComPointer<IOleInPlaceSiteWindowless> siteNoWindow;
+  site.QueryInterface(IID_IOleInPlaceSiteEx, siteEx.putVoid());
+  site.QueryInterface(IID_IOleInPlaceSiteWindowless, siteNoWindow.putVoid());
+  const bool windowless = siteEx && siteNoWindow && siteNoWindow->CanWindowlessActivate() == S_OK;
+  state_ = State::kShown;
+  windowless_ = windowless;
+  site_ = ComPointer<IOleInPlaceSite>(&site);
+  siteEx_ = ComPointer<IOleInPlaceSiteEx>(siteEx.get());
+  if (windowless) siteNoWindow_ = ComPointer<IOleInPlaceSiteWindowless>(siteNoWindow.get());
   WINBOOL noRedraw = FALSE;
-  return siteEx_->OnInPlaceActivateEx(&noRedraw, windowless_ ? ACTIVATE_WINDOWLESS : 0);
+  const HRESULT result =
+      siteEx ? siteEx->OnInPlaceActivateEx(&noRedraw, windowless ? ACTIVATE_WINDOWLESS : 0)
+             : site.OnInPlaceActivate();
+  // A site that does not take the control hears nothing of its end.
+  if (FAILED(result)) state_ = State::kPassive;
+  return result;
 }
 
 HRESULT InPlacePart::openWindow(HWND parent) {
-  registerWindowClass(windowProc);
+  ownsClass_ = takeWindowClass(windowProc);
   CREATESTRUCTW create = {};
   create.lpCreateParams = this;
   create.hInstance = moduleInstance();
@@ -111,26 +144,26 @@ HRESULT InPlacePart::openWindow(HWND parent) {
 }
 
 void InPlacePart::closeWindow() {
-  if (window_ == nullptr) return;
-  const HWND window = std::exchange(window_, nullptr);
-  RevokeDragDrop(window);
-  SetWindowLongPtrW(window, GWLP_USERDATA, 0);
-  DestroyWindow(window);
-  UnregisterClassW(kWindowClass, moduleInstance());
+  if (const HWND window = std::exchange(window_, nullptr); window != nullptr) {
+    RevokeDragDrop(window);
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    DestroyWindow(window);
+  }
+  if (std::exchange(ownsClass_, false)) giveWindowClassBack();
 }
 
 void InPlacePart::takeKeyboard() {
   state_ = State::kForUser;
-  site_->OnUIActivate();
-  if (window_ != nullptr) {
-    SetFocus(window_);
-  } else if (siteNoWindow_) {
-    siteNoWindow_->SetFocus(TRUE);
-  }
-  if (frame_) {
-    frame_->SetActiveObject(this, nullptr);
-    frame_->SetBorderSpace(nullptr);
-  }
+  const ComPointer<IOleInPlaceSite> site(site_.get());
+  const ComPointer<IOleInPlaceSiteWindowless> siteNoWindow(siteNoWindow_.get());
+  const ComPointer<IOleInPlaceFrame> frame(frame_.get());
+  site->OnUIActivate();
+  if (window_ != nullptr) SetFocus(window_);
+  if (siteNoWindow) siteNoWindow->SetFocus(TRUE);
+  // The site may have taken it back by now.
+  if (!frame || state_ != State::kForUser) return;
+  frame->SetActiveObject(this, nullptr);
+  frame->SetBorderSpace(nullptr);
 }
 
 HRESULT STDMETHODCALLTYPE InPlacePart::UIDeactivate() {
@@ -138,7 +171,8 @@ HRESULT STDMETHODCALLTYPE InPlacePart::UIDeactivate() {
     if (state_ != State::kForUser) return S_OK;
     state_ = State::kShown;
     const ComPointer<IOleInPlaceSite> site(site_.get());
-    if (frame_) frame_->SetActiveObject(nullptr, nullptr);
+    const ComPointer<IOleInPlaceFrame> frame(frame_.get());
+    if (frame) frame->SetActiveObject(nullptr, nullptr);
     site->OnUIDeactivate(FALSE);
     return S_OK;
   });

@@ -61,7 +61,7 @@ class InPlacePart final : public Part<IOleInPlaceObjectWindowless, IOleInPlaceAc
   static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
   HRESULT enter(IOleClientSite& clientSite);
-  HRESULT announce();
+  HRESULT announce(IOleInPlaceSite& site);
   HRESULT openWindow(HWND parent);
   void closeWindow();
   void takeKeyboard();
@@ -70,6 +70,7 @@ class InPlacePart final : public Part<IOleInPlaceObjectWindowless, IOleInPlaceAc
   State state_ = State::kPassive;
   bool windowless_ = false;
   HWND window_ = nullptr;
+  bool ownsClass_ = false;  // holds the windows' class, also for one that has gone already
   RECT place_ = {};
   ComPointer<IOleInPlaceSite> site_;
   ComPointer<IOleInPlaceSiteEx> siteEx_;                // the same, if it is one

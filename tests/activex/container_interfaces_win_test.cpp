@@ -6,6 +6,9 @@
 #include <ocidl.h>
 #include <olectl.h>
 
+#include <functional>
+#include <utility>
+
 #include "tests/activex/control_fixture.h"
 
 namespace Vantrel::Web::ActiveX {
@@ -159,6 +162,79 @@ TEST_F(ContainerInterfacesTest, ASiteThatRefusesLeavesItPassive) {
   start.giveSite = false;
   const auto second = makeControl(start);
   EXPECT_EQ(second->activate(), E_UNEXPECTED);
+}
+
+// A site that takes the activation back at a step of it.
+class RestlessSite : public Container::Site {
+ public:
+  using Site::Site;
+
+  std::function<void()> onActivate;
+  std::function<void()> onContext;
+  std::function<void()> onUi;
+
+  STDMETHODIMP OnInPlaceActivateEx(BOOL* noRedraw, DWORD flags) override {
+    const HRESULT result = Site::OnInPlaceActivateEx(noRedraw, flags);
+    if (onActivate) onActivate();
+    return result;
+  }
+  STDMETHODIMP GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindow** document,
+                                LPRECT place, LPRECT clip, LPOLEINPLACEFRAMEINFO info) override {
+    const HRESULT result = Site::GetWindowContext(frame, document, place, clip, info);
+    if (onContext) onContext();
+    return result;
+  }
+  STDMETHODIMP OnUIActivate() override {
+    const HRESULT result = Site::OnUIActivate();
+    if (onUi) onUi();
+    return result;
+  }
+};
+
+TEST_F(ContainerInterfacesTest, ASiteMayTakeTheActivationBackAtEachStep) {
+  for (const bool windowless : {true, false}) {
+    const auto control = makeControl();
+    auto& site = container().book.make<RestlessSite>(
+        "restless", container().window(), Container::SiteSettings{.windowless = windowless});
+    ComPointer<IOleObject> object;
+    ASSERT_EQ(control->query(object), S_OK);
+    object->SetClientSite(&site);
+    const auto activate = [&] {
+      return object->DoVerb(OLEIVERB_UIACTIVATE, nullptr, &site, 0, container().window(), nullptr);
+    };
+    site.onActivate = [&] { control->deactivate(); };
+    EXPECT_EQ(activate(), E_ABORT);
+    EXPECT_FALSE(site.inPlaceActive);
+    site.onContext = std::exchange(site.onActivate, nullptr);
+    EXPECT_EQ(activate(), E_ABORT);
+    EXPECT_FALSE(site.inPlaceActive);
+    site.onUi = std::exchange(site.onContext, nullptr);
+    EXPECT_EQ(activate(), S_OK);
+    EXPECT_FALSE(site.inPlaceActive);
+    EXPECT_FALSE(site.uiActive);
+    site.onUi = nullptr;
+    EXPECT_EQ(activate(), S_OK);
+    EXPECT_TRUE(site.uiActive);
+  }
+}
+
+TEST_F(ContainerInterfacesTest, TheWindowsClassGoesWithTheLastWindow) {
+  ControlStart start;
+  start.site.windowless = false;
+  const auto isKnown = [this] {
+    WNDCLASSEXW found = {};
+    found.cbSize = sizeof found;
+    return GetClassInfoExW(library().module(), L"OrvaneWebControl", &found) != FALSE;
+  };
+  const auto first = makeControl(start);
+  const auto second = makeControl(start);
+  first->activate();
+  second->activate();
+  DestroyWindow(windowOf(*first));
+  first->deactivate();
+  EXPECT_TRUE(isKnown());
+  second->deactivate();
+  EXPECT_FALSE(isKnown());
 }
 
 TEST_F(ContainerInterfacesTest, TheUserMayHaveTheKeyboardInIt) {
