@@ -7,6 +7,7 @@
 
 #include "tests/activex/control_fixture.h"
 #include "tests/container/drawing_win.h"
+#include "tests/host/process_state.h"
 #include "tests/plugin/red_bitmap.h"
 #include "tests/support/fake_xml_http_win.h"
 
@@ -142,11 +143,10 @@ TEST_F(PictureTest, AWindowIsTransparentOnlyWithoutAPicture) {
 }
 
 TEST_F(PictureTest, ManyPicturesLeaveNoObjectOfTheGraphicsSystem) {
-  const auto objects = [] { return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); };
   for (int round = 0; round < 3; ++round) middleOf(*make(kUrl));
-  const DWORD before = objects();
+  const size_t before = Host::graphicsObjects();
   for (int round = 0; round < 30; ++round) EXPECT_EQ(middleOf(*make(kUrl)), kRedPixel);
-  EXPECT_EQ(objects(), before);
+  EXPECT_EQ(Host::graphicsObjects(), before);
 }
 
 // Over the system's own request object.

@@ -18,6 +18,8 @@ std::set<uint32_t> threadsStartedIn(const void* base);
 std::set<uint32_t> threadsOfCom();
 // Open handles of this process.
 size_t handleCount();
+// Objects of the graphics system that this process has.
+size_t graphicsObjects();
 // True while a module of that file name is mapped into this process.
 bool moduleMapped(const std::wstring& path);
 

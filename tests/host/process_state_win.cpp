@@ -89,6 +89,18 @@ size_t handleCount() {
   return count;
 }
 
+// Wine tells 0; but it knows an object by the low half of its handle.
+size_t graphicsObjects() {
+  const DWORD told = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+  if (told != 0) return told;
+  constexpr uintptr_t kEnd = 0x10000;
+  size_t count = 0;
+  for (uintptr_t low = 1; low < kEnd; ++low) {
+    if (GetObjectType(reinterpret_cast<HGDIOBJ>(low)) != 0) ++count;
+  }
+  return count;
+}
+
 bool moduleMapped(const std::wstring& path) {
   return GetModuleHandleW(path.c_str()) != nullptr;
 }

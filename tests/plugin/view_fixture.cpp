@@ -53,18 +53,6 @@ void registerOne() {
 
 }  // namespace
 
-// Wine tells 0; but it knows an object by the low half of its handle.
-size_t graphicsObjects() {
-  const DWORD told = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-  if (told != 0) return told;
-  constexpr uintptr_t kEnd = 0x10000;
-  size_t count = 0;
-  for (uintptr_t low = 1; low < kEnd; ++low) {
-    if (GetObjectType(reinterpret_cast<HGDIOBJ>(low)) != 0) ++count;
-  }
-  return count;
-}
-
 void ViewTest::SetUp() {
   registerOne();
   PluginTest::SetUp();

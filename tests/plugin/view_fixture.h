@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "tests/host/process_state.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace Vantrel::Web {
@@ -13,8 +14,7 @@ namespace Vantrel::Web {
 inline constexpr COLORREF kBehind = RGB(0, 128, 0);
 inline constexpr int kSize = 40;
 
-// Objects of the graphics system that this process has.
-size_t graphicsObjects();
+using Host::graphicsObjects;
 
 class ViewTest : public PluginTest {
  protected:
