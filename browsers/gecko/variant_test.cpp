@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
+#include <new>
+#include <string>
 
 #include "tests/support/fake_browser.h"
 
@@ -128,6 +131,31 @@ TEST_F(VariantTest, WithoutMemoryTheTextIsEmpty) {
   EXPECT_EQ(variant.type, NPVariantType_String);
   EXPECT_EQ(variant.value.stringValue.UTF8Characters, nullptr);
   EXPECT_EQ(variant.value.stringValue.UTF8Length, 0u);
+}
+
+TEST_F(VariantTest, ATextThatWasBuiltInPlaceIsHandedOverOnceOrGivenBack) {
+  NPVariant variant;
+  {
+    VariantRoom room;
+    room.take(1000);
+    std::string("text").copy(room.take(4), 4);
+    EXPECT_EQ(browser_.blocks, 1);
+    room.handOver(&variant);
+  }
+  EXPECT_EQ(variant.type, NPVariantType_String);
+  EXPECT_STREQ(variant.value.stringValue.UTF8Characters, "text");
+  EXPECT_EQ(variant.value.stringValue.UTF8Length, 4u);
+  EXPECT_EQ(browser_.blocks, 1);
+  browserFuncs.memfree(const_cast<char*>(variant.value.stringValue.UTF8Characters));
+  { VariantRoom().take(5); }
+  EXPECT_EQ(browser_.blocks, 0);
+}
+
+TEST_F(VariantTest, ATextThatTheBrowserHasNoRoomForIsNotBuilt) {
+  VariantRoom room;
+  EXPECT_THROW(room.take(UINT32_MAX), std::bad_alloc);
+  browser_.outOfMemory = true;
+  EXPECT_THROW(room.take(1), std::bad_alloc);
 }
 
 TEST_F(VariantTest, AnArgumentIsOfAKind) {
