@@ -4,6 +4,7 @@
 
 #include <cwchar>
 
+#include "browsers/activex/enumerators_win.h"
 #include "browsers/activex/identifiers.h"
 #include "browsers/activex/module_resources_win.h"
 #include "browsers/activex/ole_control_win.h"
@@ -19,6 +20,17 @@ HRESULT duplicate(const std::wstring& text, LPOLESTR* copy) {
   std::wmemcpy(*copy, text.c_str(), text.size() + 1);
   return S_OK;
 }
+
+// What a container offers its user to do with the control.
+struct Verb {
+  LONG number;
+  const wchar_t* name;
+
+  void give(OLEVERB* verb) const {
+    *verb = {number, nullptr, MF_STRING | MF_ENABLED, OLEVERBATTRIB_ONCONTAINERMENU};
+    duplicate(name, &verb->lpszVerbName);
+  }
+};
 
 }  // namespace
 
@@ -99,11 +111,14 @@ HRESULT ObjectPart::showProperties(HWND parent, LPCRECT place) {
                                 LOCALE_USER_DEFAULT, 0, nullptr);
 }
 
-// The registry has them.
 HRESULT STDMETHODCALLTYPE ObjectPart::EnumVerbs(IEnumOLEVERB** verbs) {
   if (verbs == nullptr) return E_POINTER;
   *verbs = nullptr;
-  return OLE_S_USEREG;
+  return entered(E_OUTOFMEMORY, [verbs] {
+    *verbs =
+        new Enumerator<IEnumOLEVERB, OLEVERB, Verb>({{OLEIVERB_PROPERTIES, L"&Properties"}}, 0);
+    return S_OK;
+  });
 }
 
 HRESULT STDMETHODCALLTYPE ObjectPart::GetUserClassID(CLSID* id) {

@@ -308,6 +308,26 @@ TEST_F(ContainerInterfacesTest, WhatItSaysOfItself) {
   EXPECT_EQ(site.get(), &control->site());
 }
 
+TEST_F(ContainerInterfacesTest, ItsPropertiesAreWhatAUserMayAskFor) {
+  const auto control = makeControl();
+  ComPointer<IOleObject> object;
+  ASSERT_EQ(control->query(object), S_OK);
+  ComPointer<IEnumOLEVERB> verbs;
+  ASSERT_EQ(object->EnumVerbs(verbs.put()), S_OK);
+  ComPointer<IEnumOLEVERB> copy;
+  ASSERT_EQ(verbs->Clone(copy.put()), S_OK);
+  for (IEnumOLEVERB* const list : {verbs.get(), copy.get()}) {
+    OLEVERB verb = {};
+    ASSERT_EQ(list->Next(1, &verb, nullptr), S_OK);
+    EXPECT_EQ(verb.lVerb, OLEIVERB_PROPERTIES);
+    EXPECT_STREQ(verb.lpszVerbName, L"&Properties");
+    CoTaskMemFree(verb.lpszVerbName);
+    EXPECT_EQ(list->Next(1, &verb, nullptr), S_FALSE);
+    EXPECT_EQ(list->Reset(), S_OK);
+    EXPECT_EQ(list->Skip(1), S_OK);
+  }
+}
+
 TEST_F(ContainerInterfacesTest, ItsClassNamesItsEvents) {
   const auto control = makeControl();
   ComPointer<IProvideClassInfo2> provider;
