@@ -60,6 +60,9 @@ void checkFolder(int folder, const fs::path& expected) {
 ScratchProfile::ScratchProfile()
     : root_(fs::temp_directory_path() / ("ov profile-" + std::to_string(GetCurrentProcessId()))),
       key_(L"Software\\Orvane Web Tests\\" + std::to_wstring(GetCurrentProcessId())) {
+  // What a process of the same number left behind when it crashed.
+  fs::remove_all(root_);
+  RegDeleteTreeW(HKEY_CURRENT_USER, key_.c_str());
   fs::create_directories(localAppData());
   fs::create_directories(roamingAppData());
   followVariables();
