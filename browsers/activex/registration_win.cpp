@@ -1,5 +1,8 @@
 // The library's entries for regsvr32: in, for all users where that is allowed and else for this one
 // alone, and out, wherever it was.
+//
+// Windows looks for a class in this user's part first and then in that of all users; Wine 8 looks
+// in the latter only, so that there the keys of one user could be seen, but not what comes of them.
 
 #include <windows.h>
 #include <comcat.h>
