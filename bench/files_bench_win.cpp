@@ -149,9 +149,9 @@ void chunksRow(const std::string& path) {
       const OpenFile file(wide);
       file.seek(at);
       require(file.read(content.get(), kChunk) == kChunk, "the content");
-      const size_t length = (kChunk + 2) / 3 * 4 + 1;
-      const Block text = blockOf(length);
-      require(ov_str_buf_to_base64(content.get(), kChunk, text.get(), length) == 0, "base64");
+      const size_t room = (kChunk + 2) / 3 * 4 + 1;
+      const Block text = blockOf(room);
+      require(ov_str_buf_to_base64(content.get(), kChunk, text.get(), room) == 0, "base64");
     }
   };
   printRow("chunks of 1 MiB of 50 MiB / bare reads and base64", ratio(kTurns, page, bare),
