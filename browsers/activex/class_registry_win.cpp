@@ -52,12 +52,15 @@ bool isEmpty(HKEY root, const std::wstring& path) {
          keys == 0 && values == 0;
 }
 
-// A profile has no "CLSID" before its first class, which we may have been.
-void removeEmptyParent(Place place, const std::wstring& key) {
-  const size_t separator = key.find_last_of(L'\\');
-  if (place != Place::kThisUser || separator == std::wstring::npos) return;
-  const std::wstring parent = pathOf(key.substr(0, separator));
-  if (isEmpty(rootOf(place), parent)) RegDeleteKeyW(rootOf(place), parent.c_str());
+// The library's key outlives its last version otherwise; and a profile has no "CLSID" before its
+// first class, which we may have been.
+void removeEmptyParents(Place place, std::wstring key) {
+  for (size_t end = key.rfind(L'\\'); end != std::wstring::npos; end = key.rfind(L'\\')) {
+    key.resize(end);
+    const std::wstring parent = pathOf(key);
+    if (!isEmpty(rootOf(place), parent)) return;
+    RegDeleteKeyW(rootOf(place), parent.c_str());
+  }
 }
 
 }  // namespace
@@ -74,7 +77,7 @@ HRESULT removeKeys(Place place, const std::vector<std::wstring>& keys) {
   LSTATUS first = ERROR_SUCCESS;
   for (const std::wstring& key : keys) {
     const LSTATUS status = remove(place, key);
-    if (status == ERROR_SUCCESS) removeEmptyParent(place, key);
+    if (status == ERROR_SUCCESS) removeEmptyParents(place, key);
     if (first == ERROR_SUCCESS) first = status;
   }
   return HRESULT_FROM_WIN32(static_cast<unsigned long>(first));

@@ -17,8 +17,8 @@ enum class Place { kAllUsers, kThisUser };
 // Stops at the first that fails; what was written before stays. E_ACCESSDENIED without the right.
 HRESULT writeEntries(Place place, const std::vector<RegistryEntry>& entries);
 
-// Removes each with all that is below, and what is left empty above in this user's part. A key that
-// is not there is removed already. Goes on behind a failure and tells the first one.
+// Removes each with all that is below, and what is left empty above. A key that is not there is
+// removed already. Goes on behind a failure and tells the first one.
 HRESULT removeKeys(Place place, const std::vector<std::wstring>& keys);
 
 bool keyExists(Place place, const std::wstring& key);

@@ -28,6 +28,11 @@ std::wstring libraryVersion() {
   return std::to_wstring(kTypeLibraryMajor) + L"." + std::to_wstring(kTypeLibraryMinor);
 }
 
+// Of this version: another one of the library may be registered beside it.
+std::wstring libraryKey() {
+  return L"TypeLib\\" + textOf(kTypeLibraryId) + L"\\" + libraryVersion();
+}
+
 // What every class has: its name, its server, its program id.
 void addServer(std::vector<RegistryEntry>& entries, const GUID& id, const std::wstring& name,
                const std::wstring& progId, const std::wstring& path) {
@@ -79,7 +84,7 @@ std::vector<RegistryEntry> classEntries(const std::wstring& path) {
 }
 
 std::vector<RegistryEntry> typeLibraryEntries(const std::wstring& path) {
-  const std::wstring library = L"TypeLib\\" + textOf(kTypeLibraryId) + L"\\" + libraryVersion();
+  const std::wstring library = libraryKey();
   std::vector<RegistryEntry> entries = {
       {library, L"", kLibraryName},
       {library + L"\\FLAGS", L"", kLibraryFlags},
@@ -103,7 +108,7 @@ std::vector<std::wstring> classKeys() {
 }
 
 std::vector<std::wstring> typeLibraryKeys() {
-  return {L"TypeLib\\" + textOf(kTypeLibraryId), L"Interface\\" + textOf(kDispatchInterfaceId),
+  return {libraryKey(), L"Interface\\" + textOf(kDispatchInterfaceId),
           L"Interface\\" + textOf(kEventInterfaceId)};
 }
 

@@ -134,6 +134,22 @@ TEST_F(RegistrationTest, ASecondTimeChangesNothing) {
   EXPECT_EQ(oursForAll(), first);
 }
 
+TEST_F(RegistrationTest, AnotherVersionOfTheTypeLibraryStays) {
+  constexpr wchar_t kOther[] =
+      L"Software\\Classes\\TypeLib\\{36B9C4ED-8E71-46A7-8227-8FBD962ED169}\\2.7";
+  HKEY key = nullptr;
+  ASSERT_EQ(
+      RegCreateKeyExW(HKEY_LOCAL_MACHINE, kOther, 0, nullptr, 0, KEY_READ, nullptr, &key, nullptr),
+      ERROR_SUCCESS);
+  RegCloseKey(key);
+  EXPECT_EQ(call("DllRegisterServer"), S_OK);
+  EXPECT_EQ(call("DllUnregisterServer"), S_OK);
+  EXPECT_EQ(RegDeleteKeyW(HKEY_LOCAL_MACHINE, kOther), ERROR_SUCCESS);
+  EXPECT_EQ(RegDeleteKeyW(HKEY_LOCAL_MACHINE,
+                          L"Software\\Classes\\TypeLib\\{36B9C4ED-8E71-46A7-8227-8FBD962ED169}"),
+            ERROR_SUCCESS);
+}
+
 TEST_F(RegistrationTest, OutWithoutInSucceeds) {
   EXPECT_EQ(call("DllUnregisterServer"), S_OK);
   EXPECT_THAT(profile_.log(), Not(HasSubstr("LOG Unregistered")));
