@@ -61,6 +61,8 @@ struct PageFamily {
 };
 
 const std::vector<PageFamily>& pageFamilies();
+// Of these, the ones about the user's files and about events.
+std::vector<PageFamily> fileFamilies();
 const PageFamily& pageFamily(const std::string& name);
 
 }  // namespace Vantrel::Web::Faces
