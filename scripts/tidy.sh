@@ -58,7 +58,7 @@ for build in host windows engine; do
   commands=build/$build/compile_commands.json
   if [ -f "$commands" ]; then
     sed -E "s| -Xclang -include(-pch)? -Xclang [^ ]+||g; s| -Winvalid-pch||
-      s| -include [^ ]*cmake_pch\.hxx||; s|\"[^ ]*-w64-mingw32-g\+\+-posix |\"$clang|" "$commands"
+      s| -include [^ ]*cmake_pch\.hxx||; s| -Wno-maybe-uninitialized||; s|\"[^ ]*-w64-mingw32-g\+\+-posix |\"$clang|" "$commands"
   else
     echo '[]'
   fi >"$stamps/$build/compile_commands.json"
