@@ -26,12 +26,14 @@ TEST_F(FilesWinTest, ReadIsRetriedTenTimesWhenResourcesAreShort) {
   EXPECT_EQ(expected, log_.take());
   EXPECT_EQ(std::vector<DWORD>(5, 10), faults.slept);  // a delay of 0 does not sleep
 
+  faults.slept.clear();
   faults.readFailures = 11;
   EXPECT_EQ(1450, ov_file_read(&file, buffer, sizeof buffer, &count));
   EXPECT_EQ(0U, count);
   expected.push_back("ERR ov_fileread: ReadFile failed. error=1450");
   EXPECT_EQ(expected, log_.take());
   EXPECT_EQ(0, faults.readFailures);
+  EXPECT_EQ(std::vector<DWORD>(5, 10), faults.slept);  // none behind the last failure
   EXPECT_EQ(0, ov_file_close(&file));
 }
 

@@ -75,9 +75,18 @@ TEST(ClockFailureTest, FailuresAreToldAndTheClockStartsAfterThem) {
 
   log.take();
   const ov_timeval later = {365 * 86400, 1};
+  usec = 7;
   EXPECT_EQ(22, ov_time_get_usec_since(&later, &usec));
   EXPECT_EQ(0, usec);
-  EXPECT_EQ(std::vector<std::string>{"ERR get_usec_since: big old 31536000.1 > 31536000.0"},
+  usec = 7;
+  EXPECT_EQ(22, ov_time_get_usec_since_small(&later, &usec));
+  EXPECT_EQ(0, usec);
+  usec = 7;
+  EXPECT_EQ(22, ov_time_getnstore_usec_since(&later, &now, &usec));
+  EXPECT_EQ(0, usec);
+  EXPECT_EQ((std::vector<std::string>{"ERR get_usec_since: big old 31536000.1 > 31536000.0",
+                                      "ERR get_usec_since_small: big old 31536000.1 > 31536000.0",
+                                      "ERR getnstore_usec_since: big old 31536000.1 > 31536000.0"}),
             log.take());
   const ov_timeval same = {365 * 86400, 0};
   EXPECT_EQ(0, ov_time_get_usec_since(&same, &usec));
