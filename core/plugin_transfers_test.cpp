@@ -104,6 +104,16 @@ TEST_F(PluginTransfersTest, DroppedFilesGoToTheUploadUrlOfTheElement) {
                                               "<dest>fasp://drop</dest>")});
 }
 
+TEST_F(PluginTransfersTest, CapacityAndIconOfTheElementReachNoDocument) {
+  const std::string expected = document("<src>u</src>");
+  plugin().startDownload("u");
+  for (const char* const capacity : {"1000", "0", "-1", "no number"}) {
+    plugin().setParameters({{"link-capacity", capacity}, {"transfer-icon", "an icon"}});
+    plugin().startDownload("u");
+  }
+  EXPECT_EQ(documents(), std::vector<std::string>(5, expected));
+}
+
 TEST_F(PluginTransfersTest, AnErrorStatusCountsAsStarted) {
   server_.always("/transfers/", Script().send(httpReply("no", "500 Internal Server Error")));
   EXPECT_TRUE(plugin().startDownload("u"));

@@ -212,6 +212,8 @@ TEST_F(RequestCheckTest, AnAbsoluteReceiveNeedsTheSelectedDestination) {
   EXPECT_EQ(check(receive("\"C:/Users/me\"")),
             jsonErrorReply(kUnauthorizedDirectory + "C:/Users/me"));
   EXPECT_EQ(check(receive(R"("E:\\x")")), jsonErrorReply(kUnauthorizedDirectory + "E:\\\\x"));
+  // A quote stays as it is: no path of the platform has one, and the reply is no JSON then.
+  EXPECT_EQ(check(receive(R"("E:\\\"x")")), jsonErrorReply(kUnauthorizedDirectory + "E:\\\\\"x"));
 }
 
 TEST_F(RequestCheckTest, ADestinationThatCannotBeReadIsRefused) {
