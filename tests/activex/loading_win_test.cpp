@@ -218,6 +218,13 @@ TEST_F(LoadingTest, TheHostIsThePages) {
   EXPECT_TRUE(logHas("LOG Hostname: some.h\xC3\xB6st"));
 }
 
+TEST_F(LoadingTest, AHostThatIsKnownStays) {
+  const auto control = makeControl();
+  control->site().document().address.host = L"other.host";
+  EXPECT_EQ(control->load(), S_OK);
+  EXPECT_EQ(hostOf(*control), "some.host");
+}
+
 TEST_F(LoadingTest, APageWithoutAHostIsOfThisMachine) {
   const auto control = makeControl({.address = {.host = L""}});
   EXPECT_EQ(hostOf(*control), "localhost");

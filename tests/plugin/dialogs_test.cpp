@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
+#include <utility>
 
 #include "tests/plugin/dialogs_fixture.h"
 
@@ -44,6 +46,22 @@ TEST_F(DialogsTest, LeaveForFoldersDoesNotMakeAnOpenDialogPickThem) {
   Instance instance(host());
   instance.call("runOpenFileDialog", {Value::boolean(true), Value::boolean(false)});
   EXPECT_THAT(dialogs.calls, testing::Contains("SetOptions " + std::to_string(dialogs.options)));
+}
+
+TEST_F(DialogsTest, AWordSaysWhetherAnAsynchronousOpenTakesSeveral) {
+  FakeFileDialogs dialogs;
+  const Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  const std::pair<const char*, FILEOPENDIALOGOPTIONS> cases[] = {
+      {"false", dialogs.options}, {"true", dialogs.options | FOS_ALLOWMULTISELECT}};
+  for (const auto& [word, options] : cases) {
+    dialogs.calls.clear();
+    const size_t answers = function->calls.size();
+    instance.call("runOpenFileDialogAsync",
+                  {text("Title"), text(word), text(""), function.value()});
+    ASSERT_TRUE(waitForCalls(function, answers + 1));
+    EXPECT_THAT(dialogs.calls, testing::Contains("SetOptions " + std::to_string(options))) << word;
+  }
 }
 
 TEST_F(DialogsTest, ASynchronousFolderMayBeAimedAtButIsNotApproved) {

@@ -121,7 +121,7 @@ TEST_F(DragTest, SeveralFilesAndAFolderComeInTheirOrderWhereTheElementAllowsThem
 
 TEST_F(DragTest, OtherWordsThanTrueAllowNothing) {
   show({{"drop-mode", "callback"},
-        {"drop-allow-multiple", "yes"},
+        {"drop-allow-multiple", "TRUE"},
         {"drop-allow-directories", "TRUE"}});
   EXPECT_EQ(drag({"a.txt", "ö.txt"}, {kInside}), DRAGDROP_S_DROP);
   EXPECT_EQ(drag({"sub"}, {kInside}), DRAGDROP_S_DROP);

@@ -40,6 +40,16 @@ TEST_F(DropTest, ACallbackDropTellsTheHandlerAndApproves) {
   instance.set("eventHandler", Value::null());
 }
 
+TEST_F(DropTest, AFileDroppedOnOnePageIsReadOnAnother) {
+  Instance instance(host(), {{"drop-mode", "callback"}});
+  setWindow(instance);
+  Instance other(host());
+  EXPECT_FALSE(isApproved(other, "a.txt"));
+  EXPECT_EQ(drop({"a.txt"}), S_OK);
+  EXPECT_TRUE(isApproved(other, "a.txt"));
+  EXPECT_FALSE(isApproved(other, "ö.txt"));
+}
+
 TEST_F(DropTest, ASecondItemThatIsNotAllowedMakesTheWholeDropNothing) {
   Instance instance(host(), {{"drop-mode", "callback"}});
   setWindow(instance);
@@ -101,7 +111,11 @@ TEST_F(DropTest, ATargetThatOutlivesItsViewAnswersAndDoesNothing) {
   EXPECT_EQ(kept->Drop(&list, 0, {}, &effect), S_OK);
   EXPECT_EQ(kept->DragOver(0, {}, &effect), S_OK);
   EXPECT_EQ(list.asked(), 0);
-  kept->Release();
+  // What was held last lives on at a count of none, and goes with one release more.
+  EXPECT_EQ(kept->AddRef(), 1U);
+  EXPECT_EQ(kept->Release(), 0U);
+  EXPECT_EQ(kept->DragLeave(), S_OK);
+  EXPECT_EQ(kept->Release(), static_cast<ULONG>(-1));
 }
 
 }  // namespace

@@ -14,6 +14,16 @@ TEST_F(ViewTest, AnElementWithoutAPictureIsWhite) {
   Instance instance(host());
   setWindow(instance);
   EXPECT_EQ(painted(), kWhite);
+  EXPECT_TRUE(host().urlRequests.empty());
+}
+
+TEST_F(ViewTest, OnlyTheExactWordMakesAnElementTransparent) {
+  for (const char* const word : {"Yes", "YES", "true", ""}) {
+    Instance instance(host(), {{"transparent", word}});
+    setWindow(instance);
+    fill(kMark);
+    EXPECT_EQ(painted(), kWhite) << word;
+  }
 }
 
 TEST_F(ViewTest, APictureFillsTheElement) {
