@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "service/launch.h"
 #include "service/vantrel_request.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_recorder.h"
@@ -270,6 +271,25 @@ TEST_F(RequestWorkerTest, StopDuringALaunchStillTellsTheFailure) {
   ASSERT_TRUE(answers_.waitForDestroyed(1));
   finish();
   EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:null"});
+}
+
+TEST_F(RequestWorkerTest, StopDuringALaunchsWaitLetsItRunToItsEndAndTellsTheFailure) {
+  add("/1");
+  add("/2");
+  files_.removeUrl();
+  TestSupport::resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
+  setLaunchTimeout(500);
+  platform_.onSleep = [this](uint32_t) {
+    worker_->stop();
+    return 0;
+  };
+  worker_->start();
+  ASSERT_TRUE(answers_.waitForDestroyed(1));
+  finish();
+  EXPECT_EQ(platform_.sleeps(), std::vector<uint32_t>(5, 100));
+  EXPECT_EQ(log_.count("LOG Warning: Timed out waiting for Orvane Vantrel to launch"), 1U);
+  EXPECT_EQ(answers_.all(), std::vector<std::string>{"/1:null"});
+  EXPECT_EQ(answers_.destroyed(), 2);
 }
 
 TEST_F(RequestWorkerTest, StopBeforeTheStartServesNothing) {

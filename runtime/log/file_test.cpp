@@ -1,3 +1,5 @@
+#include "runtime/log/file.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -317,6 +319,22 @@ TEST_F(LogFileTest, SizeSuffixOf0OrTooLargeIsCutAndKeepsTheLimit) {
   }
 }
 
+// A log of its own: the process's one has been given a limit before.
+TEST_F(LogFileTest, LimitThatNobodySetIs10Mebibytes) {
+  for (const char* name : {"app.log", "app.log:0"}) {
+    for (const auto& [size, expected] :
+         {std::pair{10 * kMebibyte - 1, "0"}, {10 * kMebibyte, "01"}}) {
+      make(0, size);
+      ov::LogFile fresh;
+      bool complete = false;
+      EXPECT_EQ(0, fresh.open(path(name).c_str(), &complete));
+      fresh.close();
+      EXPECT_EQ(expected, digits()) << name;
+    }
+    std::filesystem::remove(TempFolder::native(generation(1)));
+  }
+}
+
 TEST_F(LogFileTest, WhatFollowsTheDigitsOfTheSuffixStays) {
   ASSERT_EQ(0, ov_log_init(2, path("app:5.log").c_str()));
   ov_log("text");
@@ -462,6 +480,22 @@ TEST_F(LogFileTest, BareNameGoesToTheDefaultDirectoryAndKeepsItsSuffix) {
   for (const char* end : {".log", ".0.log", ".log:5", ".0.log:5"}) {
     std::filesystem::remove(TempFolder::native(whole + end));
   }
+}
+
+TEST_F(LogFileTest, SuffixOfABareNameSetsTheLimitAllTheSame) {
+  const std::string stem = "ov-log-limit-" + std::to_string(ov::this_process());
+  const std::string whole = default_directory() + "/" + stem;
+  ASSERT_EQ(0, ov_log_init(2, (stem + ".log:5").c_str()));
+  ov_log_cleanup();
+  // On Windows itself the part behind the colon is a stream of the file that is named before it.
+  for (const char* end : {".log:5", ".0.log:5", ".log", ".0.log"}) {
+    std::filesystem::remove(TempFolder::native(whole + end));
+  }
+  // The limit outlives the log that was given it.
+  make(0, 5 * kMebibyte - 1);
+  EXPECT_EQ("0", target());
+  make(0, 5 * kMebibyte);
+  EXPECT_EQ("1", target());
 }
 
 TEST_F(LogFileTest, ThreadsWriteWholeLinesAcrossRotations) {
