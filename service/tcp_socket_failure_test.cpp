@@ -208,6 +208,7 @@ TEST_F(TcpSocketFailureTest, UnresolvableHostIsToldThreeTimesAndConnectedAllTheS
   TcpSocket socket;
   EXPECT_EQ(socket.connect("host%s", 80), 10049);
   EXPECT_EQ(platform.resolves, 5);
+  EXPECT_EQ(platform.quickRefusals.size(), 1U);  // one attempt
   EXPECT_EQ(platform.connectedAddress, SocketPlatform::kInvalidAddress);
   const std::vector<std::string> lines = log_.lines("ERR");
   ASSERT_EQ(lines.size(), 9U) << log_.text();
