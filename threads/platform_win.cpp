@@ -30,22 +30,28 @@ bool holdModule() {
 
 namespace {
 
+// How often the thread below looks.
+constexpr DWORD kLookMs = 20;
+
 // Code must not unload itself under its own feet, nor under the browser's thread, which returns
-// through it. So a thread of its own does it: it sends the window a message, which the browser's
-// thread takes in its message loop only, when it has left our code; the window's class is the
-// system's, so the answer needs none of it. FreeLibraryAndExitThread then does not come back here.
+// through it. So a thread of its own does it, once a window of the browser's thread has gone, which
+// a posted message ends: that one is taken by the message loop only, when the browser's thread has
+// left our code, and the window's class is the system's, so its end needs none of ours.
+// FreeLibraryAndExitThread then does not come back here.
 DWORD WINAPI releaseModule(void* window) {
-  SendMessageW(static_cast<HWND>(window), WM_CLOSE, 0, 0);  // destroys the window
+  while (IsWindow(static_cast<HWND>(window)) != FALSE) Sleep(kLookMs);
   FreeLibraryAndExitThread(static_cast<HMODULE>(moduleHandle()), 0);
 }
 
 }  // namespace
 
+// A message that was sent by the thread instead was sometimes never answered under Wine.
 void releaseModuleLater() {
   const HWND window = CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                                       nullptr, nullptr);
+  const bool willEnd = window != nullptr && PostMessageW(window, WM_CLOSE, 0, 0) != FALSE;
   const HANDLE thread =
-      window != nullptr ? CreateThread(nullptr, 0, releaseModule, window, 0, nullptr) : nullptr;
+      willEnd ? CreateThread(nullptr, 0, releaseModule, window, 0, nullptr) : nullptr;
   if (thread != nullptr) {
     CloseHandle(thread);
     return;
