@@ -14,7 +14,7 @@ namespace {
 using Host::CountingHost;
 
 constexpr int kWarmUpRounds = 20;
-constexpr int kRounds = 180;
+constexpr size_t kRounds = 180;
 // The sizes of these, each with a link to the one before.
 constexpr size_t kKeptTable = sizeof(NPClass) + sizeof(void*);
 constexpr size_t kKeptObject = sizeof(NPObject) + 2 * sizeof(void*);
@@ -51,7 +51,7 @@ class RoundsTest : public testing::Test {
 TEST_F(RoundsTest, NothingGrowsFromRoundToRound) {
   for (int i = 0; i < kWarmUpRounds && !HasFailure(); ++i) round();
   const auto rounds = [this] {
-    for (int i = 0; i < kRounds && !HasFailure(); ++i) round();
+    for (size_t i = 0; i < kRounds && !HasFailure(); ++i) round();
   };
   // But for what the browser may look at for ever: the script object of a round and its table.
   EXPECT_EQ(Host::growthOver(
