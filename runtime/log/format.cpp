@@ -5,12 +5,12 @@
 #include <cstdio>
 #include <cstring>
 #include <initializer_list>
+#include <optional>
 #include <string_view>
 #include <type_traits>
 
 #include "runtime/ov_log.h"
-#include "runtime/ov_strings.h"
-#include "runtime/strings/ascii.h"
+#include "runtime/strings/utf8_ascii.h"
 
 namespace {
 
@@ -30,10 +30,16 @@ struct Conversion {
   bool isBare() const { return flags.empty() && width == kNone && precision == kNone; }
 };
 
+// Not by the C library's strspn, whose call costs more than the few letters of a conversion.
 std::string_view take_any(const char** at, const char* accepted) {
-  const std::string_view taken(*at, std::strspn(*at, accepted));
-  *at += taken.size();
-  return taken;
+  const char* const start = *at;
+  const auto is_accepted = [accepted](char letter) {
+    const char* known = accepted;
+    while (*known != '\0' && *known != letter) ++known;
+    return *known != '\0';
+  };
+  while (is_accepted(**at)) ++*at;
+  return {start, static_cast<size_t>(*at - start)};
 }
 
 // A number of up to four digits, or a star; false for a longer one.
@@ -95,16 +101,6 @@ bool take_conversion(const char** at, Conversion* conversion) {
   }
 }
 
-bool is_ours(const char* format) {
-  for (;;) {
-    format = std::strchr(format, '%');
-    if (format == nullptr) return true;
-    ++format;
-    Conversion conversion;
-    if (!take_conversion(&format, &conversion)) return false;
-  }
-}
-
 // The format of a conversion comes from the caller's format and fits its argument as that one did.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
@@ -119,15 +115,21 @@ class BoundedText {
   BoundedText& operator=(const BoundedText&) = delete;
 
   // The length of the text, or the size of a buffer that is too small; less than 0 for a failure.
-  int32_t write(const char* format) {
+  // Nothing for a format with a conversion that is the C library's: what is written then is to be
+  // written over.
+  std::optional<int32_t> write(const char* format) {
     while (*format != '\0' && !cut_ && !failed_) {
-      const size_t literal = std::strcspn(format, "%");
-      put(format, literal);
-      format += literal;
+      format = putLiteral(format);
       if (*format == '\0') break;
       ++format;
+      // The most frequent one, which need not be taken apart.
+      if (*format == 's') {
+        ++format;
+        putBareText(va_arg(arguments_, const char*));
+        continue;
+      }
       Conversion conversion;
-      take_conversion(&format, &conversion);
+      if (!take_conversion(&format, &conversion)) return std::nullopt;
       convert(conversion);
     }
     dst_[used_] = 0;
@@ -137,6 +139,17 @@ class BoundedText {
 
  private:
   size_t left() const { return room_ - used_; }
+
+  // Up to a conversion or the format's end.
+  const char* putLiteral(const char* format) {
+    char* at = dst_ + used_;
+    const char* const end = dst_ + room_;
+    while (*format != '\0' && *format != '%' && at != end) *at++ = *format++;
+    used_ = static_cast<size_t>(at - dst_);
+    if (at != end || *format == '\0' || *format == '%') return format;
+    cut_ = true;
+    return "";
+  }
 
   void put(const char* text, size_t length) {
     const size_t taken = std::min(length, left());
@@ -189,6 +202,16 @@ class BoundedText {
     }
   }
 
+  // Reads one byte more than fits.
+  void putBareText(const char* text) {
+    if (text == nullptr) {
+      Conversion conversion;
+      conversion.type = 's';
+      return putByLibrary(conversion, false, text);
+    }
+    put(text, ov::text_length(reinterpret_cast<const uint8_t*>(text), left() + 1));
+  }
+
   // Reads one byte more than fits, or the width.
   void putText(const Conversion& conversion, bool left_aligned) {
     const char* const text = va_arg(arguments_, const char*);
@@ -198,7 +221,7 @@ class BoundedText {
     // How many blanks stand in front depends on as much of the text as the width covers.
     if (!left_aligned) most = std::max(most, width);
     if (conversion.precision >= 0) most = std::min(most, static_cast<size_t>(conversion.precision));
-    const size_t length = ov_str_nlen(text, most);
+    const size_t length = ov::text_length(reinterpret_cast<const uint8_t*>(text), most);
     const size_t blanks = width > length ? width - length : 0;
     if (!left_aligned) pad(blanks);
     put(text, length);
@@ -274,8 +297,8 @@ class BoundedText {
 OV_PRINTF(3, 0)
 int32_t format_bounded(char* dst, size_t size, const char* format, va_list arguments) {
   if (format == nullptr || (dst == nullptr && size > 0)) return -1;
-  if (size > 0 && size <= INT32_MAX && is_ours(format)) {
-    return BoundedText(dst, size, arguments).write(format);
+  if (size > 0 && size <= INT32_MAX) {
+    if (const auto length = BoundedText(dst, size, arguments).write(format)) return *length;
   }
   // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the callers have started the list
   const int length = std::vsnprintf(dst, size, format, arguments);

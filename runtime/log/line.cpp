@@ -1,6 +1,7 @@
 #include "runtime/log/line.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstring>
 #include <ctime>
@@ -12,18 +13,29 @@
 namespace ov {
 namespace {
 
-char* put(char* at, std::string_view text) {
-  std::memcpy(at, text.data(), text.size());
-  return at + text.size();
+constexpr size_t kDigitBits = 4;
+
+size_t hex_digits(uint32_t value) {
+  return (static_cast<size_t>(std::bit_width(value | 1)) + kDigitBits - 1) / kDigitBits;
 }
 
-// In hexadecimal digits, eight of them if `padded`.
-char* put_thread(char* at, uint32_t thread, bool padded) {
-  char digits[8];
-  const auto length =
-      static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, thread, 16).ptr - digits);
-  for (size_t i = length; padded && i < sizeof digits; ++i) *at++ = '0';
-  return put(at, {digits, length});
+// The last digits of the value in front of `end`; their start.
+char* put_hex_before(char* end, uint32_t value, size_t digits) {
+  for (; digits > 0; --digits, value >>= kDigitBits) *--end = "0123456789abcdef"[value & 0xf];
+  return end;
+}
+
+char* put_before(char* end, std::string_view text) {
+  std::memcpy(end - text.size(), text.data(), text.size());
+  return end - text.size();
+}
+
+char* put_note_before(char* end, int32_t repeats) {
+  char digits[12];
+  const char* const digits_end = std::to_chars(digits, digits + sizeof digits, repeats).ptr;
+  end = put_before(end, " times\r\n");
+  end = put_before(end, {digits, static_cast<size_t>(digits_end - digits)});
+  return put_before(end, "Last message repeated ");
 }
 
 }  // namespace
@@ -41,23 +53,18 @@ bool LogLine::compose(int32_t level, const char* format, va_list arguments) {
   return true;
 }
 
-// Written by hand: the formatter would take as long as the system takes to write the line.
+// Written by hand and from its end: the formatter would take as long as the system takes to write
+// the line.
 void LogLine::stamp(int32_t repeats, std::string_view time, uint32_t process, uint32_t thread) {
-  char header[kLogHeaderRoom];
-  char* end = header;
-  if (repeats > 0) {
-    end = put(end, "Last message repeated ");
-    end = std::to_chars(end, header + sizeof header, repeats).ptr;
-    end = put(end, " times\r\n");
-  }
-  end = put(put(end, time), " [");
-  end = std::to_chars(end, header + sizeof header, process, 16).ptr;
-  *end++ = '-';
+  char* const end = room_ + kLogHeaderRoom;
+  char* at = put_before(end, "] ");
   // The two forms write the thread's id differently; readers of the log know both.
-  end = put_thread(end, thread, repeats == 0);
-  end = put(end, "] ");
-  headerLength_ = static_cast<size_t>(end - header);
-  std::memcpy(room_ + kLogHeaderRoom - headerLength_, header, headerLength_);
+  at = put_hex_before(at, thread, repeats == 0 ? 2 * sizeof thread : hex_digits(thread));
+  *--at = '-';
+  at = put_hex_before(at, process, hex_digits(process));
+  at = put_before(put_before(at, " ["), time);
+  if (repeats > 0) at = put_note_before(at, repeats);
+  headerLength_ = static_cast<size_t>(end - at);
 }
 
 std::string_view LogClock::now() {

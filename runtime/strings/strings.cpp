@@ -5,14 +5,14 @@
 #include "runtime/ov_log.h"
 #include "runtime/ov_strings.h"
 #include "runtime/errors/asserts.h"
+#include "runtime/strings/utf8_ascii.h"
 
 int32_t g_ov_asserts_active = 1;
 int32_t g_ov_asserts_skipped = 0;
 
 size_t ov_str_nlen(const char* text, size_t max) {
   if (text == nullptr) return 0;
-  // Not memchr over `max` bytes: the text may end long before the memory that `max` would span.
-  return strnlen(text, max);
+  return ov::text_length(reinterpret_cast<const uint8_t*>(text), max);
 }
 
 char* ov_str_ndup(const char* text, size_t max) {

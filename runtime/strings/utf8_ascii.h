@@ -12,8 +12,9 @@ namespace ov {
 // a terminator may pass any `max`.
 size_t utf8_ascii_run(const uint8_t* text, size_t max);
 
-// Bytes or units before the terminator.
-size_t text_length(const uint8_t* text);
+// Bytes before the terminator, at most `max`; of a text without one, `max` bytes can be read.
+size_t text_length(const uint8_t* text, size_t max = SIZE_MAX);
+// Units before the terminator.
 size_t text_length(const Utf16Unit* text);
 
 }  // namespace ov

@@ -38,6 +38,28 @@ inline size_t total(__m128i halves) {
   return static_cast<size_t>(sums[0] + sums[1]);
 }
 
+// All ones for each unit whose bits of the mask are `value`.
+OV_IN_LINE __m128i equal_bits(__m128i units, int mask, int value) {
+  const __m128i bits = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(mask)));
+  return _mm_cmpeq_epi16(bits, _mm_set1_epi16(static_cast<short>(value)));
+}
+
+OV_IN_LINE __m128i without_bits(__m128i units, int mask) {
+  return equal_bits(units, mask, 0);
+}
+
+// The same as two bits for each unit.
+OV_IN_LINE uint32_t units_with(__m128i units, int mask, int value) {
+  return static_cast<uint32_t>(_mm_movemask_epi8(equal_bits(units, mask, value)));
+}
+
+// The sum of eight units below 0x8000.
+inline size_t sum_of_units(__m128i units) {
+  const __m128i sums = _mm_madd_epi16(units, _mm_set1_epi16(1));
+  return total(_mm_add_epi64(_mm_unpacklo_epi32(sums, _mm_setzero_si128()),
+                             _mm_unpackhi_epi32(sums, _mm_setzero_si128())));
+}
+
 OV_SHUFFLES_IN_LINE __m128i table(int a, int b, int c, int d, int e, int f, int g, int h, int i,
                                   int j, int k, int l, int m, int n, int o, int p) {
   const auto byte = [](int value) { return static_cast<char>(value); };
