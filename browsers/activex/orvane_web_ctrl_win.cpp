@@ -13,6 +13,16 @@
 
 namespace Vantrel::Web::ActiveX {
 
+COrvaneWebCtrl::StartSite::StartSite(COrvaneWebCtrl& control) : control_(control) {
+  if (!control_.needParameters_ || control_.startSite_) return;
+  control_.startSite_ = ComPointer<IOleClientSite>(control_.object().site());
+  owner_ = true;
+}
+
+COrvaneWebCtrl::StartSite::~StartSite() {
+  if (owner_) control_.startSite_.reset();
+}
+
 COrvaneWebCtrl::COrvaneWebCtrl(IUnknown* outer) : OleControl(outer), dispatch_(*this) {
   OV_DEBUG("COrvaneWebCtrl()");
   core_ = std::make_unique<Plugin>();
@@ -65,10 +75,13 @@ void COrvaneWebCtrl::onSetClientSite() {
 
 void COrvaneWebCtrl::startIfNeeded() {
   if (needParameters_) onResetState();
+  // A call that comes while the picture is fetched is judged as any other.
+  if (startSite_) settleHost();
 }
 
 void COrvaneWebCtrl::doPropExchange(PropertyExchange& exchange) {
   OV_DEBUG("COrvaneWebCtrl::DoPropExchange()");
+  const StartSite held(*this);
   OleControl::doPropExchange(exchange);
   if (!needParameters_) return;
   readParameters(exchange);
@@ -90,8 +103,15 @@ void COrvaneWebCtrl::initPlugin() {
   } catch (const std::exception& exception) {
     ov_err("Failed to initialize plugin: %s", exception.what());
   }
-  if (core_->hostname.empty()) core_->hostname = pageHostname(object().site());
+  settleHost();
   core_->setParameters(parameters_);
+}
+
+// The page may have taken the site away while the picture came.
+void COrvaneWebCtrl::settleHost() {
+  if (!core_->hostname.empty()) return;
+  const ComPointer<IOleClientSite> site(startSite_ ? startSite_.get() : object().site());
+  core_->hostname = pageHostname(site.get());
 }
 
 void COrvaneWebCtrl::startCore() {

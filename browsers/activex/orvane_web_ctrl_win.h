@@ -50,7 +50,8 @@ class COrvaneWebCtrl final : public OleControl,
   IDropTarget* dropTarget() override { return dropTarget_.get(); }
   void* findInterface(REFIID id) override;
 
-  // For a script's call of a control that no container has loaded: one made by its program id.
+  // Before a script's call: starts a control that no container has loaded, as one made by its
+  // program id, and settles the page's host where a start is still under way.
   void startIfNeeded();
 
   // Drags over the control.
@@ -115,6 +116,19 @@ class COrvaneWebCtrl final : public OleControl,
   Plugin& core() { return *core_; }
 
  private:
+  // Keeps the site for the time of a start, whatever the page does to it meanwhile.
+  class StartSite {
+   public:
+    explicit StartSite(COrvaneWebCtrl& control);
+    ~StartSite();
+    StartSite(const StartSite&) = delete;
+    StartSite& operator=(const StartSite&) = delete;
+
+   private:
+    COrvaneWebCtrl& control_;
+    bool owner_ = false;  // one inside another's time leaves all to that
+  };
+
   void readParameters(PropertyExchange& exchange);
   // The parameter's text, logged; empty for one that is no text.
   std::string readParameter(PropertyExchange& exchange, const char* name);
@@ -122,6 +136,8 @@ class COrvaneWebCtrl final : public OleControl,
   void loadPlugInImage();
   void initPlugin();
   void startCore();
+  // Asks for the page's host, unless it is known.
+  void settleHost();
   // Whether a drag of these may go on.
   bool validateDrop(HDROP files) const;
   // What was dropped is approved and told, or uploaded.
@@ -142,7 +158,8 @@ class COrvaneWebCtrl final : public OleControl,
   std::unique_ptr<OneShotManager> oneShotManager_;
   ElementParameters parameters_;
   std::unique_ptr<Plugin> core_;
-  bool needParameters_ = true;  // until the first exchange of properties
+  bool needParameters_ = true;            // until the first exchange of properties
+  ComPointer<IOleClientSite> startSite_;  // the one that the start under way began in
   std::wstring imageUrl_;
   DropMode dropMode_ = DropMode::kNone;
   bool dropAllowDirectories_ = false;

@@ -4,6 +4,9 @@
 
 #include <windows.h>
 #include <msxml2.h>
+#include <ole2.h>
+
+#include <string>
 
 #include "tests/activex/control_fixture.h"
 #include "tests/container/drawing_win.h"
@@ -55,9 +58,10 @@ TEST_F(PictureTest, ItFillsTheControlAndIsFetchedBeforeTheCoreStarts) {
   for (const auto& [x, y] :
        {std::pair(0, 0), std::pair(39, 0), std::pair(0, 29), std::pair(39, 29)})
     EXPECT_EQ(drawing.at(x, y), kRedPixel);
-  EXPECT_TRUE(logHasInOrder(
-      {"DBG COrvaneWebCtrl::LoadPlugInImage()\r\n", "DBG COrvaneWebCtrl::DidCompleteDownload()\r\n",
-       "DBG COrvaneWebCtrl::initPlugin()\r\n", "DBG COrvaneWebCtrl::OnDraw()\r\n"}));
+  EXPECT_TRUE(logHasInOrder({"DBG COrvaneWebCtrl::LoadPlugInImage()\r\n",
+                             "DBG COrvaneWebCtrl::DidCompleteDownload()\r\n",
+                             "DBG COrvaneWebCtrl::initPlugin()\r\n", "DBG PlugIn::init()",
+                             "LOG Hostname: some.host\r\n", "DBG COrvaneWebCtrl::OnDraw()\r\n"}));
 }
 
 TEST_F(PictureTest, WithoutADropModeItIsFetchedAndNotPainted) {
@@ -120,6 +124,48 @@ TEST_F(PictureTest, AControlThatIsEndedWhileItWaitsEndsWhenTheRequestHas) {
     called->Load(&control.bag(), nullptr);
     EXPECT_TRUE(control.ended());
   }
+}
+
+constexpr char kOtherHost[] = "^other.host";
+constexpr char kRefusal[] = "Invalid application ID hostname: some.host";
+
+TEST_F(PictureTest, ACallThatComesWhileItIsFetchedIsHeldToThePagesHost) {
+  Control control(container(), kControlClassId,
+                  {.parameters = {{"image", kUrl}, {"drop-mode", "callback"}}, .load = false});
+  http_.onSend = [&] {
+    const auto replyTo = [&](const char* name, const Variants& arguments) {
+      return control.call(name, arguments).value.asText();
+    };
+    EXPECT_EQ(replyTo("initSession", {text(kOtherHost), text("")}), errorReply(kRefusal));
+    const Variant body =
+        text(R"({"orvane_vantrel_settings":{"app_id":")" + std::string(kOtherHost) + R"("}})");
+    EXPECT_EQ(replyTo("vantrelHttpRequest", {text("POST"), text("/path"), body}),
+              errorReply(kRefusal));
+    EXPECT_EQ(replyTo("vantrelHttpRequestAsync",
+                      {text("POST"), text("/path"), body, Variant::of(&makeFunction("function"))}),
+              errorReply(kRefusal));
+  };
+  EXPECT_EQ(control.load(), S_OK);
+  EXPECT_EQ(http_.calls.size(), 5U);
+  EXPECT_EQ(logCount("LOG Hostname: some.host\r\n"), 1U);
+}
+
+TEST_F(PictureTest, ASiteThatIsTakenAwayWhileItIsFetchedIsStillThePages) {
+  Control control(container(), kControlClassId,
+                  {.parameters = {{"image", kUrl}, {"drop-mode", "callback"}}, .load = false});
+  const auto initSession = [&] {
+    return control.call("initSession", {text(kOtherHost), text("")}).value.asText();
+  };
+  http_.onSend = [&] {
+    ComPointer<IOleObject> object;
+    ASSERT_EQ(control.query(object), S_OK);
+    EXPECT_EQ(object->SetClientSite(nullptr), S_OK);
+    EXPECT_EQ(initSession(), errorReply(kRefusal));
+  };
+  EXPECT_EQ(control.load(), S_OK);
+  EXPECT_EQ(initSession(), errorReply(kRefusal));
+  // Nothing holds it once the control has started.
+  EXPECT_EQ(control.site().references(), 0);
 }
 
 TEST_F(PictureTest, ASecondLoadFetchesNothing) {
