@@ -269,7 +269,8 @@ LRESULT CALLBACK InPlacePart::windowProc(HWND window, UINT message, WPARAM wPara
     part->paint();
     return 0;
   }
-  // The container's window has gone with all in it.
+  // The container's window goes with all in it. The system does not give the target back by itself.
+  if (message == WM_DESTROY) RevokeDragDrop(window);
   if (message == WM_NCDESTROY) {
     part->window_ = nullptr;
     SetWindowLongPtrW(window, GWLP_USERDATA, 0);

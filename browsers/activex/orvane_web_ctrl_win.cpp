@@ -7,11 +7,25 @@
 
 #include "browsers/activex/hostname_win.h"
 #include "browsers/activex/identifiers.h"
+#include "browsers/activex/module_count_win.h"
 #include "runtime/ov_log.h"
 #include "threads/guarded.h"
 #include "threads/runnable_scheduler.h"
 
 namespace Vantrel::Web::ActiveX {
+
+namespace {
+
+// A container or the system may hold it for longer than the control; the library stays as long.
+class ControlDropTarget final : public OrvaneWebIDropTarget {
+ public:
+  using OrvaneWebIDropTarget::OrvaneWebIDropTarget;
+
+ private:
+  const ModuleReference moduleReference_;
+};
+
+}  // namespace
 
 COrvaneWebCtrl::StartSite::StartSite(COrvaneWebCtrl& control) : control_(control) {
   if (!control_.needParameters_ || control_.startSite_) return;
@@ -26,7 +40,7 @@ COrvaneWebCtrl::StartSite::~StartSite() {
 COrvaneWebCtrl::COrvaneWebCtrl(IUnknown* outer) : OleControl(outer), dispatch_(*this) {
   OV_DEBUG("COrvaneWebCtrl()");
   core_ = std::make_unique<Plugin>();
-  dropTarget_.reset(new OrvaneWebIDropTarget(this));
+  dropTarget_.reset(new ControlDropTarget(this));
 }
 
 COrvaneWebCtrl::~COrvaneWebCtrl() {

@@ -105,6 +105,10 @@ TEST_F(ActivationTest, ADropTargetMayOutliveItsControl) {
     windowless->GetDropTarget(target.put());
   }
   EXPECT_EQ(target->DragLeave(), S_OK);
+  // Its code is the library's, which stays for it.
+  EXPECT_EQ(library().canUnload(), S_FALSE);
+  target.reset();
+  EXPECT_EQ(library().canUnload(), S_OK);
 }
 
 TEST_F(ActivationTest, ASiteThatRefusesLeavesItPassive) {
@@ -224,6 +228,16 @@ TEST_F(ActivationTest, AWindowMayGoWithTheContainersOne) {
   DestroyWindow(windowOf(*control));
   EXPECT_EQ(windowOf(*control), nullptr);
   EXPECT_EQ(control->deactivate(), S_OK);
+}
+
+TEST_F(ActivationTest, AWindowThatGoesWithTheContainersOneGivesItsTargetBack) {
+  ControlStart start;
+  start.site.windowless = false;
+  auto control = makeControl(start);
+  control->activate();
+  DestroyWindow(windowOf(*control));
+  control.reset();
+  EXPECT_EQ(library().canUnload(), S_OK);
 }
 
 }  // namespace
