@@ -41,6 +41,20 @@ void giveWindowClassBack() {
   if (--classUsers == 0) UnregisterClassW(kWindowClass, moduleInstance());
 }
 
+// Holds the class for a scope.
+class ClassUse {
+ public:
+  explicit ClassUse(WNDPROC procedure) : taken_(takeWindowClass(procedure)) {}
+  ~ClassUse() {
+    if (taken_) giveWindowClassBack();
+  }
+  ClassUse(const ClassUse&) = delete;
+  ClassUse& operator=(const ClassUse&) = delete;
+
+ private:
+  const bool taken_;
+};
+
 int widthOf(const RECT& rect) {
   return rect.right - rect.left;
 }
@@ -93,7 +107,8 @@ HRESULT InPlacePart::enter(IOleClientSite& clientSite) {
   info.cb = sizeof info;
   const HRESULT told = site->GetWindowContext(frame.put(), document.put(), &place, &clip, &info);
   if (FAILED(told)) return told;
-  if (state_ == State::kPassive) return E_ABORT;
+  // With a window it was not only taken back, but activated once more.
+  if (state_ == State::kPassive || window_ != nullptr) return E_ABORT;
   frame_ = std::move(frame);
   place_ = place;
   return windowless_ ? S_OK : openWindow(parent);
@@ -119,7 +134,10 @@ HRESULT InPlacePart::announce(IOleInPlaceSite& site) {
   return result;
 }
 
+// The container's window hears of the new one while that is made, and the container may take all
+// back then. The window has gone in that case, and its class is not to go before.
 HRESULT InPlacePart::openWindow(HWND parent) {
+  const ClassUse whileMade(windowProc);
   ownsClass_ = takeWindowClass(windowProc);
   CREATESTRUCTW create = {};
   create.lpCreateParams = this;
@@ -132,12 +150,13 @@ HRESULT InPlacePart::openWindow(HWND parent) {
   create.style = static_cast<LONG>(kWindowStyle);
   create.lpszClass = kWindowClass;
   control().onCreate(create);
-  window_ = CreateWindowExW(
+  const HWND made = CreateWindowExW(
       create.dwExStyle, create.lpszClass, L"", static_cast<DWORD>(create.style), create.x, create.y,
       create.cx, create.cy, create.hwndParent, nullptr, create.hInstance, create.lpCreateParams);
-  if (window_ == nullptr) return E_FAIL;
-  // Without a window of its own, the container asks for the target instead. It holds a reference
-  // until the window takes it back.
+  if (state_ == State::kPassive) return E_ABORT;
+  if (made == nullptr || made != window_) return E_FAIL;
+  // Without a window of its own, the container asks for the target instead. The system holds a
+  // reference until the window takes it back.
   IDropTarget* const target = control().dropTarget();
   if (target != nullptr) RegisterDragDrop(window_, target);
   return S_OK;
@@ -261,6 +280,8 @@ LRESULT CALLBACK InPlacePart::windowProc(HWND window, UINT message, WPARAM wPara
   if (message == WM_NCCREATE) {
     const auto* const create = reinterpret_cast<const CREATESTRUCTW*>(lParam);
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
+    // Known before anybody hears of it, and may take the control's activation back.
+    static_cast<InPlacePart*>(create->lpCreateParams)->window_ = window;
   }
   // None once the control has let go of the window.
   auto* const part = reinterpret_cast<InPlacePart*>(GetWindowLongPtrW(window, GWLP_USERDATA));

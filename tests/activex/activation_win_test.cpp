@@ -1,13 +1,10 @@
-// The control shown in its container: with a window or without, and a container that takes the
-// activation back at each step of it.
+// The control shown in its container: with a window or without, with the keyboard, and what its end
+// leaves.
 #include <gmock/gmock.h>
 
 #include <windows.h>
 #include <ocidl.h>
 #include <oleidl.h>
-
-#include <functional>
-#include <utility>
 
 #include "tests/activex/control_fixture.h"
 
@@ -119,60 +116,6 @@ TEST_F(ActivationTest, ASiteThatRefusesLeavesItPassive) {
   start.giveSite = false;
   const auto second = makeControl(start);
   EXPECT_EQ(second->activate(), E_UNEXPECTED);
-}
-
-// A site that takes the activation back at a step of it.
-class RestlessSite : public Container::Site {
- public:
-  using Site::Site;
-
-  std::function<void()> onActivate;
-  std::function<void()> onContext;
-  std::function<void()> onUi;
-
-  STDMETHODIMP OnInPlaceActivateEx(BOOL* noRedraw, DWORD flags) override {
-    const HRESULT result = Site::OnInPlaceActivateEx(noRedraw, flags);
-    if (onActivate) onActivate();
-    return result;
-  }
-  STDMETHODIMP GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindow** document,
-                                LPRECT place, LPRECT clip, LPOLEINPLACEFRAMEINFO info) override {
-    const HRESULT result = Site::GetWindowContext(frame, document, place, clip, info);
-    if (onContext) onContext();
-    return result;
-  }
-  STDMETHODIMP OnUIActivate() override {
-    const HRESULT result = Site::OnUIActivate();
-    if (onUi) onUi();
-    return result;
-  }
-};
-
-TEST_F(ActivationTest, ASiteMayTakeTheActivationBackAtEachStep) {
-  for (const bool windowless : {true, false}) {
-    const auto control = makeControl();
-    auto& site = container().book.make<RestlessSite>(
-        "restless", container().window(), Container::SiteSettings{.windowless = windowless});
-    ComPointer<IOleObject> object;
-    ASSERT_EQ(control->query(object), S_OK);
-    object->SetClientSite(&site);
-    const auto activate = [&] {
-      return object->DoVerb(OLEIVERB_UIACTIVATE, nullptr, &site, 0, container().window(), nullptr);
-    };
-    site.onActivate = [&] { control->deactivate(); };
-    EXPECT_EQ(activate(), E_ABORT);
-    EXPECT_FALSE(site.inPlaceActive);
-    site.onContext = std::exchange(site.onActivate, nullptr);
-    EXPECT_EQ(activate(), E_ABORT);
-    EXPECT_FALSE(site.inPlaceActive);
-    site.onUi = std::exchange(site.onContext, nullptr);
-    EXPECT_EQ(activate(), S_OK);
-    EXPECT_FALSE(site.inPlaceActive);
-    EXPECT_FALSE(site.uiActive);
-    site.onUi = nullptr;
-    EXPECT_EQ(activate(), S_OK);
-    EXPECT_TRUE(site.uiActive);
-  }
 }
 
 TEST_F(ActivationTest, TheWindowsClassGoesWithTheLastWindow) {
