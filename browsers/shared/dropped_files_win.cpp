@@ -11,6 +11,10 @@ namespace Vantrel::Web {
 DroppedData::DroppedData(IDataObject& data) {
   FORMATETC format = {CF_HDROP, nullptr, DVASPECT_CONTENT, -1, TYMED_HGLOBAL};
   result_ = data.GetData(&format, &medium_);
+  if (FAILED(result_) || (medium_.tymed == TYMED_HGLOBAL && medium_.hGlobal != nullptr)) return;
+  // What it answers with need not be what it was asked for.
+  ReleaseStgMedium(&medium_);
+  result_ = DV_E_TYMED;
 }
 
 DroppedData::~DroppedData() {

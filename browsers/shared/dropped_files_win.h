@@ -13,7 +13,8 @@ namespace Vantrel::Web {
 // The list of files in a drag's data, given back at the end.
 class DroppedData {
  public:
-  // Asks the data for files; result() tells.
+  // Asks the data for files; result() tells. An answer in another form than a block of memory is a
+  // failure.
   explicit DroppedData(IDataObject& data);
   ~DroppedData();
   DroppedData(const DroppedData&) = delete;

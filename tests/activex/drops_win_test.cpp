@@ -153,6 +153,21 @@ TEST_F(DropsTest, DataThatHasNoFilesIsRefused) {
   EXPECT_EQ(target_->Drop(&other, 0, {}, nullptr), E_INVALIDARG);
 }
 
+TEST_F(DropsTest, FilesInAnotherFormThanAskedForAreRefusedAndGivenBack) {
+  start({{"drop-mode", "callback"}});
+  DWORD effect = 0;
+  for (const DWORD form : {TYMED_ISTREAM, TYMED_HGLOBAL}) {
+    DraggedFiles& other = files({path("a.txt")});
+    other.otherForm = form;
+    EXPECT_EQ(target_->DragEnter(&other, 0, {}, &effect), E_INVALIDARG);
+    EXPECT_EQ(target_->Drop(&other, 0, {}, &effect), E_INVALIDARG);
+    EXPECT_EQ(other.taken(), 2);
+    EXPECT_EQ(other.references(), 0);
+  }
+  turn();
+  EXPECT_THAT(told(), IsEmpty());
+}
+
 TEST_F(DropsTest, ADropIsToldWhenTheDragIsOver) {
   start({{"drop-mode", "callback"}});
   EXPECT_EQ(drop({path("ö.txt")}), S_OK);

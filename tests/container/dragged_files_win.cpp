@@ -19,6 +19,10 @@ STDMETHODIMP DraggedFiles::GetData(FORMATETC* format, STGMEDIUM* medium) {
   note("GetData");
   const HRESULT offered = QueryGetData(format);
   if (FAILED(offered)) return offered;
+  if (otherForm != TYMED_NULL) {
+    giveOtherForm(*medium);
+    return S_OK;
+  }
   const size_t bytes = names_.size() * sizeof(wchar_t);
   *medium = {};
   medium->tymed = TYMED_HGLOBAL;
@@ -29,6 +33,14 @@ STDMETHODIMP DraggedFiles::GetData(FORMATETC* format, STGMEDIUM* medium) {
   std::memcpy(files + 1, names_.data(), bytes);
   GlobalUnlock(medium->hGlobal);
   return S_OK;
+}
+
+void DraggedFiles::giveOtherForm(STGMEDIUM& medium) {
+  medium = {};
+  medium.tymed = otherForm;
+  medium.pUnkForRelease = this;
+  AddRef();
+  if (otherForm == TYMED_ISTREAM) CreateStreamOnHGlobal(nullptr, TRUE, &medium.pstm);
 }
 
 STDMETHODIMP DraggedFiles::QueryGetData(FORMATETC* format) {

@@ -18,6 +18,9 @@ class DraggedFiles : public Counted<IDataObject> {
 
   // What a request for the list ends with.
   HRESULT answer = S_OK;
+  // What it hands over instead of the list, in whatever form it was asked for: with TYMED_ISTREAM a
+  // stream, with TYMED_HGLOBAL a block that is none. The data is then held until it is given back.
+  DWORD otherForm = TYMED_NULL;
 
   STDMETHODIMP GetData(FORMATETC* format, STGMEDIUM* medium) override;
   STDMETHODIMP GetDataHere(FORMATETC*, STGMEDIUM*) override { return E_NOTIMPL; }
@@ -30,6 +33,8 @@ class DraggedFiles : public Counted<IDataObject> {
   STDMETHODIMP EnumDAdvise(IEnumSTATDATA**) override { return E_NOTIMPL; }
 
  private:
+  void giveOtherForm(STGMEDIUM& medium);
+
   std::wstring names_;
 };
 
