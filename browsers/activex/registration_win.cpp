@@ -9,6 +9,7 @@
 #include <oleauto.h>
 #include <olectl.h>
 
+#include <algorithm>
 #include <string>
 
 #include "browsers/activex/class_registry_win.h"
@@ -111,9 +112,32 @@ Outcome enterWhole(Place place, const std::wstring& path) {
   return result;
 }
 
-// S_OK for all users, S_FALSE for this user alone.
+bool isEntered(Place place) {
+  const auto exists = [place](const std::wstring& key) { return keyExists(place, key); };
+  return std::ranges::any_of(classKeys(), exists) || std::ranges::any_of(typeLibraryKeys(), exists);
+}
+
+HRESULT takeOut(Place place) {
+  const bool there = keyExists(place, classKeys().front());
+  const Outcome left = leave(place);
+  if (!left.ok()) {
+    ov_err("Failed to unregister for %s: %x", nameOf(place), static_cast<unsigned>(left.reason));
+    return left.code;
+  }
+  if (there) ov_log("Unregistered for %s", nameOf(place));
+  return S_OK;
+}
+
+// S_OK for all users, S_FALSE for this user alone. What this user has from before goes first: it
+// would win over what all users get, and on Windows the functions of the system, which write
+// through the merged view, would put theirs into the keys that are there already. Wine has no such
+// view.
 HRESULT registerServer() {
   const std::wstring path = modulePath();
+  if (isEntered(Place::kThisUser)) {
+    const HRESULT former = takeOut(Place::kThisUser);
+    if (FAILED(former)) return former;
+  }
   const Outcome allUsers = enterWhole(Place::kAllUsers, path);
   if (allUsers.ok()) return S_OK;
   ov_err("Failed to register for all users: %x", static_cast<unsigned>(allUsers.reason));
@@ -128,14 +152,8 @@ HRESULT unregisterServer() {
   OV_DEBUG("COrvaneWebCtrl::COrvaneWebCtrlFactory::UpdateRegistry()");
   HRESULT result = S_OK;
   for (const Place place : {Place::kThisUser, Place::kAllUsers}) {
-    const bool there = keyExists(place, classKeys().front());
-    const Outcome left = leave(place);
-    if (!left.ok()) {
-      ov_err("Failed to unregister for %s: %x", nameOf(place), static_cast<unsigned>(left.reason));
-      result = left.code;
-    } else if (there) {
-      ov_log("Unregistered for %s", nameOf(place));
-    }
+    const HRESULT left = takeOut(place);
+    if (FAILED(left)) result = left;
   }
   return result;
 }

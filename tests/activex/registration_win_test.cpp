@@ -80,6 +80,11 @@ class RegistrationTest : public testing::Test {
     return reinterpret_cast<HRESULT(STDAPICALLTYPE*)()>(
         reinterpret_cast<void*>(GetProcAddress(library_, name)))();
   }
+  HRESULT registerWithoutRights() const {
+    const ImportPatch keys(library_, "RegCreateKeyExW", refuseForAllUsers);
+    const ImportPatch library(library_, "RegisterTypeLib", refuseTypeLibrary);
+    return call("DllRegisterServer");
+  }
   // The user of a scratch profile has no classes before; every other has the key for them.
   static RegistryExport writtenForUser() {
     RegistryExport written = exportRegistry(HKEY_CURRENT_USER, kClasses);
@@ -156,11 +161,7 @@ TEST_F(RegistrationTest, OutWithoutInSucceeds) {
 }
 
 TEST_F(RegistrationTest, WithoutRightsItRegistersForThisUserAndSaysSo) {
-  {
-    const ImportPatch keys(library_, "RegCreateKeyExW", refuseForAllUsers);
-    const ImportPatch library(library_, "RegisterTypeLib", refuseTypeLibrary);
-    EXPECT_EQ(call("DllRegisterServer"), S_FALSE);
-  }
+  EXPECT_EQ(registerWithoutRights(), S_FALSE);
   EXPECT_THAT(oursForAll(), IsEmpty());
   RegistryExport written = withoutTypeLibrary(writtenForUser());
   for (const wchar_t* const parent : {L"CLSID", L"Interface", L"TypeLib"}) written.erase(parent);
@@ -169,6 +170,29 @@ TEST_F(RegistrationTest, WithoutRightsItRegistersForThisUserAndSaysSo) {
   EXPECT_THAT(profile_.log(), HasSubstr("LOG Registered for this user\r\n"));
   EXPECT_EQ(call("DllUnregisterServer"), S_OK);
   EXPECT_THAT(profile_.log(), HasSubstr("LOG Unregistered for this user\r\n"));
+}
+
+TEST_F(RegistrationTest, ForAllUsersTheOneOfThisUserMakesRoom) {
+  ASSERT_EQ(registerWithoutRights(), S_FALSE);
+  ASSERT_THAT(writtenForUser(), Not(IsEmpty()));
+  EXPECT_EQ(call("DllRegisterServer"), S_OK);
+  EXPECT_THAT(writtenForUser(), IsEmpty());
+  EXPECT_EQ(withoutTypeLibrary(oursForAll()), expectedClasses());
+  EXPECT_THAT(profile_.log(), HasSubstr("LOG Unregistered for this user\r\n"));
+}
+
+TEST_F(RegistrationTest, RefusedForAllUsersTheOneOfThisUserIsWrittenAnew) {
+  ASSERT_EQ(registerWithoutRights(), S_FALSE);
+  const RegistryExport first = writtenForUser();
+  // As an older library may have left it.
+  HKEY key = nullptr;
+  ASSERT_EQ(
+      RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Classes\\Orvane.OrvaneWebCtrl.1\\OfAnOlderOne",
+                      0, nullptr, 0, KEY_READ, nullptr, &key, nullptr),
+      ERROR_SUCCESS);
+  RegCloseKey(key);
+  EXPECT_EQ(registerWithoutRights(), S_FALSE);
+  EXPECT_EQ(writtenForUser(), first);
 }
 
 TEST_F(RegistrationTest, ForThisUserTheTypeLibraryIsWrittenAsTheSystemWouldForAll) {
