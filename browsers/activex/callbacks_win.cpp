@@ -16,6 +16,11 @@ void StringCallbackMessage::deliver() {
   invokeDispatch(dispatch_.get(), text_);
 }
 
+bool StringCallbackMessage::abandon() noexcept {
+  std::string().swap(text_);
+  return static_cast<bool>(dispatch_);
+}
+
 void TransferEvent::deliver() {
   sendDispatchEvent(control_.eventHandler(), PageEvent::kTransfer, text_);
 }

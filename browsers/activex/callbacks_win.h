@@ -26,6 +26,7 @@ class StringCallbackMessage : public Delivery {
   explicit StringCallbackMessage(IDispatch* function) : dispatch_(function) {}
   void setText(const std::string& text) { text_ = text; }
   void deliver() override;
+  bool abandon() noexcept override;
 
  private:
   ComPointer<IDispatch> dispatch_;
@@ -39,6 +40,7 @@ class TransferEvent : public Delivery {
   TransferEvent(COrvaneWebCtrl& control, std::string text)
       : control_(control), text_(std::move(text)) {}
   void deliver() override;
+  bool abandon() noexcept override { return false; }
 
  private:
   COrvaneWebCtrl& control_;

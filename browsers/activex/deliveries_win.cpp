@@ -9,23 +9,47 @@
 
 namespace Vantrel::Web::ActiveX {
 
+DeliveryQueue::~DeliveryQueue() {
+  // One by one: a chain that is destroyed by its first would take a frame of the stack for each.
+  while (take()) {
+  }
+}
+
+void DeliveryQueue::put(std::unique_ptr<Delivery> delivery) noexcept {
+  Delivery* const added = delivery.get();
+  (last_ != nullptr ? last_->next_ : first_) = std::move(delivery);
+  last_ = added;
+}
+
+std::unique_ptr<Delivery> DeliveryQueue::take() noexcept {
+  std::unique_ptr<Delivery> taken = std::move(first_);
+  if (!taken) return nullptr;
+  first_ = std::move(taken->next_);
+  if (!first_) last_ = nullptr;
+  return taken;
+}
+
 void Deliveries::post(std::unique_ptr<Delivery> delivery) {
   const std::lock_guard<Mutex> lock(mutex_);
   try {
     if (manager_ == nullptr) throw std::runtime_error("No way to the page");
     manager_->scheduleAsyncCallback(run, this);
   } catch (const std::exception&) {
-    discarded_.push_back(std::move(delivery));
+    keep(std::move(delivery));
     throw;
   }
   // Its turn cannot have come: it waits for the lock.
-  waiting_.push_back(std::move(delivery));
+  waiting_.put(std::move(delivery));
 }
 
 void Deliveries::discard(std::unique_ptr<Delivery> delivery) {
   if (GetCurrentThreadId() == thread_) return;  // which destroys it
   const std::lock_guard<Mutex> lock(mutex_);
-  discarded_.push_back(std::move(delivery));
+  keep(std::move(delivery));
+}
+
+void Deliveries::keep(std::unique_ptr<Delivery> delivery) noexcept {
+  if (delivery->abandon()) discarded_.put(std::move(delivery));
 }
 
 void Deliveries::setManager(OneShotManager* manager) {
@@ -35,10 +59,7 @@ void Deliveries::setManager(OneShotManager* manager) {
 
 std::unique_ptr<Delivery> Deliveries::take() {
   const std::lock_guard<Mutex> lock(mutex_);
-  if (waiting_.empty()) return nullptr;
-  std::unique_ptr<Delivery> next = std::move(waiting_.front());
-  waiting_.pop_front();
-  return next;
+  return waiting_.take();
 }
 
 void Deliveries::run(void* argument) {

@@ -7,9 +7,7 @@
 
 #include <windows.h>
 
-#include <deque>
 #include <memory>
-#include <vector>
 
 #include "threads/mutex.h"
 #include "threads/one_shot_manager.h"
@@ -19,13 +17,38 @@ namespace Vantrel::Web::ActiveX {
 class Delivery {
  public:
   virtual ~Delivery() = default;
+  Delivery(const Delivery&) = delete;
+  Delivery& operator=(const Delivery&) = delete;
   // The control's thread. May end the control.
   virtual void deliver() = 0;
+  // Any thread: it will not be made, and lets go of what any thread may free. Whether something is
+  // left.
+  virtual bool abandon() noexcept = 0;
 
  protected:
   Delivery() = default;
-  Delivery(const Delivery&) = default;
-  Delivery& operator=(const Delivery&) = default;
+
+ private:
+  friend class DeliveryQueue;
+  std::unique_ptr<Delivery> next_;
+};
+
+// Deliveries in their order. It takes no memory: a thread that may not destroy one can always leave
+// it here.
+class DeliveryQueue {
+ public:
+  DeliveryQueue() = default;
+  ~DeliveryQueue();
+  DeliveryQueue(const DeliveryQueue&) = delete;
+  DeliveryQueue& operator=(const DeliveryQueue&) = delete;
+
+  void put(std::unique_ptr<Delivery> delivery) noexcept;
+  // Null when there is none.
+  std::unique_ptr<Delivery> take() noexcept;
+
+ private:
+  std::unique_ptr<Delivery> first_;
+  Delivery* last_ = nullptr;
 };
 
 class Deliveries {
@@ -47,13 +70,16 @@ class Deliveries {
   // Delivers all that waits; `argument` is the Deliveries, which the window never outlives.
   static void run(void* argument);
   std::unique_ptr<Delivery> take();
+  // The lock is held.
+  void keep(std::unique_ptr<Delivery> delivery) noexcept;
 
   const DWORD thread_ = GetCurrentThreadId();
   const std::shared_ptr<bool> lifeToken_ = std::make_shared<bool>(true);
   Mutex mutex_;  // guards all below; held during a post, which waits for nothing
   OneShotManager* manager_ = nullptr;
-  std::deque<std::unique_ptr<Delivery>> waiting_;
-  std::vector<std::unique_ptr<Delivery>> discarded_;
+  DeliveryQueue waiting_;
+  // Until the control's end: no more than a reference for each call of the page.
+  DeliveryQueue discarded_;
 };
 
 }  // namespace Vantrel::Web::ActiveX

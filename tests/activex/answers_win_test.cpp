@@ -2,8 +2,15 @@
 // it on the control's thread, all references given back, whatever ends first.
 #include <gmock/gmock.h>
 
+#include <windows.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <string>
+
 #include "tests/activex/control_fixture.h"
 #include "tests/support/fake_file_dialogs_win.h"
+#include "tests/support/import_patch_win.h"
 
 namespace Vantrel::Web::ActiveX {
 namespace {
@@ -116,6 +123,55 @@ TEST_F(AnswersTest, AnAnswerThatWaitsForItsTurnGoesWithTheControl) {
   container().pumpOnce();
   EXPECT_TRUE(function.calls.empty());
   EXPECT_EQ(function.references(), 0);
+}
+
+// Posts that fail, and behind the second one, on the thread that has tried, the n-th request for
+// memory. The first one is for the compiler's library: MinGW's cannot be without memory when a
+// thread throws for the first time.
+struct FailedPosts {
+  std::atomic<DWORD> thread = 0;
+  std::atomic<int> count = 0;
+  std::atomic<int> left = 0;  // requests for memory until the one that fails
+  int planned = 0;
+};
+FailedPosts failedPosts;
+DWORD controlsThread = 0;
+
+BOOL WINAPI postMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (GetCurrentThreadId() == controlsThread) {
+    return PostMessageW(window, message, wParam, lParam);
+  }
+  failedPosts.thread = GetCurrentThreadId();
+  if (++failedPosts.count == 2) failedPosts.left = failedPosts.planned;
+  SetLastError(ERROR_NOT_ENOUGH_QUOTA);
+  return FALSE;
+}
+
+void* allocate(size_t size) {
+  const bool counts = GetCurrentThreadId() == failedPosts.thread && failedPosts.left > 0;
+  return counts && --failedPosts.left == 0 ? nullptr : std::malloc(size);
+}
+
+TEST_F(AnswersTest, AnAnswerThatCannotBePostedIsGivenBackByTheControlsThreadWhateverElseFails) {
+  constexpr int kMostRequests = 12;
+  server_.always(kPath, Script::reply("{\"answer\":1}"));
+  controlsThread = GetCurrentThreadId();
+  const TestSupport::ImportPatch post(library().module(), "PostMessageW", postMessage);
+  const TestSupport::ImportPatch memory(library().module(), "malloc", allocate);
+  for (int n = 1; n <= kMostRequests; ++n) {
+    SCOPED_TRACE(n);
+    auto& function = makeFunction("callback " + std::to_string(n));
+    failedPosts.count = 0;
+    failedPosts.left = 0;
+    failedPosts.planned = n;
+    {
+      const auto control = makeControl();
+      for (int i = 0; i < 2; ++i) sendAsync(*control, function);
+      while (failedPosts.count < 2) Sleep(1);
+    }
+    EXPECT_TRUE(function.calls.empty());
+    EXPECT_EQ(function.references(), 0);
+  }
 }
 
 TEST_F(AnswersTest, APageMayEndTheControlInsideAnAnswer) {
