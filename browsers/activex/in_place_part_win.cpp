@@ -109,7 +109,8 @@ HRESULT InPlacePart::enter(IOleClientSite& clientSite) {
   if (FAILED(told)) return told;
   // With a window it was not only taken back, but activated once more.
   if (state_ == State::kPassive || window_ != nullptr) return E_ABORT;
-  frame_ = std::move(frame);
+  around_[0] = ComPointer<IOleInPlaceUIWindow>(frame.get());
+  around_[1] = std::move(document);
   place_ = place;
   return windowless_ ? S_OK : openWindow(parent);
 }
@@ -175,14 +176,22 @@ void InPlacePart::takeKeyboard() {
   state_ = State::kForUser;
   const ComPointer<IOleInPlaceSite> site(site_.get());
   const ComPointer<IOleInPlaceSiteWindowless> siteNoWindow(siteNoWindow_.get());
-  const ComPointer<IOleInPlaceFrame> frame(frame_.get());
+  const WindowsAround around = windowsAround();
   site->OnUIActivate();
   if (window_ != nullptr) SetFocus(window_);
   if (siteNoWindow) siteNoWindow->SetFocus(TRUE);
-  // The site may have taken it back by now.
-  if (!frame || state_ != State::kForUser) return;
-  frame->SetActiveObject(this, nullptr);
-  frame->SetBorderSpace(nullptr);
+  // The container may take it back in each of these.
+  for (const auto& window : around) {
+    if (window && state_ == State::kForUser) window->SetActiveObject(this, nullptr);
+  }
+  for (const auto& window : around) {
+    if (window && state_ == State::kForUser) window->SetBorderSpace(nullptr);
+  }
+}
+
+InPlacePart::WindowsAround InPlacePart::windowsAround() const {
+  return {ComPointer<IOleInPlaceUIWindow>(around_[0].get()),
+          ComPointer<IOleInPlaceUIWindow>(around_[1].get())};
 }
 
 HRESULT STDMETHODCALLTYPE InPlacePart::UIDeactivate() {
@@ -190,8 +199,9 @@ HRESULT STDMETHODCALLTYPE InPlacePart::UIDeactivate() {
     if (state_ != State::kForUser) return S_OK;
     state_ = State::kShown;
     const ComPointer<IOleInPlaceSite> site(site_.get());
-    const ComPointer<IOleInPlaceFrame> frame(frame_.get());
-    if (frame) frame->SetActiveObject(nullptr, nullptr);
+    for (const auto& window : windowsAround()) {
+      if (window) window->SetActiveObject(nullptr, nullptr);
+    }
     site->OnUIDeactivate(FALSE);
     return S_OK;
   });
@@ -202,7 +212,7 @@ void InPlacePart::deactivate() {
   const ComPointer<IOleInPlaceSite> site = std::move(site_);
   const ComPointer<IOleInPlaceSiteEx> siteEx = std::move(siteEx_);
   siteNoWindow_.reset();
-  frame_.reset();
+  for (auto& window : around_) window.reset();
   closeWindow();
   const bool wasActive = std::exchange(state_, State::kPassive) != State::kPassive;
   windowless_ = false;

@@ -6,6 +6,8 @@
 #include <ocidl.h>
 #include <oleidl.h>
 
+#include <array>
+
 #include "browsers/activex/part_win.h"
 #include "browsers/shared/drop_target_win.h"
 #include "dialogs/dialog_com_win.h"
@@ -57,6 +59,9 @@ class InPlacePart final : public Part<IOleInPlaceObjectWindowless, IOleInPlaceAc
 
  private:
   enum class State { kPassive, kShown, kForUser };
+  // What is told which object has the keyboard: the container's frame, and the window of its
+  // document, where that has one of its own. Each may be null.
+  using WindowsAround = std::array<ComPointer<IOleInPlaceUIWindow>, 2>;
 
   static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -65,6 +70,8 @@ class InPlacePart final : public Part<IOleInPlaceObjectWindowless, IOleInPlaceAc
   HRESULT openWindow(HWND parent);
   void closeWindow();
   void takeKeyboard();
+  // Held for calls in which the container may take the activation back.
+  WindowsAround windowsAround() const;
   void paint();
 
   State state_ = State::kPassive;
@@ -75,7 +82,7 @@ class InPlacePart final : public Part<IOleInPlaceObjectWindowless, IOleInPlaceAc
   ComPointer<IOleInPlaceSite> site_;
   ComPointer<IOleInPlaceSiteEx> siteEx_;                // the same, if it is one
   ComPointer<IOleInPlaceSiteWindowless> siteNoWindow_;  // the same, if windowless
-  ComPointer<IOleInPlaceFrame> frame_;
+  WindowsAround around_;
 };
 
 }  // namespace Vantrel::Web::ActiveX

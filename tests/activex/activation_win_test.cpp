@@ -6,10 +6,15 @@
 #include <ocidl.h>
 #include <oleidl.h>
 
+#include <string>
+#include <vector>
+
 #include "tests/activex/control_fixture.h"
 
 namespace Vantrel::Web::ActiveX {
 namespace {
+
+using testing::ElementsAre;
 
 class ActivationTest : public ControlTest {
  protected:
@@ -151,6 +156,35 @@ TEST_F(ActivationTest, TheUserMayHaveTheKeyboardInIt) {
   EXPECT_TRUE(control->site().inPlaceActive);
   EXPECT_EQ(object->DoVerb(7, nullptr, nullptr, 0, nullptr, nullptr), OLEOBJ_S_INVALIDVERB);
   EXPECT_EQ(object->DoVerb(OLEIVERB_OPEN, nullptr, nullptr, 0, nullptr, nullptr), E_NOTIMPL);
+}
+
+TEST_F(ActivationTest, FrameAndDocumentHearWhoHasTheKeyboard) {
+  ControlStart start;
+  start.site.documentWindow = true;
+  const auto control = makeControl(start);
+  ComPointer<IOleObject> object;
+  ASSERT_EQ(control->query(object), S_OK);
+  EXPECT_EQ(object->DoVerb(OLEIVERB_UIACTIVATE, nullptr, &control->site(), 0, container().window(),
+                           nullptr),
+            S_OK);
+  std::vector<std::string>& heard = control->site().heardAround;
+  EXPECT_THAT(heard, ElementsAre("frame active", "document active", "frame no border",
+                                 "document no border"));
+  heard.clear();
+  EXPECT_EQ(control->deactivate(), S_OK);
+  EXPECT_THAT(heard, ElementsAre("frame none active", "document none active"));
+}
+
+TEST_F(ActivationTest, AFrameThatTakesTheKeyboardBackIsNotFollowedByTheDocument) {
+  ControlStart start;
+  start.site.documentWindow = true;
+  const auto control = makeControl(start);
+  ComPointer<IOleObject> object;
+  ASSERT_EQ(control->query(object), S_OK);
+  control->site().onFrameActive = [&] { EXPECT_EQ(control->deactivate(), S_OK); };
+  object->DoVerb(OLEIVERB_UIACTIVATE, nullptr, &control->site(), 0, container().window(), nullptr);
+  EXPECT_THAT(control->site().heardAround,
+              ElementsAre("frame active", "frame none active", "document none active"));
 }
 
 TEST_F(ActivationTest, AControlMayGoWhileItIsShown) {

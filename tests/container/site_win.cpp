@@ -2,23 +2,21 @@
 
 namespace Vantrel::Web::Container {
 
-STDMETHODIMP Frame::GetWindow(HWND* window) {
-  *window = window_;
-  return S_OK;
-}
-
-void* Frame::find(REFIID id) {
-  if (id == __uuidof(IOleWindow) || id == __uuidof(IOleInPlaceUIWindow))
-    return static_cast<IOleInPlaceFrame*>(this);
-  return Counted::find(id);
-}
-
 Site::Site(ReferenceBook& owner, std::string label, HWND window, const SiteSettings& settings)
     : Counted(owner, label),
       window_(window),
       settings_(settings),
       document_(owner.make<Document>(label + "'s container")),
-      frame_(owner.make<Frame>(label + "'s frame", window)) {}
+      frame_(owner.make<Frame>(label + "'s frame", window)),
+      documentWindow_(owner.make<DocumentWindow>(label + "'s document window", window)) {
+  frame_.onHeard = [this](const std::string& words) {
+    heardAround.push_back("frame " + words);
+    if (words == "active" && onFrameActive) onFrameActive();
+  };
+  documentWindow_.onHeard = [this](const std::string& words) {
+    heardAround.push_back("document " + words);
+  };
+}
 
 void* Site::find(REFIID id) {
   if (id == __uuidof(IOleWindow) || id == __uuidof(IOleInPlaceSite) ||
@@ -91,7 +89,8 @@ STDMETHODIMP Site::GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindo
   note("GetWindowContext");
   *frame = &frame_;
   frame_.AddRef();
-  *document = nullptr;
+  *document = settings_.documentWindow ? &documentWindow_ : nullptr;
+  if (*document != nullptr) documentWindow_.AddRef();
   *place = settings_.place;
   *clip = settings_.place;
   info->fMDIApp = FALSE;

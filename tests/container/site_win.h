@@ -6,8 +6,11 @@
 #include <ocidl.h>
 #include <oleidl.h>
 
+#include <functional>
 #include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/container/document_win.h"
 #include "tests/container/reference_book_win.h"
@@ -15,31 +18,56 @@
 
 namespace Vantrel::Web::Container {
 
-// The frame around the site; a control asks it for nothing that the tests need.
-class Frame : public Counted<IOleInPlaceFrame> {
+// A window around the site: it tells what it hears of the object that has the keyboard.
+template <typename Interface>
+class WindowAround : public Counted<Interface> {
  public:
-  Frame(ReferenceBook& book, std::string label, HWND window)
-      : Counted(book, std::move(label)), window_(window) {}
+  WindowAround(ReferenceBook& owner, std::string label, HWND window)
+      : Counted<Interface>(owner, std::move(label)), window_(window) {}
 
-  STDMETHODIMP GetWindow(HWND* window) override;
+  std::function<void(const std::string& words)> onHeard;
+
+  STDMETHODIMP GetWindow(HWND* window) override {
+    *window = window_;
+    return S_OK;
+  }
   STDMETHODIMP ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
   STDMETHODIMP GetBorder(RECT*) override { return INPLACE_E_NOTOOLSPACE; }
   STDMETHODIMP RequestBorderSpace(LPCBORDERWIDTHS) override { return INPLACE_E_NOTOOLSPACE; }
-  STDMETHODIMP SetBorderSpace(LPCBORDERWIDTHS) override { return S_OK; }
-  STDMETHODIMP SetActiveObject(IOleInPlaceActiveObject*, LPCOLESTR) override { return S_OK; }
+  STDMETHODIMP SetBorderSpace(LPCBORDERWIDTHS widths) override {
+    if (onHeard) onHeard(widths != nullptr ? "border" : "no border");
+    return S_OK;
+  }
+  STDMETHODIMP SetActiveObject(IOleInPlaceActiveObject* object, LPCOLESTR) override {
+    if (onHeard) onHeard(object != nullptr ? "active" : "none active");
+    return S_OK;
+  }
+
+ protected:
+  void* find(REFIID id) override {
+    if (id == __uuidof(IOleWindow) || id == __uuidof(IOleInPlaceUIWindow))
+      return static_cast<Interface*>(this);
+    return Counted<Interface>::find(id);
+  }
+
+ private:
+  const HWND window_;
+};
+
+// A control asks the frame for nothing else that the tests need.
+class Frame : public WindowAround<IOleInPlaceFrame> {
+ public:
+  using WindowAround::WindowAround;
+
   STDMETHODIMP InsertMenus(HMENU, LPOLEMENUGROUPWIDTHS) override { return E_NOTIMPL; }
   STDMETHODIMP SetMenu(HMENU, HOLEMENU, HWND) override { return S_OK; }
   STDMETHODIMP RemoveMenus(HMENU) override { return S_OK; }
   STDMETHODIMP SetStatusText(LPCOLESTR) override { return S_OK; }
   STDMETHODIMP EnableModeless(BOOL) override { return S_OK; }
   STDMETHODIMP TranslateAccelerator(LPMSG, WORD) override { return S_FALSE; }
-
- protected:
-  void* find(REFIID id) override;
-
- private:
-  const HWND window_;
 };
+
+using DocumentWindow = WindowAround<IOleInPlaceUIWindow>;
 
 struct SiteSettings {
   // Whether a control may be active without a window of its own, or at all.
@@ -47,6 +75,8 @@ struct SiteSettings {
   bool inPlace = true;
   // Whether the site has a container, and one with a document.
   bool document = true;
+  // Whether the document has a window of its own inside the frame.
+  bool documentWindow = false;
   RECT place = {10, 20, 110, 70};
 };
 
@@ -68,6 +98,10 @@ class Site : public Counted<IOleClientSite, IOleControlSite, IOleInPlaceSiteWind
   int saves = 0;
   int invalidations = 0;
   int shows = 0;
+  // And its frame and its document's window, each line beginning with "frame" or "document".
+  std::vector<std::string> heardAround;
+  // Runs when the frame hears that the control has the keyboard.
+  std::function<void()> onFrameActive;
 
   // IOleClientSite
   STDMETHODIMP SaveObject() override;
@@ -135,6 +169,7 @@ class Site : public Counted<IOleClientSite, IOleControlSite, IOleInPlaceSiteWind
   const SiteSettings settings_;
   Document& document_;
   Frame& frame_;
+  DocumentWindow& documentWindow_;
   std::map<DISPID, Variant> ambients_;
 };
 
