@@ -276,7 +276,7 @@ TEST_F(DropsTest, AFailingSinkAndAThrowingHandlerArePassedOver) {
   EXPECT_EQ(told().size(), 2U);
 }
 
-TEST_F(DropsTest, ADropInsideAnEventIsToldWithTheNext) {
+TEST_F(DropsTest, ADropInsideAnEventIsForgottenWithTheOneUnderWay) {
   start({{"drop-mode", "callback"}});
   bool again = true;
   sink_->onEvent = [&](const Container::Event&) {
