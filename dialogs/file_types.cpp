@@ -38,6 +38,14 @@ FileTypeFilter readFilter(const JsonDocument& document, yajl_val element) {
   return filter;
 }
 
+// What would end the text among others becomes a blank: the old dialogs take name and specification
+// in turns, and read on behind the list's end where one is left over.
+std::string asOneText(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char byte) { return byte == '\n' || byte == '\0'; }, ' ');
+  return text;
+}
+
 }  // namespace
 
 std::vector<FileTypeFilter> parseFileTypes(const std::string& text) {
@@ -86,7 +94,8 @@ uint32_t initialFilter(const std::vector<FileTypeFilter>& filters, const std::st
 std::string filterLines(const std::vector<FileTypeFilter>& filters) {
   std::string lines;
   for (const FileTypeFilter& filter : filters) {
-    lines.append(filter.name).append("\n").append(filterSpec(filter)).append("\n");
+    lines.append(asOneText(filter.name)).append("\n");
+    lines.append(asOneText(filterSpec(filter))).append("\n");
   }
   return lines;
 }

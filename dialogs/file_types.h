@@ -36,7 +36,7 @@ int findFilterIndex(const std::vector<FileTypeFilter>& filters, const std::strin
 uint32_t initialFilter(const std::vector<FileTypeFilter>& filters, const std::string& extension);
 
 // The filters as dialogs of old systems take them once each line feed is a NUL: name, line feed,
-// specification, line feed.
+// specification, line feed. A line feed or a NUL inside a text is a blank.
 std::string filterLines(const std::vector<FileTypeFilter>& filters);
 
 }  // namespace Vantrel::Web

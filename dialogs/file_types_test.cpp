@@ -90,5 +90,14 @@ TEST(FileTypesTest, LinesAreNameAndSpecificationOfEach) {
             "Images\n*.jpg;*.png\n\n*.txt\n");
 }
 
+TEST(FileTypesTest, NoTextOfAPageMakesALineOfItsOwn) {
+  const auto filters =
+      parseFileTypes(R"([{"filter_name":"a\nb\u0000c","extensions":["t\nx","\n"]}])");
+  EXPECT_EQ(filters.at(0).name, "a\nb");
+  EXPECT_EQ(filterLines(filters), "a b\n*.t x;*. \n");
+  EXPECT_EQ(filterLines({{std::string("a\0b", 3), {std::string("\0", 1)}}}), "a b\n*. \n");
+  EXPECT_EQ(filterLines(defaultFilters("a\n")), "a  files\n*.a \nAll files\n*.*\n");
+}
+
 }  // namespace
 }  // namespace Vantrel::Web

@@ -85,6 +85,13 @@ bool same(const Filters& left, const Filters& right) {
                     });
 }
 
+std::string onOneLine(std::string text) {
+  for (char& byte : text) {
+    if (byte == '\n' || byte == '\0') byte = ' ';
+  }
+  return text;
+}
+
 void checkTexts(const Filters& filters, const std::string& extension) {
   std::string lines;
   int found = -1;
@@ -95,9 +102,13 @@ void checkTexts(const Filters& filters, const std::string& extension) {
       if (found < 0 && each == extension) found = static_cast<int>(i);
     }
     check(filterSpec(filters[i]) == spec);
-    lines += filters[i].name + '\n' + spec + '\n';
+    lines += onOneLine(filters[i].name) + '\n' + onOneLine(spec) + '\n';
   }
-  check(filterLines(filters) == lines);
+  const std::string given = filterLines(filters);
+  check(given == lines);
+  // Of each filter two texts for the old dialogs, and none that a NUL of the page ends.
+  check(static_cast<size_t>(std::count(given.begin(), given.end(), '\n')) == 2 * filters.size());
+  check(given.find('\0') == std::string::npos);
   check(findFilterIndex(filters, extension) == found);
   const int first = found < 0 || extension.empty() ? 0 : found;
   check(initialFilter(filters, extension) == static_cast<uint32_t>(first) + 1);
