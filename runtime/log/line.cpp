@@ -7,8 +7,8 @@
 #include <ctime>
 
 #include "runtime/log/internal.h"
-#include "runtime/log/platform.h"
 #include "runtime/ov_time.h"
+#include "runtime/sync/coarse_clock.h"
 
 namespace ov {
 namespace {

@@ -4,12 +4,14 @@
 // may be a thread that the fault keeps from going on.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 
 #include "runtime/faults/fault_report.h"
 #include "runtime/log/platform.h"
 #include "runtime/ov_threads.h"
+#include "runtime/sync/bounded_lock.h"
 
 namespace ov {
 
@@ -45,12 +47,11 @@ class LogLock {
   }
 
   static State acquireFor(FaultReport::Slot& report) {
-    while (!try_acquire_log_lock()) {
-      if (report.waited >= kReportPatience) return State::kRefused;
-      ++report.waited;
-      ov_thread_sleep(1);
-    }
-    return State::kReport;
+    BoundedWait wait(kReportPatience - std::min(report.waited, kReportPatience));
+    bool acquired = try_acquire_log_lock();
+    while (!acquired && wait.goOn()) acquired = try_acquire_log_lock();
+    report.waited += static_cast<uint32_t>(std::min<uint64_t>(wait.waited(), kReportPatience));
+    return acquired ? State::kReport : State::kRefused;
   }
 
   bool owns() const { return state_ == State::kOuter || state_ == State::kReport; }

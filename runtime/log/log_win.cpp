@@ -14,10 +14,6 @@ uint32_t process_id() {
   return GetCurrentProcessId();
 }
 
-uint64_t coarse_milliseconds() {
-  return GetTickCount64();
-}
-
 // Past the C library, which would put another carriage return in front of each line end while the
 // descriptor is in text mode, and the mode is the host program's. A program without a standard
 // error has a handle there that no write accepts.

@@ -10,10 +10,6 @@ namespace ov {
 
 uint32_t process_id();
 
-// Milliseconds of a clock that advances, in steps of its own, together with the time of day, and
-// costs next to nothing to read.
-uint64_t coarse_milliseconds();
-
 // Writes to file descriptor 2, the bytes as they are; a failure is not told.
 void write_standard_error(std::string_view text);
 

@@ -1,10 +1,11 @@
-// Threads.
+// Threads, and the clock of their bounded waits.
 #include <windows.h>
 
 #include "runtime/errors/last_code.h"
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/errors/asserts.h"
+#include "runtime/sync/coarse_clock.h"
 #include "runtime/sync/internal.h"
 
 using namespace ov;
@@ -67,6 +68,10 @@ ov_rc ov_thread_join(ov_thread* thread) {
   CloseHandle(thread->handle);
   thread->handle = kClosedHandle;
   return 0;
+}
+
+uint64_t ov::coarse_milliseconds() {
+  return GetTickCount64();
 }
 
 ov_rc ov_thread_sleep(uint32_t milliseconds) {

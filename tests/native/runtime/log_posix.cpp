@@ -1,6 +1,5 @@
 #include "runtime/log/platform.h"
 
-#include <ctime>
 #include <unistd.h>
 
 #include <mutex>
@@ -14,12 +13,6 @@ std::mutex log_lock;
 
 uint32_t process_id() {
   return static_cast<uint32_t>(getpid());
-}
-
-uint64_t coarse_milliseconds() {
-  timespec now;
-  clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
-  return static_cast<uint64_t>(now.tv_sec) * 1000 + static_cast<uint64_t>(now.tv_nsec) / 1000000;
 }
 
 void write_standard_error(std::string_view text) {

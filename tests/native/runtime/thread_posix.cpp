@@ -10,6 +10,7 @@
 #include "runtime/ov_errors.h"
 #include "runtime/ov_log.h"
 #include "runtime/errors/asserts.h"
+#include "runtime/sync/coarse_clock.h"
 #include "runtime/sync/internal.h"
 
 using namespace ov;
@@ -98,6 +99,12 @@ ov_rc ov_thread_join(ov_thread* thread) {
   delete state;
   thread->handle = kClosedHandle;
   return 0;
+}
+
+uint64_t ov::coarse_milliseconds() {
+  timespec now;
+  clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+  return static_cast<uint64_t>(now.tv_sec) * 1000 + static_cast<uint64_t>(now.tv_nsec) / 1000000;
 }
 
 ov_rc ov_thread_sleep(uint32_t milliseconds) {
