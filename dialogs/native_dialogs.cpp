@@ -1,9 +1,11 @@
 #include "dialogs/native_dialogs.h"
 
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 #include "core/data_transfer.h"
+#include "dialogs/shown_dialog.h"
 #include "runtime/ov_log.h"
 #include "text/error_reply.h"
 #include "text/error_texts.h"
@@ -23,6 +25,8 @@ const std::vector<std::string>& NativeDialog::show() {
   resultText_.clear();
   selectedPaths_.clear();
   if (!impl_) return selectedPaths_;
+  if (ShownDialog::mostAreShown()) throw std::runtime_error(kErrorDialogOpen);
+  const ShownDialog shown;
   std::vector<std::string> paths = impl_->doShow();
   resultText_ = textOf(paths);
   selectedPaths_ = std::move(paths);
@@ -31,6 +35,10 @@ const std::vector<std::string>& NativeDialog::show() {
 
 void NativeDialog::run() {
   if (stopped_) return;
+  if (ShownDialog::mostAreShown()) {
+    resultText_ = logJsonErrorReply(kErrorDialogOpen);
+    return;
+  }
   try {
     show();
   } catch (const std::exception& exception) {

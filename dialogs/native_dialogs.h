@@ -21,7 +21,8 @@ class NativeDialog : public FileDialog {
   virtual void createDialogImpl() = 0;
 
   // Shows the dialog modally and returns what was chosen, UTF-8, none for a cancel. Throws what the
-  // platform's dialog throws; nothing is chosen then.
+  // platform's dialog throws, and std::runtime_error where this thread shows as many dialogs as it
+  // may; nothing is chosen then.
   const std::vector<std::string>& show();
 
   // What the user chose; empty before the dialog has run and after a cancel.
@@ -31,8 +32,8 @@ class NativeDialog : public FileDialog {
   int32_t result() const override { return impl_ ? IDialogImpl::kResult : 0; }
   // What an asynchronous call delivers to the page.
   std::string resultText() const override { return resultText_; }
-  // The asynchronous form of show(): nothing once stopped; what is thrown is logged and becomes the
-  // result's text, an error reply.
+  // The asynchronous form of show(): nothing once stopped; what is thrown, and a dialog too many,
+  // is logged and becomes the result's text, an error reply.
   void run() override;
   // A dialog that is shown stays; its outcome is delivered to nobody.
   void stop() override;

@@ -5,8 +5,12 @@
 
 #include <functional>
 #include <stdexcept>
+#include <thread>
 
+#include "dialogs/shown_dialog.h"
 #include "tests/support/log_recorder.h"
+#include "text/error_reply.h"
+#include "text/error_texts.h"
 
 namespace Vantrel::Web {
 namespace {
@@ -192,6 +196,46 @@ TEST_F(NativeDialogsTest, WhatAnAsynchronousDialogThrowsIsLoggedAndItsAnswer) {
             expected("Error displaying open folder dialog"));
   EXPECT_EQ(failedText<SaveFileDialog>({nullptr, "", "", ""}),
             expected("Error displaying save file dialog"));
+}
+
+// Shown from the message loop of the one before, until one is refused.
+TEST_F(NativeDialogsTest, AThreadShowsOnlySoManyOneInsideTheOther) {
+  const LogRecorder log;
+  std::vector<std::string> answers;  // the innermost first
+  onShow = [&] {
+    if (shows == kMostShownDialogs) {
+      OpenFileDialog now = openFile();
+      now.createDialogImpl();
+      EXPECT_THROW(now.show(), std::runtime_error);
+      EXPECT_TRUE(ShownDialog::mostAreShown());
+      // Another thread has a stack of its own.
+      std::thread([] { EXPECT_FALSE(ShownDialog::mostAreShown()); }).join();
+    }
+    OpenFileDialog next = openFile();
+    next.createDialogImpl();
+    next.run();
+    answers.push_back(next.resultText());
+    return Paths{"C:/a"};
+  };
+  OpenFileDialog first = openFile();
+  first.createDialogImpl();
+  first.run();
+  EXPECT_EQ(shows, kMostShownDialogs);
+  ASSERT_EQ(answers.size(), static_cast<size_t>(kMostShownDialogs));
+  EXPECT_EQ(answers.front(), jsonErrorReply(kErrorDialogOpen));
+  EXPECT_EQ(answers.back(), R"(["C:/a"])");
+  EXPECT_THAT(log.lines("ERR"), ElementsAre(kErrorDialogOpen));
+  EXPECT_FALSE(ShownDialog::mostAreShown());
+}
+
+TEST_F(NativeDialogsTest, ADialogThatFailsIsShownNoMore) {
+  onShow = []() -> Paths { throw std::runtime_error("no dialog"); };
+  for (int i = 0; i < 2 * kMostShownDialogs; ++i) {
+    OpenFileDialog dialog = openFile();
+    dialog.createDialogImpl();
+    EXPECT_THROW(dialog.show(), std::runtime_error);
+  }
+  EXPECT_EQ(shows, 2 * kMostShownDialogs);
 }
 
 TEST_F(NativeDialogsTest, StoppedBeforeItsTurnItNeverShows) {

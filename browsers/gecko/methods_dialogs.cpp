@@ -11,6 +11,7 @@
 #include "browsers/gecko/variant.h"
 #include "core/approved_files.h"
 #include "dialogs/native_dialogs.h"
+#include "dialogs/shown_dialog.h"
 #include "runtime/ov_log.h"
 #include "text/error_reply.h"
 #include "text/error_texts.h"
@@ -22,9 +23,10 @@ namespace Vantrel::Web::Gecko {
 
 namespace {
 
-// The one place for a rule against a second dialog. There is none on this platform.
+// The one place for a rule against a further dialog: a second one is welcome, but each is inside
+// the message loop of the one before.
 bool isDialogOpen() {
-  return false;
+  return ShownDialog::mostAreShown();
 }
 
 // The window that the dialogs of old systems belong to; null if the browser tells of none.

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <functional>
 #include <string>
 
 #include "tests/activex/control_fixture.h"
@@ -308,6 +309,37 @@ TEST_F(AnswersTest, ASynchronousDialogAnswersAtOnce) {
   EXPECT_EQ(control->call("runOpenFolderDialog", {Variant::integer(1)}).value.get().bstrVal,
             nullptr);
   EXPECT_TRUE(logHas("ERR Error displaying open folder dialog: "));
+}
+
+// Each is shown from the message loop of the one before.
+TEST_F(AnswersTest, ADialogTooManyInsideOthersIsNotShownAndSaysSo) {
+  constexpr size_t kMost = 16;
+  constexpr size_t kMore = 3;
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {L"C:\\a.txt"};
+  auto& function = makeFunction("callback");
+  const auto control = makeControl();
+  size_t shown = 0;
+  const std::function<void()> showNext = [&] {
+    const size_t depth = ++shown;
+    dialogs.onShow = showNext;
+    EXPECT_TRUE(waitForCalls(function, kMore));
+    if (depth != kMost) return;
+    const CallResult now = control->call("runSaveFileDialog", {text("n")});
+    EXPECT_EQ(now.value.type(), VT_BSTR);
+    EXPECT_EQ(now.value.get().bstrVal, nullptr);
+    EXPECT_TRUE(logHas("ERR Error displaying save file dialog: A dialog is already open"));
+  };
+  dialogs.onShow = showNext;
+  for (size_t i = 0; i < kMost + kMore; ++i) openAsync(*control, function);
+  ASSERT_TRUE(waitForCalls(function, kMost + kMore));
+  EXPECT_EQ(shown, kMost);
+  for (size_t i = 0; i < kMost + kMore; ++i) {
+    EXPECT_EQ(function.texts()[i],
+              i < kMore ? errorReply("A dialog is already open") : "[\"C:\\\\a.txt\"]");
+  }
+  dialogs.onShow = nullptr;
+  EXPECT_EQ(control->call("runSaveFileDialog", {text("n")}).value.asText(), "C:\\a.txt");
 }
 
 TEST_F(AnswersTest, ASynchronousDialogKeepsItsControlToTheEndOfTheCall) {

@@ -226,6 +226,38 @@ TEST_F(DialogsTest, TwoDialogsAtOnceAreBothAnswered) {
   EXPECT_EQ(second->calls.size(), 1u);
 }
 
+// Each is shown from the message loop of the one before.
+TEST_F(DialogsTest, ADialogTooManyInsideOthersIsNotShownAndSaysSo) {
+  constexpr size_t kMost = 16;
+  constexpr size_t kMore = 3;
+  const std::string refusal = errorReply("A dialog is already open");
+  FakeFileDialogs dialogs;
+  dialogs.chosen = {toWide(file_)};
+  const Host::PageReference function = host().page.makeFunction("callback");
+  Instance instance(host());
+  size_t shown = 0;
+  const std::function<void()> showNext = [&] {
+    const size_t depth = ++shown;
+    dialogs.onShow = showNext;
+    EXPECT_TRUE(waitForCalls(function, kMore));
+    if (depth != kMost) return;
+    EXPECT_EQ(
+        instance.call("runOpenFileDialog", {Value::boolean(false), Value::boolean(true)}).value,
+        Value::nullString());
+    EXPECT_EQ(openAsync(instance, function).value, text(refusal));
+  };
+  dialogs.onShow = showNext;
+  for (size_t i = 0; i < kMost + kMore; ++i) openAsync(instance, function);
+  ASSERT_TRUE(waitForCalls(function, kMost + kMore));
+  EXPECT_EQ(shown, kMost);
+  for (size_t i = 0; i < kMost + kMore; ++i) {
+    EXPECT_THAT(function->calls[i].arguments,
+                ElementsAre(text(i < kMore ? refusal : "[\"" + doubled(file_) + "\"]")));
+  }
+  dialogs.onShow = nullptr;
+  EXPECT_EQ(instance.call("runSaveFileDialog", {text("")}).value, text(file_));
+}
+
 TEST_F(RealDialogsTest, TheAnswerIsWhatTheUserTyped) {
   const Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
