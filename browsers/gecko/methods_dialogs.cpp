@@ -58,27 +58,25 @@ bool answerNow(const char* failure, NPVariant* result, Show show) {
   return true;
 }
 
-// Runs `start`, which hands a dialog over to the message loop; the page's function hears of its
-// outcome.
-template <class Start>
-bool answerLater(const char* failure, NPVariant* result, Start start) {
+// Hands a dialog over to the message loop; the page's function hears of its outcome. The function
+// is retained, by the callback, once there is a dialog to answer it.
+template <class MakeDialog, class MakeCallback>
+bool answerLater(const char* failure, NPVariant* result, OneShotManager* oneShotManager,
+                 MakeDialog makeDialog, MakeCallback makeCallback) {
   if (isDialogOpen()) {
     stringToVariant(jsonErrorReply(kErrorDialogOpen), result);
     return true;
   }
   try {
-    start();
+    std::unique_ptr<NativeDialog> dialog = makeDialog();
+    dialog->createDialogImpl();
+    std::unique_ptr<Callback> callback = makeCallback();
+    RunnableScheduler::scheduleRunnable(oneShotManager, std::move(dialog), std::move(callback));
     setNull(result);
   } catch (const std::exception& exception) {
     stringToVariant(exceptionJsonErrorReply(exception, failure), result);
   }
   return true;
-}
-
-void schedule(OneShotManager* oneShotManager, std::unique_ptr<NativeDialog> dialog,
-              std::unique_ptr<Callback> callback) {
-  dialog->createDialogImpl();
-  RunnableScheduler::scheduleRunnable(oneShotManager, std::move(dialog), std::move(callback));
 }
 
 }  // namespace
@@ -119,35 +117,44 @@ bool ovOrvaneWebPlugin::runSaveFileDialog(Arguments args, NPVariant* result) {
 
 bool ovOrvaneWebPlugin::runOpenFileDialogAsync(Arguments args, NPVariant* result) {
   const bool extendedInfo = args.size() > 4 && toBool(args[4]);
-  return answerLater(kErrorOpenFileDialog, result, [&] {
-    schedule(
-        oneShotManager_.get(),
-        std::make_unique<OpenFileDialog>(parentWindow(npp_), countedTextOf(args[0]), false,
-                                         toBool(args[1]), countedTextOf(args[2]), extendedInfo),
-        std::make_unique<DialogCallback>(npp_, lifeToken_, args[3].value.objectValue,
-                                         DialogKind::kOpenFile));
-  });
+  return answerLater(
+      kErrorOpenFileDialog, result, oneShotManager_.get(),
+      [&] {
+        return std::make_unique<OpenFileDialog>(parentWindow(npp_), countedTextOf(args[0]), false,
+                                                toBool(args[1]), countedTextOf(args[2]),
+                                                extendedInfo);
+      },
+      [&] {
+        return std::make_unique<DialogCallback>(npp_, lifeToken_, args[3].value.objectValue,
+                                                DialogKind::kOpenFile);
+      });
 }
 
 bool ovOrvaneWebPlugin::runOpenFolderDialogAsync(Arguments args, NPVariant* result) {
   const bool extendedInfo = args.size() > 3 && toBool(args[3]);
-  return answerLater(kErrorOpenFolderDialog, result, [&] {
-    schedule(oneShotManager_.get(),
-             std::make_unique<OpenFolderDialog>(parentWindow(npp_), countedTextOf(args[0]),
-                                                toBool(args[1]), extendedInfo),
-             std::make_unique<DialogCallback>(npp_, lifeToken_, args[2].value.objectValue,
-                                              DialogKind::kOpenFolder));
-  });
+  return answerLater(
+      kErrorOpenFolderDialog, result, oneShotManager_.get(),
+      [&] {
+        return std::make_unique<OpenFolderDialog>(parentWindow(npp_), countedTextOf(args[0]),
+                                                  toBool(args[1]), extendedInfo);
+      },
+      [&] {
+        return std::make_unique<DialogCallback>(npp_, lifeToken_, args[2].value.objectValue,
+                                                DialogKind::kOpenFolder);
+      });
 }
 
 bool ovOrvaneWebPlugin::runSaveFileDialogAsync(Arguments args, NPVariant* result) {
-  return answerLater(kErrorSaveFileDialog, result, [&] {
-    schedule(oneShotManager_.get(),
-             std::make_unique<SaveFileDialog>(parentWindow(npp_), countedTextOf(args[0]),
-                                              countedTextOf(args[1]), countedTextOf(args[2])),
-             std::make_unique<DialogCallback>(npp_, lifeToken_, args[3].value.objectValue,
-                                              DialogKind::kSaveFile));
-  });
+  return answerLater(
+      kErrorSaveFileDialog, result, oneShotManager_.get(),
+      [&] {
+        return std::make_unique<SaveFileDialog>(parentWindow(npp_), countedTextOf(args[0]),
+                                                countedTextOf(args[1]), countedTextOf(args[2]));
+      },
+      [&] {
+        return std::make_unique<DialogCallback>(npp_, lifeToken_, args[3].value.objectValue,
+                                                DialogKind::kSaveFile);
+      });
 }
 
 }  // namespace Vantrel::Web::Gecko

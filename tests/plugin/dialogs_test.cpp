@@ -258,6 +258,44 @@ TEST_F(DialogsTest, ADialogTooManyInsideOthersIsNotShownAndSaysSo) {
   EXPECT_EQ(instance.call("runSaveFileDialog", {text("")}).value, text(file_));
 }
 
+// What the browser was asked for before it was asked for its window.
+int retainsBefore = 0;
+decltype(NPNetscapeFuncs::getvalue) hostGetValue = nullptr;
+
+NPError notingGetValue(NPP npp, NPNVariable variable, void* value) {
+  if (variable == NPNVnetscapeWindow) {
+    retainsBefore = Host::CountingHost::current().calls.count("NPN_RetainObject");
+  }
+  return hostGetValue(npp, variable, value);
+}
+
+TEST_F(DialogsTest, TheFunctionIsRetainedOnceThereIsADialogToAnswerIt) {
+  FakeFileDialogs dialogs;
+  const Host::PageReference function = host().page.makeFunction("callback");
+  EXPECT_EQ(host().shutdown(), NPERR_NO_ERROR);
+  Host::TableShape shape;
+  shape.edit = [](NPNetscapeFuncs& table) {
+    hostGetValue = std::exchange(table.getvalue, &notingGetValue);
+  };
+  EXPECT_EQ(host().initialize(shape), NPERR_NO_ERROR);
+  Instance instance(host());
+  instance.script();
+  const Value title = text("T");
+  const Value no = Value::boolean(false);
+  const std::pair<const char*, std::vector<Value>> calls[] = {
+      {"runOpenFileDialogAsync", {title, no, text(""), function.value()}},
+      {"runOpenFolderDialogAsync", {title, no, function.value()}},
+      {"runSaveFileDialogAsync", {title, text(""), text(""), function.value()}}};
+  for (const auto& [method, arguments] : calls) {
+    const int before = host().calls.count("NPN_RetainObject");
+    instance.call(method, arguments);
+    EXPECT_EQ(retainsBefore, before) << method;
+    EXPECT_EQ(host().calls.count("NPN_RetainObject"), before + 1) << method;
+  }
+  dialogs.results["Show"] = kCancelled;
+  ASSERT_TRUE(waitForCalls(function, std::size(calls)));
+}
+
 TEST_F(RealDialogsTest, TheAnswerIsWhatTheUserTyped) {
   const Host::PageReference function = host().page.makeFunction("callback");
   Instance instance(host());
