@@ -2,8 +2,11 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 
@@ -44,23 +47,69 @@ struct ClassName {
   wchar_t text[32];  // more than the longest number needs
 };
 
-// A class of its own for every window; one that exists already serves as well.
-void registerWindowClass(const ClassName& name) {
+// The code of the last call's failure, 0 for a success.
+DWORD codeOf(bool succeeded) {
+  return succeeded ? 0 : GetLastError();
+}
+
+DWORD tryToRegister(const ClassName& name) {
   WNDCLASSEXW windowClass = {};
   windowClass.cbSize = sizeof windowClass;
   windowClass.lpfnWndProc = _WinProc;
   windowClass.hInstance = module();
   windowClass.lpszClassName = name.text;
-  if (RegisterClassExW(&windowClass) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) {
+  return codeOf(RegisterClassExW(&windowClass) != 0);
+}
+
+// Whether no class of that name is left.
+bool tryToUnregister(int32_t number) {
+  const DWORD code = codeOf(UnregisterClassW(ClassName(number).text, module()) != FALSE);
+  return code == 0 || code == ERROR_CLASS_DOES_NOT_EXIST;
+}
+
+// A class of its own for every window. One that is there already was left behind by a library that
+// has been unloaded, at this one's place, and names a procedure of that; only while a window of it
+// lives does it stay, and then it serves as well.
+void registerWindowClass(int32_t number) {
+  const ClassName name(number);
+  DWORD code = tryToRegister(name);
+  if (code == ERROR_CLASS_ALREADY_EXISTS && tryToUnregister(number)) code = tryToRegister(name);
+  if (code != 0 && code != ERROR_CLASS_ALREADY_EXISTS) {
     throw std::runtime_error("Could not register window class");
   }
 }
 
 // Each class holds one of the session's 16,384 atoms. On Windows, a window that goes while its own
-// procedure is further up the stack keeps its class, and then the atom stays taken.
-void unregisterWindowClass(int32_t number) {
-  UnregisterClassW(ClassName(number).text, module());
-}
+// procedure is further up the stack keeps its class for as long; Wine lets the class go at once. So
+// the numbers of such classes are kept, without the heap, and tried again when the next window
+// comes or goes. More than have room are given up.
+class LeftClasses {
+ public:
+  void unregister(int32_t number) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    unregisterAll();
+    if (!tryToUnregister(number) && count_ < numbers_.size()) numbers_[count_++] = number;
+  }
+  void tryAgain() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    unregisterAll();
+  }
+
+ private:
+  void unregisterAll() {
+    int32_t* const first = numbers_.data();
+    count_ = static_cast<size_t>(std::remove_if(first, first + count_, tryToUnregister) - first);
+  }
+
+  static constexpr size_t kRoom = 64;
+
+  std::mutex mutex_;
+  std::array<int32_t, kRoom> numbers_ = {};
+  size_t count_ = 0;  // of them in use
+};
+
+// No local static, whose making leaves handles of the C++ runtime behind at an unload.
+LeftClasses leftClasses;
 
 }  // namespace
 
@@ -69,12 +118,12 @@ WinMessageWindow::WinMessageWindow() {
   number_ = count++;
   OV_DEBUG("WinMessageWindow() - count=%i", number_);
   const std::wstring title = L"OrvaneWebEventWindow" + std::to_wstring(number_);
-  const ClassName name(number_);
-  registerWindowClass(name);
-  hWnd_ = CreateWindowExW(0, name.text, title.c_str(), WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                          module(), nullptr);
+  leftClasses.tryAgain();
+  registerWindowClass(number_);
+  hWnd_ = CreateWindowExW(0, ClassName(number_).text, title.c_str(), WS_POPUP, 0, 0, 0, 0,
+                          HWND_MESSAGE, nullptr, module(), nullptr);
   if (hWnd_ == nullptr) {
-    unregisterWindowClass(number_);
+    leftClasses.unregister(number_);
     throw std::runtime_error("Could not create Message Window");
   }
   OV_DEBUG("WinMessageWindow() - done, m_hWnd=%p", hWnd_);
@@ -85,7 +134,7 @@ WinMessageWindow::~WinMessageWindow() {
   // Messages in the queue die with the window and their pairs stay: to fetch them here would let
   // other windows of this thread run in the middle of a teardown.
   DestroyWindow(toWindow(hWnd_));
-  unregisterWindowClass(number_);
+  leftClasses.unregister(number_);
 }
 
 uint32_t WinMessageWindow::post(AsyncFunction function, void* argument) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -11,6 +12,7 @@
 
 #include "tests/support/log_recorder.h"
 #include "tests/support/message_loop.h"
+#include "tests/support/runtime/real_call_win.h"
 #include "threads/platform.h"
 #include "threads/win_message_window.h"
 
@@ -41,12 +43,42 @@ bool isRegistered(const std::wstring& name) {
   return GetClassInfoExW(static_cast<HINSTANCE>(moduleHandle()), name.c_str(), &found) != 0;
 }
 
+// So many of the next unregistrations fail.
+int refusedUnregistrations = 0;
+
+BOOL WINAPI testUnregisterClassW(LPCWSTR name, HINSTANCE module) {
+  static const auto unregister =
+      ov::real_call<decltype(&UnregisterClassW)>(L"user32.dll", "UnregisterClassW");
+  if (refusedUnregistrations == 0) return unregister(name, module);
+  --refusedUnregistrations;
+  SetLastError(ERROR_CLASS_HAS_WINDOWS);
+  return FALSE;
+}
+
 void count(void* argument) {
   ++*static_cast<int*>(argument);
 }
 
+}  // namespace
+
+// The linker takes this instead of the import library's.
+extern "C" {
+decltype(&UnregisterClassW) __imp_UnregisterClassW = &testUnregisterClassW;
+}
+
+namespace {
+
 class WinMessageWindowTest : public testing::Test {
  protected:
+  // Makes a window that goes without its class; the class's name.
+  static std::wstring leaveAClass() {
+    auto window = std::make_unique<WinMessageWindow>();
+    std::wstring name = classOf(*window);
+    refusedUnregistrations = 1;
+    window.reset();
+    return name;
+  }
+
   TestSupport::LogRecorder log_;
   int calls_ = 0;
 };
@@ -69,6 +101,70 @@ TEST_F(WinMessageWindowTest, TheClassGoesWithItsWindow) {
   EXPECT_TRUE(isRegistered(name));
   window.reset();
   EXPECT_FALSE(isRegistered(name));
+}
+
+// As it is on Windows while the window's own procedure is further up the stack.
+TEST_F(WinMessageWindowTest, AClassThatStaysGoesWithTheNextWindowThatComesOrGoes) {
+  const std::wstring name = leaveAClass();
+  EXPECT_TRUE(isRegistered(name));
+  const std::wstring second = leaveAClass();
+  EXPECT_FALSE(isRegistered(name));
+  EXPECT_TRUE(isRegistered(second));
+  auto window = std::make_unique<WinMessageWindow>();
+  EXPECT_FALSE(isRegistered(second));
+  // Both fail: the one that is tried again, and the window's own.
+  const std::wstring third = leaveAClass();
+  refusedUnregistrations = 2;
+  const std::wstring fourth = classOf(*window);
+  window.reset();
+  EXPECT_TRUE(isRegistered(third));
+  EXPECT_TRUE(isRegistered(fourth));
+  const WinMessageWindow last;
+  EXPECT_FALSE(isRegistered(third));
+  EXPECT_FALSE(isRegistered(fourth));
+}
+
+TEST_F(WinMessageWindowTest, MoreClassesThanHaveRoomAreGivenUp) {
+  constexpr int kTooMany = 200;
+  std::vector<std::wstring> names;
+  for (int i = 0; i < kTooMany; ++i) {
+    const WinMessageWindow window;
+    names.push_back(classOf(window));
+    refusedUnregistrations = kTooMany;
+  }
+  refusedUnregistrations = 0;
+  const WinMessageWindow last;
+  const auto left = std::count_if(names.begin(), names.end(), isRegistered);
+  EXPECT_GT(left, 0);
+  EXPECT_LT(left, kTooMany);
+}
+
+void registerForeignClass(const std::wstring& name) {
+  WNDCLASSEXW foreign = {};
+  foreign.cbSize = sizeof foreign;
+  foreign.lpfnWndProc = DefWindowProcW;
+  foreign.hInstance = static_cast<HINSTANCE>(moduleHandle());
+  foreign.lpszClassName = name.c_str();
+  ASSERT_NE(RegisterClassExW(&foreign), 0);
+}
+
+TEST_F(WinMessageWindowTest, AClassThatAnotherLibraryLeftBehindIsReplaced) {
+  registerForeignClass(L"OWEventWindow0");
+  WinMessageWindow window;
+  ASSERT_EQ(classOf(window), L"OWEventWindow0");
+  EXPECT_EQ(window.post(count, &calls_), 0U);
+  runMessageLoop();
+  EXPECT_EQ(calls_, 1);
+}
+
+TEST_F(WinMessageWindowTest, AClassThatIsInUseServesAsItIs) {
+  registerForeignClass(L"OWEventWindow0");
+  const HWND other = CreateWindowExW(0, L"OWEventWindow0", L"", 0, 0, 0, 0, 0, HWND_MESSAGE,
+                                     nullptr, static_cast<HINSTANCE>(moduleHandle()), nullptr);
+  ASSERT_NE(other, nullptr);
+  const WinMessageWindow window;
+  EXPECT_NE(windowOf(window), nullptr);
+  DestroyWindow(other);
 }
 
 TEST_F(WinMessageWindowTest, APostedFunctionRunsOnceWhenTheLoopTurns) {
