@@ -150,10 +150,13 @@ int COrvOpenFileDialog::doModal() {
 
 UINT_PTR CALLBACK COrvOpenFileDialog::hook(HWND child, UINT message, WPARAM, LPARAM lParam) {
   if (message != WM_NOTIFY) return 0;
+  // What is behind the header is known of these alone: other windows may send notices of their own.
+  const UINT code = reinterpret_cast<const NMHDR*>(lParam)->code;
+  if (code != CDN_INITDONE && code != CDN_SELCHANGE && code != CDN_FILEOK) return 0;
   try {
     const auto* const notice = reinterpret_cast<const OFNOTIFYW*>(lParam);
     auto* const self = reinterpret_cast<COrvOpenFileDialog*>(notice->lpOFN->lCustData);
-    return self->onNotify(child, notice->hdr.code);
+    return self->onNotify(child, code);
   } catch (const std::exception& exception) {
     ov_err("%s", exception.what());
   }
@@ -191,7 +194,10 @@ LRESULT CALLBACK COrvOpenFileDialog::frameProc(HWND frame, UINT message, WPARAM 
     SetWindowLongPtrW(frame, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(former));
   }
   try {
-    if (message == WM_COMMAND && LOWORD(wParam) == IDOK && self->onOk()) return 0;
+    // The button's other notices, such as of the focus, have a code in the high word.
+    const bool pressed =
+        message == WM_COMMAND && LOWORD(wParam) == IDOK && HIWORD(wParam) == BN_CLICKED;
+    if (pressed && self->onOk()) return 0;
   } catch (const std::exception& exception) {
     ov_err("%s", exception.what());
   }
