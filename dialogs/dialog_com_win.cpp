@@ -7,8 +7,11 @@
 
 namespace Vantrel::Web {
 
-// A thread that runs in another apartment already answers RPC_E_CHANGED_MODE; the dialogs work
-// there as well.
+// A thread of the multithreaded apartment answers RPC_E_CHANGED_MODE, which is logged and changes
+// nothing else. Only Wine was seen to show dialogs there. Windows makes the objects of the modern
+// ones, which want an apartment of one thread, on another thread than the caller's, so that dialog
+// and owner are windows of two threads; and CoUninitialize then takes back a beginning that was the
+// caller's own. Browsers and containers call from apartments of one thread.
 ComApartment::ComApartment(const char* words) {
   const HRESULT result = CoInitialize(nullptr);
   if (FAILED(result)) ov_err("%s: %x", words, static_cast<unsigned>(result));
