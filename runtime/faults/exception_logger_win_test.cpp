@@ -44,6 +44,7 @@ struct Platform {
   int framesAsked = 0, framesSkipped = 0;
   int handlersAdded = 0, handlersRemoved = 0;
   int faultsInWrite = 0;  // so many writes raise a fault first
+  bool processEnds = false;
 } platform;
 
 std::atomic<int> faults_caught = 0;
@@ -83,6 +84,10 @@ BOOL WINAPI failingLookUp(HANDLE, DWORD64, DWORD64*, void*) {
   return FALSE;
 }
 
+BOOLEAN NTAPI testShutdownInProgress() {
+  return platform.processEnds ? TRUE : FALSE;
+}
+
 FARPROC WINAPI testGetProcAddress(HMODULE module, LPCSTR name) {
   static const auto get = real_call<decltype(&GetProcAddress)>(L"kernel32.dll", "GetProcAddress");
   if (platform.missingSymbol == name) {
@@ -91,6 +96,9 @@ FARPROC WINAPI testGetProcAddress(HMODULE module, LPCSTR name) {
   }
   if (platform.symbolLookUpFails && std::strcmp(name, "SymGetSymFromAddr64") == 0) {
     return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&failingLookUp));
+  }
+  if (std::strcmp(name, "RtlDllShutdownInProgress") == 0) {
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&testShutdownInProgress));
   }
   return get(module, name);
 }
@@ -359,6 +367,37 @@ TEST_F(ExceptionLoggerTest, IsInstalledOnceAndRemovedWithTheLog) {
   EXPECT_EQ(50, platform.freed);
 }
 
+// The frames of a report, none of which has a name.
+void expectNoNames(const Lines& lines, size_t first) {
+  ASSERT_LT(first, lines.size());
+  for (size_t i = first; i < lines.size(); ++i) {
+    EXPECT_EQ(28U, lines[i].size()) << lines[i];
+    EXPECT_TRUE(lines[i].ends_with(" +0")) << lines[i];
+  }
+}
+
+// The debugging library was loaded after us, so its own end has been already.
+TEST_F(ExceptionLoggerTest, AtTheEndOfTheProcessOnlyTheHandlerGoes) {
+  EXPECT_EQ(0, ov_log_init_function([](const char*) {}));
+  platform.processEnds = true;
+  ov_log_cleanup();
+  EXPECT_EQ(1, platform.handlersRemoved);
+  EXPECT_EQ(0, platform.freed);
+}
+
+TEST_F(ExceptionLoggerTest, FaultAtTheEndOfTheProcessIsToldWithoutNames) {
+  platform.symbolLookUpFails = true;
+  ov::CapturedLog log;
+  const Catcher catcher;
+  platform.processEnds = true;
+  raise(0xc0000005);
+  EXPECT_EQ(1, faults_caught);
+  const Lines lines = log.take();
+  ASSERT_LE(3U, lines.size());
+  expectNoNames(lines, 2);
+  platform.processEnds = false;
+}
+
 TEST_F(ExceptionLoggerTest, LogThatIsNotSetUpInstallsNothing) {
   EXPECT_EQ(OV_ERANGE, ov_log_init_function(nullptr));
   EXPECT_EQ(OV_EINVAL, ov_log_init(3, "-"));
@@ -411,15 +450,6 @@ TEST_F(ExceptionLoggerTest, FirstLibraryThatOpensIsTaken) {
   }
   EXPECT_EQ(1, platform.loaded);
   EXPECT_EQ(1, platform.freed);
-}
-
-// The frames of a report, none of which has a name.
-void expectNoNames(const Lines& lines, size_t first) {
-  ASSERT_LT(first, lines.size());
-  for (size_t i = first; i < lines.size(); ++i) {
-    EXPECT_EQ(28U, lines[i].size()) << lines[i];
-    EXPECT_TRUE(lines[i].ends_with(" +0")) << lines[i];
-  }
 }
 
 TEST_F(ExceptionLoggerTest, WithoutALibraryFaultsAreToldWithoutNames) {

@@ -3,6 +3,7 @@
 #include <windows.h>
 #include <dbghelp.h>
 
+#include <atomic>
 #include <cstring>
 #include <utility>
 
@@ -52,6 +53,18 @@ struct Symbols {
 };
 constinit Symbols symbols;
 constinit BoundedLock lock;
+
+// What the C runtime asks too. Looked up at the set-up, since a look-up may wait for the loader.
+using ShutdownInProgress = BOOLEAN(NTAPI*)();
+constinit std::atomic<ShutdownInProgress> shutdown_in_progress = nullptr;
+
+void look_up_shutdown() {
+  const FARPROC address =
+      GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress");
+  ShutdownInProgress function;
+  std::memcpy(&function, &address, sizeof function);
+  shutdown_in_progress = function;
+}
 
 void fail(ov_rc error, const char* text) {
   symbols.failure.error = error;
@@ -163,14 +176,22 @@ void find_locked(void* address, Symbol* symbol) {
 
 }  // namespace
 
+bool process_ends() {
+  const ShutdownInProgress ask = shutdown_in_progress;
+  return ask != nullptr && ask() != FALSE;
+}
+
 void open_symbols() {
+  look_up_shutdown();
   if (!lock.acquire(kPatience)) return;
   open_locked();
   lock.release();
 }
 
+// At the end of the process the library stays: on Windows, those that were loaded later have had
+// their end before us.
 void close_symbols() {
-  if (!lock.acquire(kPatience)) return;
+  if (process_ends() || !lock.acquire(kPatience)) return;
   close_library();
   lock.release();
 }
@@ -180,6 +201,7 @@ const SymbolFailure& symbol_failure() {
 }
 
 bool find_symbol(void* address, uint32_t milliseconds, Symbol* symbol) {
+  if (process_ends()) return true;
   if (!lock.acquire(milliseconds)) return false;
   find_locked(address, symbol);
   lock.release();

@@ -10,4 +10,8 @@ namespace ov {
 void open_symbols();
 void close_symbols();
 
+// Whether the process ends, and not only this library. The debugging library may have gone before
+// us then, and no other thread is left that would release a lock. False before open_symbols().
+bool process_ends();
+
 }  // namespace ov
