@@ -9,8 +9,7 @@
 namespace ov {
 namespace {
 
-// Room for the text of a line, and for one address with its blank.
-constexpr size_t kLineRoom = 1024;
+// Room for one address with its blank.
 constexpr size_t kAddressRoom = 20;
 // How long one look-up waits for another; after a wait in vain, the rest goes without names.
 constexpr uint32_t kSymbolPatience = 500;
@@ -19,8 +18,7 @@ uint64_t number_of(void* address) {
   return reinterpret_cast<uint64_t>(address);
 }
 
-void log_addresses(const Backtrace& backtrace) {
-  char text[kLineRoom];
+void log_addresses(const Backtrace& backtrace, char (&text)[kBacktraceLineRoom]) {
   size_t end = 0;
   ov_str_printf_to(text, sizeof text, &end, "Backtrace hash:%#x ", backtrace.hash);
   for (int i = 0; i < backtrace.count; ++i) {
@@ -58,20 +56,19 @@ FindSymbol symbol_finder(uint32_t code) {
   return code == kStackOverflow ? none : &find_symbol;
 }
 
-void log_backtrace(const Backtrace& backtrace, FindSymbol find) {
+void log_backtrace(const Backtrace& backtrace, char (&line)[kBacktraceLineRoom], FindSymbol find) {
   if (backtrace.count == 0) {
     ov_err("%s", "Backtrace unavailable.");
     return;
   }
-  log_addresses(backtrace);
+  log_addresses(backtrace, line);
   uint32_t patience = kSymbolPatience;
   for (int i = 0; i < backtrace.count; ++i) {
     Symbol symbol;
     if (!find(backtrace.frames[i], patience, &symbol)) patience = 0;
-    char text[kLineRoom];
-    ov_snprintf(text, sizeof text, "%2d:0x%016" PRIx64 " %s+%" PRId64, i,
+    ov_snprintf(line, sizeof line, "%2d:0x%016" PRIx64 " %s+%" PRId64, i,
                 number_of(backtrace.frames[i]), symbol.name, symbol.displacement);
-    ov_err("%s", text);
+    ov_err("%s", line);
   }
 }
 
@@ -81,5 +78,6 @@ void ov_log_btrace(void) {
   const ov::SavedError keep;
   ov::Backtrace backtrace;
   ov::capture_backtrace(&backtrace, ov::kCalledFrames);
-  ov::log_backtrace(backtrace);
+  char line[ov::kBacktraceLineRoom];
+  ov::log_backtrace(backtrace, line, &ov::find_symbol);
 }

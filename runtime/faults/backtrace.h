@@ -40,6 +40,9 @@ void capture_backtrace(Backtrace* backtrace, int usual);
 // The platform's part: looks an address up; false when the look-up was not free within that time.
 bool find_symbol(void* address, uint32_t milliseconds, Symbol* symbol);
 
+// Room for the text of a line.
+constexpr size_t kBacktraceLineRoom = 1024;
+
 using FindSymbol = bool (*)(void* address, uint32_t milliseconds, Symbol* symbol);
 
 // How the names are looked up for a fault with this code: not at all where the stack has run out,
@@ -47,7 +50,7 @@ using FindSymbol = bool (*)(void* address, uint32_t milliseconds, Symbol* symbol
 FindSymbol symbol_finder(uint32_t code);
 
 // Writes the backtrace as ERR lines: all addresses in one, then a line with the name for each
-// frame.
-void log_backtrace(const Backtrace& backtrace, FindSymbol find = &find_symbol);
+// frame. The texts are made in `line`.
+void log_backtrace(const Backtrace& backtrace, char (&line)[kBacktraceLineRoom], FindSymbol find);
 
 }  // namespace ov

@@ -25,6 +25,11 @@ ov::Backtrace backtrace_of(int count, uint32_t hash) {
   return backtrace;
 }
 
+void log_backtrace(const ov::Backtrace& backtrace, ov::FindSymbol find) {
+  char line[ov::kBacktraceLineRoom];
+  ov::log_backtrace(backtrace, line, find);
+}
+
 bool find_nothing(void*, uint32_t, ov::Symbol*) {
   return true;
 }
@@ -69,13 +74,13 @@ TEST(HardFaultTest, NoOtherCodeIsTold) {
 
 TEST(BacktraceTest, WithoutFramesItIsUnavailable) {
   ov::CapturedLog log;
-  ov::log_backtrace(ov::Backtrace(), &find_nothing);
+  log_backtrace(ov::Backtrace(), &find_nothing);
   EXPECT_EQ(Lines{"ERR Backtrace unavailable."}, log.take());
 }
 
 TEST(BacktraceTest, AddressesInOneLineThenALineForEachFrame) {
   ov::CapturedLog log;
-  ov::log_backtrace(backtrace_of(3, 0xbeef), [](void* address, uint32_t, ov::Symbol* symbol) {
+  log_backtrace(backtrace_of(3, 0xbeef), [](void* address, uint32_t, ov::Symbol* symbol) {
     const auto last = reinterpret_cast<uintptr_t>(address) & 0xf;
     if (last == 0) return true;
     ov_snprintf(symbol->name, sizeof symbol->name, "Some::function%d", static_cast<int>(last));
@@ -95,7 +100,7 @@ TEST(BacktraceTest, ShortAddressesHave16DigitsAndTheHashNoZeros) {
   ov::Backtrace backtrace;
   backtrace.count = 1;
   backtrace.frames[0] = reinterpret_cast<void*>(uintptr_t{0xab});
-  ov::log_backtrace(backtrace, &find_nothing);
+  log_backtrace(backtrace, &find_nothing);
   EXPECT_EQ((Lines{"ERR Backtrace hash:0 0x00000000000000ab ", "ERR  0:0x00000000000000ab +0"}),
             log.take());
 }
@@ -104,7 +109,7 @@ TEST(BacktraceTest, LineOfAddressesEndsBehindTheLastWholeOne) {
   // The hash takes 18 to 26 of 1023 bytes, an address 19.
   for (const uint32_t hash : {0u, 0x1u, 0x12345u, 0xffffffffu}) {
     ov::CapturedLog log;
-    ov::log_backtrace(backtrace_of(66, hash), &find_nothing);
+    log_backtrace(backtrace_of(66, hash), &find_nothing);
     const Lines lines = log.take();
     ASSERT_EQ(67u, lines.size());
     const std::string addresses = lines[0].substr(4);
@@ -117,7 +122,7 @@ TEST(BacktraceTest, LineOfAddressesEndsBehindTheLastWholeOne) {
 
 TEST(BacktraceTest, LongNameIsWhole) {
   ov::CapturedLog log;
-  ov::log_backtrace(backtrace_of(1, 1), [](void*, uint32_t, ov::Symbol* symbol) {
+  log_backtrace(backtrace_of(1, 1), [](void*, uint32_t, ov::Symbol* symbol) {
     std::string(255, 'n').copy(symbol->name, 255);
     symbol->displacement = 7;
     return true;
@@ -129,7 +134,7 @@ TEST(BacktraceTest, BusyLookUpIsWaitedForOnce) {
   static std::vector<uint32_t> waits;
   waits.clear();
   ov::CapturedLog log;
-  ov::log_backtrace(backtrace_of(4, 1), [](void*, uint32_t milliseconds, ov::Symbol*) {
+  log_backtrace(backtrace_of(4, 1), [](void*, uint32_t milliseconds, ov::Symbol*) {
     waits.push_back(milliseconds);
     return waits.size() != 2;
   });

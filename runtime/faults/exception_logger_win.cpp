@@ -65,9 +65,9 @@ LONG CALLBACK log_fault(EXCEPTION_POINTERS* fault) {
   const FaultReport report;
   if (!report) return EXCEPTION_CONTINUE_SEARCH;
   ov_err("Unhandled Exception %s(%u)", ov_exc2str(code), code);
-  Backtrace backtrace;
-  capture_backtrace(&backtrace, kFaultFrames);
-  log_backtrace(backtrace, symbol_finder(code));
+  FaultReport::Slot& slot = report.slot();
+  capture_backtrace(&slot.backtrace, kFaultFrames);
+  log_backtrace(slot.backtrace, slot.line, symbol_finder(code));
   ov_log_flush();
   return EXCEPTION_CONTINUE_SEARCH;
 }
@@ -102,7 +102,7 @@ void exception_logger_install() {
 }
 
 void exception_logger_remove() {
-  if (!lock.acquire(kPatience)) return;
+  if (!lock.acquire(process_ends() ? 0 : kPatience)) return;
   if (std::exchange(installed, false)) {
     close_symbols();
     if (void* const registered = std::exchange(handler, nullptr)) {

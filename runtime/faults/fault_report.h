@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "runtime/faults/backtrace.h"
 #include "runtime/ov_threads.h"
 
 namespace ov {
@@ -27,8 +28,15 @@ class FaultReport {
 
   struct Slot {
     std::atomic<uint32_t> thread;  // its id, 0 for a free slot; a thread finds its own only here
-    uint32_t waited;               // milliseconds spent on waiting for the log; the thread's own
+    // The thread's own, here and not on its stack, which may be what has run out: milliseconds
+    // spent on waiting for the log, the frames, and the text of a line.
+    uint32_t waited;
+    Backtrace backtrace;
+    char line[kBacktraceLineRoom];
   };
+
+  // Not for a report that is not to be.
+  Slot& slot() const { return *slot_; }
 
   // The report of the calling thread, null outside of one. A comparison while no thread is in one.
   static Slot* ofThisThread() {
@@ -58,7 +66,7 @@ class FaultReport {
     return nullptr;
   }
 
-  static inline Slot slots_[kRoom];
+  static inline constinit Slot slots_[kRoom] = {};
   static inline std::atomic<uint32_t> count_ = 0;
 
   Slot* const slot_;

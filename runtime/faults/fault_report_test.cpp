@@ -40,6 +40,25 @@ TEST(FaultReportTest, DoesNotBeginAgainInsideItself) {
   EXPECT_NE(nullptr, FaultReport::ofThisThread());
 }
 
+// The frame that asks for the names, seen from the one that it reports to.
+[[gnu::noinline]] size_t stackOfReport(const FaultReport& report) {
+  static uintptr_t lowest;
+  lowest = 0;
+  FaultReport::Slot& slot = report.slot();
+  slot.backtrace.count = 1;
+  ov::log_backtrace(slot.backtrace, slot.line, [](void*, uint32_t, ov::Symbol*) {
+    lowest = reinterpret_cast<uintptr_t>(__builtin_frame_address(0));
+    return true;
+  });
+  return reinterpret_cast<uintptr_t>(__builtin_frame_address(0)) - lowest;
+}
+
+TEST(FaultReportTest, FramesAndTextsOfAReportAreNotOnTheStackThatMayHaveRunOut) {
+  const FaultReport report;
+  ASSERT_TRUE(report);
+  EXPECT_GT(sizeof(ov::Symbol) + 1024, stackOfReport(report));
+}
+
 TEST(FaultReportTest, ThreadsBeyondTheRoomHaveNone) {
   constexpr int kThreadCount = 20;
   std::atomic<int> entered = 0;
