@@ -1,7 +1,7 @@
 // Marks that our code is on the stack of a thread that serves a page, below a message loop that
-// another runs, as a file dialog does. What ends meanwhile may be more than the instance: the
-// browser may unload this library, to whose code the loop is to return. So each of these that is
-// open when an instance ends keeps the module loaded until its own end.
+// another runs, as a file dialog does and a page's function may. What ends meanwhile may be more
+// than the instance: the browser may unload this library, to whose code the loop is to return. So
+// each of these that is open when an instance ends keeps the module loaded until its own end.
 //
 // Lives on the stack of the entry that may let such a loop run, before all else there. Browser's
 // thread; controls of several apartments have several of them.

@@ -85,7 +85,8 @@ TEST_F(CallbacksTest, TheObserversArgumentIsReleasedAsAVariant) {
   browser_.onInvokeDefault = [this](NPObject*, const std::vector<std::string>&) {
     return browser_.text("kept");
   };
-  callMethod(&browser_.instance, observer, "onDrop", "a path");
+  const auto life = std::make_shared<bool>(true);
+  callMethod(&browser_.instance, life, observer, "onDrop", "a path");
   EXPECT_EQ(browser_.invocations, (Calls{{"onDrop", "a path"}}));
   EXPECT_EQ(browser_.releasedVariants, 1);
 }

@@ -1,9 +1,10 @@
 // Answers on their way to page functions: of a forwarded request, and of an asynchronous dialog.
 //
 // A page function is retained once when the script method is called and released once when it has
-// been called, both on the browser's thread, so no other thread touches a reference count. An
-// answer that never comes, or comes when the browser has taken its objects away with the instance,
-// leaves the count as it is.
+// been called, both on the browser's thread, so no other thread touches a reference count. One that
+// ends the instance itself is released all the same, when it returns. An answer that never comes,
+// or comes when the browser has taken its objects away with the instance, leaves the count as it
+// is.
 #pragma once
 
 #include <memory>

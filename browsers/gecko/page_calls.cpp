@@ -4,6 +4,7 @@
 
 #include "browsers/gecko/browser_functions.h"
 #include "browsers/gecko/variant.h"
+#include "threads/modal_scope.h"
 
 namespace Vantrel::Web::Gecko {
 
@@ -47,16 +48,20 @@ void invokeDefault(NPP npp, NPObject* function, const NPVariant* args, uint32_t 
 }  // namespace
 
 void callPage(NPP npp, NPObject* function, const std::string& text) {
+  const ModalScope scope;
   const StringArgument argument(text);
   invokeDefault(npp, function, &argument.get(), 1);
 }
 
-void callMethod(NPP npp, NPObject* object, const char* method, const std::string& text) {
+void callMethod(NPP npp, const std::weak_ptr<bool>& life, NPObject* object, const char* method,
+                const std::string& text) {
   if (object == nullptr) return;
-  const NPIdentifier name = browserFuncs.getstringidentifier(method);
-  if (!browserFuncs.hasmethod(npp, object, name)) return;
-  // The page may replace the object while it runs; it stays alive until it has returned.
+  const ModalScope scope;
+  // The page may replace the object while it runs, as it does where it is asked for the method; the
+  // object stays alive until it has returned.
   const RetainedObject running(object);
+  const NPIdentifier name = browserFuncs.getstringidentifier(method);
+  if (!browserFuncs.hasmethod(npp, object, name) || life.expired()) return;
   StringArgument argument(text);
   NPVariant result = {NPVariantType_Void, {}};
   release(browserFuncs.invoke(npp, object, name, &argument.get(), 1, &result), result);
@@ -65,6 +70,7 @@ void callMethod(NPP npp, NPObject* object, const char* method, const std::string
 
 void sendEvent(NPP npp, NPObject* target, PageEvent event, const std::string& payload) {
   if (target == nullptr) return;
+  const ModalScope scope;
   // As above: the page may replace its function.
   const RetainedObject running(target);
   const StringArgument name(pageEventName(event));

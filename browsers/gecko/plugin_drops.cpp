@@ -17,7 +17,7 @@ void ovOrvaneWebPlugin::doDrop(std::vector<std::string>& files) {
   if (dropMode_ == DropMode::kUpload) core->uploadDropped(files);
   if (dropMode_ == DropMode::kCallback) {
     const std::weak_ptr<bool> alive = lifeToken_;
-    callMethod(npp_, dropObserver_, "onDrop", escapedPathList(files));
+    callMethod(npp_, alive, dropObserver_, "onDrop", escapedPathList(files));
     // The observer's script may have ended the instance, and its view and files with it.
     if (alive.expired()) return;
     sendEvent(npp_, eventHandler_, PageEvent::kDrop, jsonPathArray(files));

@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "runtime/ov_log.h"
+#include "threads/modal_scope.h"
 
 namespace Vantrel::Web {
 
@@ -17,6 +18,7 @@ HRESULT received(OrvaneWebIDropTarget& target, Function function) {
     ~Reference() { target.Release(); }
     OrvaneWebIDropTarget& target;
   };
+  const ModalScope scope;
   const Reference held(target);
   try {
     if (DragReceiver* const receiver = target.receiver(); receiver != nullptr) {

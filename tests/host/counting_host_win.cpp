@@ -113,7 +113,16 @@ bool CountingHost::mapped() const {
 }
 
 std::vector<std::string> CountingHost::finish() {
-  if (loaded_) unload();
+  if (loaded_) {
+    // An instance that ended inside a call of its page's gives the library back at the next
+    // messages.
+    const uint64_t release = milliseconds() + kThreadEndMs;
+    while (pluginThreads() != 0 && milliseconds() < release) {
+      pumpMessages();
+      pause();
+    }
+    unload();
+  }
   if (mapped()) faults.add("the library is still mapped");
   // A joined thread leaves the system's list a moment after its handle is signalled.
   const uint64_t deadline = milliseconds() + kThreadEndMs;

@@ -124,7 +124,7 @@ void Instance::settle(const Kept& kept) {
   for (NPObject* object : created) settleReferences(object, kept.scriptObject, "script object");
   if (created.empty() && kept.scriptObject != 0) host_.faults.add("there is no script object");
   for (const auto& [object, count] : kept.objects) {
-    settleReferences(object, count, "page object");
+    settleReferences(object, object == kept.running ? count + 1 : count, "page object");
     host_.objects.writeOff(object, std::min(count, host_.objects.pluginReferences(object)));
   }
   const int results = host_.memory.freeAll(kPageResultBlock);

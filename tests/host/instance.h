@@ -30,6 +30,8 @@ struct Kept {
   int scriptObject = 1;
   // References on page objects, such as an observer that was set at the end.
   std::vector<std::pair<NPObject*, int>> objects = {};
+  // One that is being called has a reference more, which goes when it returns.
+  NPObject* running = nullptr;
   // Texts returned by page functions.
   int pageResults = 0;
 };

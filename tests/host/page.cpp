@@ -52,7 +52,11 @@ bool answerCall(PageObject& object, std::string method, const NPVariant* args, u
 bool hasMethod(NPObject* object, NPIdentifier name) {
   PageObject& target = pageObject(object);
   const std::string method = target.page.identifiers().text(name);
-  return std::find(target.methods.begin(), target.methods.end(), method) != target.methods.end();
+  const bool has =
+      std::find(target.methods.begin(), target.methods.end(), method) != target.methods.end();
+  // Called as a copy: the accessor may be what the page's last reference goes with.
+  if (const auto asked = target.onMethodAsked) asked();
+  return has;
 }
 
 bool invoke(NPObject* object, NPIdentifier name, const NPVariant* args, uint32_t count,

@@ -41,6 +41,8 @@ class PageObject : public NPObject {
   bool throws = false;
   // Runs inside a call, after it was recorded.
   std::function<void(const PageCall&)> onCall;
+  // Runs when the object is asked for a method, as an accessor of the page's does.
+  std::function<void()> onMethodAsked;
   std::vector<std::string> methods;
   std::map<std::string, std::function<bool(NPVariant*)>> properties;
   std::vector<PageCall> calls;

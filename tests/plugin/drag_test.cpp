@@ -165,6 +165,22 @@ TEST_F(DragTest, TheObserverMayRemoveTheElementInTheMidstOfTheDrop) {
   instance_.reset();
 }
 
+TEST_F(DragTest, TheObserverMayLetTheLibraryGoInTheMidstOfTheDrop) {
+  show({{"drop-mode", "callback"}});
+  (*observer_)->onCall = [this](const Host::PageCall&) {
+    told_.emplace_back("onDrop");
+    EXPECT_EQ(instance_->destroy(), NPERR_NO_ERROR);
+    instance_->settle(
+        {.objects = {{observer_->get(), 1}, {handler_->get(), 1}}, .running = observer_->get()});
+    host().unload();
+    EXPECT_TRUE(host().mapped());
+  };
+  EXPECT_EQ(drag({"a.txt"}, {kInside}), DRAGDROP_S_DROP);
+  EXPECT_THAT(drops(), ElementsAre("onDrop"));
+  EXPECT_TRUE(host().pumpUntil([this] { return !host().mapped(); }));
+  instance_.reset();
+}
+
 TEST_F(DragTest, AnUploadDropIsSentAtOnceAndApprovedAndNotTold) {
   show({{"drop-mode", "upload"},
         {"drop-allow-multiple", "true"},
