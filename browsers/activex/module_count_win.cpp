@@ -8,7 +8,6 @@
 #include <mutex>
 
 #include "browsers/shared/module_life.h"
-#include "runtime/ov_log.h"
 
 namespace Vantrel::Web::ActiveX {
 
@@ -22,7 +21,6 @@ ULONG_PTR gdiplusToken = 0;
 // Pictures are not painted when the decoder does not start; all else works.
 void startFace() {
   startModule();
-  ov_log("\n\nInitializing Orvane Web ActiveX plugin\n");
   const Gdiplus::GdiplusStartupInput input(nullptr, FALSE, FALSE);
   Gdiplus::GdiplusStartup(&gdiplusToken, &input, nullptr);
 }
@@ -30,7 +28,7 @@ void startFace() {
 void endFace() {
   if (gdiplusToken != 0) Gdiplus::GdiplusShutdown(gdiplusToken);
   gdiplusToken = 0;
-  endModule("Shutting down Orvane Web ActiveX plugin");
+  endModule();
 }
 
 // The counts' own lock is held.

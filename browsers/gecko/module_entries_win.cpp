@@ -14,6 +14,7 @@
 #include "browsers/shared/module_life.h"
 #include "runtime/ov_log.h"
 #include "threads/guarded.h"
+#include "threads/runnable_scheduler.h"
 
 namespace Vantrel::Web::Gecko {
 
@@ -44,15 +45,22 @@ NPError initialize(const NPNetscapeFuncs& funcs) {
   ov_log("\n\nInitializing Orvane Web Gecko plugin\n");
   OV_DEBUG("OW_PopulateNetscapeFunctionTable()");
   copyBrowserFunctions(funcs);
+  RunnableScheduler::init();
   return NPERR_NO_ERROR;
 }
 
-// A browser that gives no table gets no module: nothing starts, but for the log if it is closed.
+// A browser that gives no table gets no face: only the module starts, so that the log tells of it.
 NPError refuseNullTable() {
-  startModule();
+  const ModuleStart start;
   ov_err("OW_PopulateNetscapeFunctionTable() - Null argument");
-  endModule();
   return NPERR_INVALID_FUNCTABLE_ERROR;
+}
+
+// Browsers of this platform ask before NP_Initialize.
+NPError entryPoints(NPPluginFuncs* funcs) {
+  const ModuleStart start;
+  OV_DEBUG("NP_GetEntryPoints()");
+  return OW_PopulatePluginFunctionTable(funcs);
 }
 
 void shutdown() {
@@ -78,8 +86,8 @@ NPError NP_ABI NP_Initialize(NPNetscapeFuncs* funcs) {
 }
 
 NPError NP_ABI NP_GetEntryPoints(NPPluginFuncs* funcs) {
-  OV_DEBUG("NP_GetEntryPoints()");
-  return Vantrel::Web::Gecko::OW_PopulatePluginFunctionTable(funcs);
+  using namespace Vantrel::Web;
+  return guarded(NPERR_GENERIC_ERROR, [funcs] { return Gecko::entryPoints(funcs); });
 }
 
 NPError NP_ABI NP_Shutdown() {

@@ -27,16 +27,17 @@ void startModule() noexcept {
   } catch (const std::exception&) {
     // Without a log there is nobody to tell.
   }
+  // The module is the control's, whichever face has asked first.
+  ov_log("\n\nInitializing Orvane Web ActiveX plugin\n");
   RunnableScheduler::init();
 }
 
-void endModule(const char* farewell) noexcept {
+void endModule() noexcept {
   const std::lock_guard<std::mutex> lock(lifeMutex);
-  if (starts == 0) return;
-  const bool last = --starts == 0;
-  if (last) RunnableScheduler::cleanup();
-  if (farewell != nullptr) ov_log("%s", farewell);
-  if (last) closePluginLog();
+  if (starts == 0 || --starts != 0) return;
+  RunnableScheduler::cleanup();
+  ov_log("Shutting down Orvane Web ActiveX plugin");
+  closePluginLog();
 }
 
 }  // namespace Vantrel::Web

@@ -8,7 +8,15 @@ namespace Vantrel::Web {
 
 // Each start is one end later. A log that cannot be opened is no failure: the rest works without.
 void startModule() noexcept;
-// `farewell`, if not null, is logged between the scheduler's end and the log's.
-void endModule(const char* farewell = nullptr) noexcept;
+void endModule() noexcept;
+
+// The module is started for as long as this lives, on the stack of an entry that may come first.
+class ModuleStart {
+ public:
+  ModuleStart() { startModule(); }
+  ~ModuleStart() { endModule(); }
+  ModuleStart(const ModuleStart&) = delete;
+  ModuleStart& operator=(const ModuleStart&) = delete;
+};
 
 }  // namespace Vantrel::Web

@@ -95,6 +95,23 @@ TEST_F(ModuleTest, StartAndEndAreLogged) {
   EXPECT_EQ(logCount("Shutting down Orvane Web Gecko plugin"), 1U);
 }
 
+TEST_F(ModuleTest, TheModuleStartsBeforeTheFaceAndEndsBehindIt) {
+  EXPECT_EQ(host().initialize(), NPERR_NO_ERROR);
+  EXPECT_EQ(host().shutdown(), NPERR_NO_ERROR);
+  const std::string log = profile_.log();
+  size_t at = 0;
+  for (const char* const line :
+       {"LOG \n\nInitializing Orvane Web ActiveX plugin\n", "DBG RunnableScheduler::init()",
+        "LOG \n\nInitializing Orvane Web Gecko plugin\n", "DBG OW_PopulateNetscapeFunctionTable()",
+        "DBG RunnableScheduler::init()", "LOG Shutting down Orvane Web Gecko plugin",
+        "DBG RunnableScheduler::cleanup()", "LOG Shutting down Orvane Web ActiveX plugin"}) {
+    const size_t found = log.find(line, at);
+    ASSERT_NE(found, std::string::npos) << line << " in " << log;
+    at = found + 1;
+  }
+  EXPECT_EQ(logCount("Orvane Web ActiveX plugin"), 2U);
+}
+
 TEST_F(ModuleTest, ATableOfTheUsualSizeIsReadAndNoMore) {
   EXPECT_EQ(host().initialize({.size = 472, .bytes = 472}), NPERR_NO_ERROR);
   expectWorkingInstance();
@@ -227,6 +244,11 @@ TEST_F(ModuleTest, ANullTableOfEntryPointsIsRefused) {
 
 TEST_F(ModuleTest, TheEntryPointsMayBeAskedForFirst) {
   EXPECT_EQ(host().getEntryPoints(), NPERR_NO_ERROR);
+  NPPluginFuncs table{};
+  table.size = 120;
+  EXPECT_EQ(host().getEntryPoints(&table), NPERR_NO_ERROR);
+  EXPECT_EQ(logCount("ERR OW_PopulatePluginFunctionTable() - Bad NPPluginFuncs size=120"), 1U);
+  EXPECT_EQ(logCount("DBG NP_GetEntryPoints()"), 2U);
   EXPECT_EQ(host().initialize(), NPERR_NO_ERROR);
   expectWorkingInstance();
 }
