@@ -20,10 +20,10 @@ bool ovOrvaneWebPlugin::initSession(Arguments args, NPVariant* result) {
   std::string reply;
   try {
     reply = core->initSession(textOf(args[0]), textOf(args[1]));
-    if (view_) view_->markSession(true);
   } catch (const std::exception& exception) {
     reply = exceptionJsonErrorReply(exception, kErrorInitializingSession);
   }
+  if (view_) view_->markSession(true);
   stringToVariant(reply, result);
   return true;
 }

@@ -72,6 +72,7 @@ int32_t ovOrvaneWebPlugin::write(NPStream* stream, int32_t offset, int32_t lengt
   if (length > std::numeric_limits<int32_t>::max() - offset) return -1;
   const auto begin = static_cast<size_t>(offset);
   const auto bytes = static_cast<size_t>(length);
+  if (begin + bytes == 0) return 0;
   try {
     imageData_.resize(begin + bytes);
   } catch (const std::bad_alloc&) {

@@ -9,6 +9,7 @@
 #include "core/approved_files.h"
 #include "core/data_transfer.h"
 #include "runtime/ov_log.h"
+#include "threads/guarded.h"
 
 namespace Vantrel::Web::Gecko {
 
@@ -31,6 +32,20 @@ class WindowContext {
  private:
   const HWND window_;
   const HDC dc_;
+};
+
+// A device context of a window that is to be painted.
+class PaintContext {
+ public:
+  explicit PaintContext(HWND window) : window_(window) { BeginPaint(window_, &paint_); }
+  ~PaintContext() { EndPaint(window_, &paint_); }
+  PaintContext(const PaintContext&) = delete;
+  PaintContext& operator=(const PaintContext&) = delete;
+  HDC get() const { return paint_.hdc; }
+
+ private:
+  const HWND window_;
+  PAINTSTRUCT paint_ = {};
 };
 
 // A device context in memory, with a bitmap selected.
@@ -87,6 +102,9 @@ bool ovWindowsOrvaneWebViewImpl::init(NPWindow* window, NPP, bool dropEnabled,
 }
 
 void ovWindowsOrvaneWebViewImpl::subclass() {
+  // A window that another instance has had, and still has, is the latest one's: two views on one
+  // window would take each other for the procedure to go on with.
+  if (auto* const other = viewOf(pluginWindow_); other != nullptr) other->releaseWindow();
   // Our procedure would find nobody.
   if (SetPropW(pluginWindow_, kViewProperty, this) == FALSE) return;
   formerProc_ = reinterpret_cast<WNDPROC>(
@@ -110,20 +128,26 @@ void ovWindowsOrvaneWebViewImpl::releaseWindow() {
   pluginWindow_ = nullptr;
 }
 
+ovWindowsOrvaneWebViewImpl* ovWindowsOrvaneWebViewImpl::viewOf(HWND window) {
+  return static_cast<ovWindowsOrvaneWebViewImpl*>(GetPropW(window, kViewProperty));
+}
+
 LRESULT CALLBACK ovWindowsOrvaneWebViewImpl::windowProc(HWND window, UINT message, WPARAM wParam,
                                                         LPARAM lParam) {
-  auto* const view = static_cast<ovWindowsOrvaneWebViewImpl*>(GetPropW(window, kViewProperty));
+  auto* const view = viewOf(window);
   if (view == nullptr) return DefWindowProcW(window, message, wParam, lParam);
   const WNDPROC former = view->formerProc_;
   switch (message) {
     case WM_PAINT:
-      return view->onPaint(message);
+      return guarded<LRESULT>(0, [view, message] { return view->onPaint(message); });
     case WM_ERASEBKGND:
-      if (view->transparent_) view->displayImage(reinterpret_cast<HDC>(wParam));
+      guarded([view, wParam] {
+        if (view->transparent_) view->displayImage(reinterpret_cast<HDC>(wParam));
+      });
       return 1;
     case WM_DESTROY:
       // While the window still has its drop target.
-      view->releaseWindow();
+      guarded([view] { view->releaseWindow(); });
       break;
     default:
       break;
@@ -134,7 +158,9 @@ LRESULT CALLBACK ovWindowsOrvaneWebViewImpl::windowProc(HWND window, UINT messag
 void ovWindowsOrvaneWebViewImpl::setImage(const unsigned char* data, uint32_t length) {
   OV_DEBUG("ovWindowsOrvaneWebViewImpl::setImage() - length=%u", length);
   if (length == 0) return;
-  image_ = std::make_unique<Picture>(data, length);
+  auto picture = Picture::of(data, length);
+  if (!picture) return;
+  image_ = std::move(picture);
   repaint();
 }
 
@@ -197,8 +223,8 @@ void ovWindowsOrvaneWebViewImpl::displayImage(HDC dc) const {
 
 LRESULT ovWindowsOrvaneWebViewImpl::onPaint(UINT message) {
   OV_DEBUG("ovWindowsOrvaneWebViewImpl::onPaint() - MSG=%x", message);
-  PAINTSTRUCT paint = {};
-  const HDC dc = BeginPaint(pluginWindow_, &paint);
+  const PaintContext paint(pluginWindow_);
+  const HDC dc = paint.get();
   RECT rect = {};
   GetClientRect(pluginWindow_, &rect);
   LRESULT result = 0;
@@ -211,7 +237,6 @@ LRESULT ovWindowsOrvaneWebViewImpl::onPaint(UINT message) {
     displayImage(dc);
     result = 1;
   }
-  EndPaint(pluginWindow_, &paint);
   return result;
 }
 
@@ -226,17 +251,20 @@ void ovWindowsOrvaneWebViewImpl::dragLeave() {
 HRESULT ovWindowsOrvaneWebViewImpl::drop(IDataObject* data, const DWORD* effect) {
   if (data == nullptr || effect == nullptr) return E_INVALIDARG;
   if (!dropEnabled_) return S_OK;
+  OrvaneWebIDropTarget& target = *dropTarget_;
+  // Where another process drags, this is a call to it, which lets windows work; one may end this.
   const DroppedData dropped(*data);
+  if (target.receiver() != this) return S_OK;
   if (FAILED(dropped.result())) return E_INVALIDARG;
   std::vector<std::string> files =
       acceptedFiles(dropped.files(), dropAllowDirectories_, dropAllowMultiple_);
-  if (!files.empty() && delegate_ != nullptr) tellDrop(std::move(files));
+  if (!files.empty() && delegate_ != nullptr) tellDrop(target, std::move(files));
   return S_OK;
 }
 
 // What the page does with the first call may end the view, which its drop target then tells.
-void ovWindowsOrvaneWebViewImpl::tellDrop(std::vector<std::string> files) {
-  OrvaneWebIDropTarget& target = *dropTarget_;
+void ovWindowsOrvaneWebViewImpl::tellDrop(const OrvaneWebIDropTarget& target,
+                                          std::vector<std::string> files) {
   addToApprovedFileList(files);
   std::string json = dataTransferJson(files);
   delegate_->doDrop(files);

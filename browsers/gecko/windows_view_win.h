@@ -37,6 +37,8 @@ class ovWindowsOrvaneWebViewImpl : public ovIOrvaneWebViewImpl, private DragRece
   void setTransparent(bool flag) override { transparent_ = flag; }
 
  private:
+  // The view that has subclassed the window; null for none.
+  static ovWindowsOrvaneWebViewImpl* viewOf(HWND window);
   static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
   HRESULT dragEnter(IDataObject*) override { return S_OK; }
@@ -50,7 +52,7 @@ class ovWindowsOrvaneWebViewImpl : public ovIOrvaneWebViewImpl, private DragRece
   LRESULT onPaint(UINT message);
   void displayImage(HDC dc) const;
   void captureBackground(RECT rect);
-  void tellDrop(std::vector<std::string> files);
+  void tellDrop(const OrvaneWebIDropTarget& target, std::vector<std::string> files);
 
   HWND pluginWindow_ = nullptr;
   WNDPROC formerProc_ = nullptr;

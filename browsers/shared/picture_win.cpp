@@ -18,6 +18,8 @@ using namespace Gdiplus::DllExports;
 
 constexpr WORD kBitsPerPixel = 32;
 constexpr int kBytesPerPixel = kBitsPerPixel / 8;
+// A picture says itself how large it is: a few bytes may ask for more than all memory.
+constexpr int64_t kMostPixels = int64_t{256} << 20;
 
 // An image of the decoder.
 struct DecodedImage {
@@ -44,6 +46,7 @@ struct Canvas {
 }  // namespace
 
 std::unique_ptr<Surface> Surface::create(int width, int height) {
+  if (int64_t{width} * height > kMostPixels) return nullptr;
   std::unique_ptr<Surface> surface(new Surface(width, height));
   BITMAPINFO info = {};
   info.bmiHeader.biSize = sizeof info.bmiHeader;
@@ -65,16 +68,16 @@ Surface::~Surface() {
   if (bitmap_ != nullptr) DeleteObject(bitmap_);
 }
 
-Picture::Picture(const unsigned char* data, uint32_t length) {
+std::unique_ptr<Picture> Picture::of(const unsigned char* data, uint32_t length) {
   ComPointer<IStream> stream;
   ULONG written = 0;
   if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, stream.put())) ||
       FAILED(stream->Write(data, length, &written)) || written != length) {
-    return;
+    return nullptr;
   }
   constexpr LARGE_INTEGER kStart = {};
   stream->Seek(kStart, STREAM_SEEK_SET, nullptr);
-  decode(*stream.get());
+  return std::make_unique<Picture>(*stream.get());
 }
 
 // What is cut short is decoded as far as it goes; Wine refuses it as a whole.

@@ -14,7 +14,7 @@ namespace Vantrel::Web {
 // own, which a repaint would otherwise have to make anew. One thread.
 class Surface {
  public:
-  // Null when there is no room for it.
+  // Null when there is no room for it, or it would take more than 1 GiB.
   static std::unique_ptr<Surface> create(int width, int height);
   ~Surface();
   Surface(const Surface&) = delete;
@@ -39,11 +39,11 @@ class Surface {
 
 class Picture {
  public:
-  // Decodes PNG, JPEG, GIF and BMP. What cannot be decoded, or has no room in memory, is a picture
-  // that paints nothing.
-  Picture(const unsigned char* data, uint32_t length);
-  // From where the stream stands.
+  // Decodes PNG, JPEG, GIF and BMP, from where the stream stands. What cannot be decoded, or has no
+  // room in memory, is a picture that paints nothing.
   explicit Picture(IStream& stream) { decode(stream); }
+  // The same of bytes in memory; null where there is no room for a stream of them.
+  static std::unique_ptr<Picture> of(const unsigned char* data, uint32_t length);
   Picture(const Picture&) = delete;
   Picture& operator=(const Picture&) = delete;
 

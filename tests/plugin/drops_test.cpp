@@ -1,7 +1,9 @@
 // Drops on the element, by calls of its window's target.
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <optional>
+#include <utility>
 
 #include "tests/plugin/drop_fixture.h"
 
@@ -92,6 +94,74 @@ TEST_F(DropTest, WhatIsNoFilesOrNoDropIsInvalid) {
   EXPECT_EQ(target().Drop(nullptr, 0, {}, &effect), E_INVALIDARG);
   EXPECT_EQ(target().Drop(&nothing, 0, {}, nullptr), E_INVALIDARG);
   EXPECT_EQ(target().Drop(&nothing, 0, {}, &effect), E_INVALIDARG);
+}
+
+// Data of another process, which is fetched by a call that lets this thread's windows work.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+class ForeignList : public FileList {
+ public:
+  ForeignList(FileList& list, std::function<void()> meanwhile)
+      : FileList({}), list_(list), meanwhile_(std::move(meanwhile)) {}
+  HRESULT STDMETHODCALLTYPE GetData(FORMATETC* format, STGMEDIUM* medium) override {
+    meanwhile_();
+    return list_.GetData(format, medium);
+  }
+
+ private:
+  FileList& list_;
+  std::function<void()> meanwhile_;
+};
+#pragma GCC diagnostic pop
+
+TEST_F(DropTest, TheInstanceMayEndWhileTheFilesAreFetched) {
+  Instance instance(host(), {{"drop-mode", "callback"}});
+  setWindow(instance);
+  const Host::PageReference handler = host().page.makeFunction("handler");
+  instance.set("eventHandler", handler.value());
+  FileList files = listOf({"a.txt"});
+  ForeignList list(files, [&] { instance.end({.objects = {{handler.get(), 1}}}); });
+  DWORD effect = DROPEFFECT_COPY;
+  EXPECT_EQ(target().Drop(&list, 0, {}, &effect), S_OK);
+  EXPECT_EQ(files.asked(), 1);
+  EXPECT_TRUE(handler->calls.empty());
+  Instance other(host());
+  EXPECT_FALSE(isApproved(other, "a.txt"));
+}
+
+TEST_F(DropTest, TheWindowMayGoWhileTheFilesAreFetched) {
+  Instance instance(host(), {{"drop-mode", "callback"}});
+  setWindow(instance);
+  FileList files = listOf({"a.txt"});
+  ForeignList list(files, [this] { DestroyWindow(child_); });
+  DWORD effect = DROPEFFECT_COPY;
+  EXPECT_EQ(target().Drop(&list, 0, {}, &effect), S_OK);
+  EXPECT_EQ(files.asked(), 1);
+  EXPECT_FALSE(isApproved(instance, "a.txt"));
+}
+
+TEST_F(DropTest, TheObserverMayGoWhereItIsAskedForItsMethod) {
+  Instance instance(host(), {{"drop-mode", "callback"}});
+  setWindow(instance);
+  Host::PageReference observer = host().page.makeObject("observer", {"onDrop"});
+  bool called = false;
+  observer->onMethodAsked = [&] { instance.set("dropObserver", Value::null()); };
+  observer->onCall = [&](const Host::PageCall&) { called = true; };
+  instance.set("dropObserver", observer.value());
+  observer.drop();
+  EXPECT_EQ(drop({"a.txt"}), S_OK);
+  EXPECT_TRUE(called);
+}
+
+TEST_F(DropTest, TheObserverMayEndTheInstanceWhereItIsAskedForItsMethod) {
+  Instance instance(host(), {{"drop-mode", "callback"}});
+  setWindow(instance);
+  const Host::PageReference observer = host().page.makeObject("observer", {"onDrop"});
+  observer->onMethodAsked = [&] { EXPECT_EQ(instance.destroy(), NPERR_NO_ERROR); };
+  instance.set("dropObserver", observer.value());
+  EXPECT_EQ(drop({"a.txt"}), S_OK);
+  EXPECT_TRUE(observer->calls.empty());
+  instance.settle({.objects = {{observer.get(), 1}}});
 }
 
 TEST_F(DropTest, ATargetThatOutlivesItsViewAnswersAndDoesNothing) {

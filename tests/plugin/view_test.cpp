@@ -1,8 +1,11 @@
 // The element's window: what is painted in it, and what is left of us in it at the end.
+#include <objidl.h>
+
 #include <cstring>
 
 #include "tests/plugin/red_bitmap.h"
 #include "tests/plugin/view_fixture.h"
+#include "tests/support/import_patch_win.h"
 
 namespace Vantrel::Web {
 namespace {
@@ -45,6 +48,40 @@ TEST_F(ViewTest, AnEmptyPictureChangesNothingAndABrokenOnePaintsNothing) {
   EXPECT_EQ(painted(), kRed);
   sendPicture(instance, "http://x/red.bmp", "no picture at all");
   EXPECT_EQ(painted(), kRed);  // as it was left
+}
+
+HRESULT WINAPI noStream(HGLOBAL, BOOL, IStream** stream) {
+  *stream = nullptr;
+  return E_OUTOFMEMORY;
+}
+
+TEST_F(ViewTest, APictureThatThereIsNoRoomForLeavesTheFormerOne) {
+  auto* const library = static_cast<HMODULE>(const_cast<void*>(host().module()));
+  Instance instance(host(), {{"image", "http://x/red.bmp"}});
+  setWindow(instance);
+  sendPicture(instance, "http://x/red.bmp", redBitmap(2, 2));
+  {
+    const TestSupport::ImportPatch patch(library, "CreateStreamOnHGlobal", noStream);
+    sendPicture(instance, "http://x/red.bmp", "another");
+  }
+  fill(kMark);
+  EXPECT_EQ(painted(), kRed);
+}
+
+TEST_F(ViewTest, AnEmptyPieceOfAPictureTakesNothingAway) {
+  Instance instance(host(), {{"image", "http://x/red.bmp"}});
+  setWindow(instance);
+  std::string data = redBitmap(2, 2);
+  char url[] = "http://x/red.bmp";
+  NPStream stream = {};
+  stream.url = url;
+  const auto write = [&](int32_t length) {
+    return host().plugin().write(instance.npp(), &stream, 0, length, data.data());
+  };
+  EXPECT_EQ(write(static_cast<int32_t>(data.size())), static_cast<int32_t>(data.size()));
+  EXPECT_EQ(write(0), 0);
+  host().plugin().destroystream(instance.npp(), &stream, NPRES_DONE);
+  EXPECT_EQ(painted(), kRed);
 }
 
 TEST_F(ViewTest, ATransparentElementShowsWhatLiesBehindOnceItWasTaken) {
@@ -117,6 +154,25 @@ TEST_F(ViewTest, TheWindowIsAsItWasWhenTheInstanceIsGone) {
     EXPECT_EQ(GetWindowLongPtrW(child_, GWLP_USERDATA), 0);
     EXPECT_EQ(GetPropW(child_, L"OleDropTargetInterface"), nullptr);
   }
+}
+
+TEST_F(ViewTest, AWindowThatASecondInstanceGetsIsTheSecondOnes) {
+  const LONG_PTR before = GetWindowLongPtrW(child_, GWLP_WNDPROC);
+  Instance first(host(), {{"image", "http://x/red.bmp"}});
+  setWindow(first);
+  sendPicture(first, "http://x/red.bmp", redBitmap(2, 2));
+  EXPECT_EQ(painted(), kRed);
+  Instance second(host());
+  setWindow(second);
+  EXPECT_EQ(painted(), kWhite);
+  EXPECT_EQ(SendMessageW(child_, WM_NULL, 0, 0), 0);
+  EXPECT_FALSE(logHas("RegisterDragDrop failed"));
+  first.end();
+  EXPECT_EQ(painted(), kWhite);
+  EXPECT_NE(GetPropW(child_, L"OleDropTargetInterface"), nullptr);
+  second.end();
+  EXPECT_EQ(GetWindowLongPtrW(child_, GWLP_WNDPROC), before);
+  EXPECT_EQ(GetPropW(child_, L"OleDropTargetInterface"), nullptr);
 }
 
 TEST_F(ViewTest, AWindowMayGoBeforeItsInstance) {
