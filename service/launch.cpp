@@ -44,15 +44,34 @@ bool stillRuns(ov_process& process) {
   return true;
 }
 
+// Whether the client at the known address takes connections, which a client on this machine tells
+// at once.
+bool takesConnections(const ConnectionPurpose& purpose) {
+  const Url url = vantrelUrl();
+  if (url.url.empty()) return false;
+  TcpSocket socket;
+  if (socket.connect(url.host, url.port(0), purpose) == 0) return true;
+  clearVantrelUrl();
+  return false;
+}
+
+// Whether the new client is up. Nobody may wait for an answer any more once the breaker is broken.
+bool isUp(const ConnectionPurpose& purpose) {
+  if (purpose.breaker == nullptr || !purpose.breaker->broken()) return pingVantrel(purpose);
+  return takesConnections({.awaitsNewClient = true});
+}
+
 // Waits until the new process answers. The wait is counted in steps: a question that takes long
 // does not shorten the number of tries.
 bool waitForAnswer(ov_process& process, int32_t timeoutMs, const ConnectionPurpose& purpose) {
   for (int64_t waited = 0; waited < timeoutMs;) {
-    if (pingVantrel(purpose)) {
+    if (isUp(purpose)) {
       OV_DEBUG("Waited %dms for Vantrel to launch and write URL file",
                static_cast<int32_t>(waited));
       return true;
     }
+    // It was up, and asked, and silent.
+    if (purpose.breaker != nullptr && purpose.breaker->hasCut()) return false;
     if (const ov_rc code = ov_thread_sleep(kPollStepMs)) {
       ov_err("Warning: Thread sleep failed (%d)", code);
       return false;
@@ -90,7 +109,7 @@ bool launchVantrel(SocketBreaker* breaker) {
   ConnectionPurpose purpose;
   purpose.breaker = breaker;
   if (pingVantrel(purpose)) return true;
-  if (breaker != nullptr && breaker->hasCut()) return false;
+  if (breaker != nullptr && breaker->broken()) return false;
   const std::string path = vantrelExecutablePath();
   if (path.empty()) return false;
   ov_log("Launching Orvane Vantrel - Command: %s", path.c_str());

@@ -19,7 +19,8 @@ bool pingVantrel(const ConnectionPurpose& purpose = {});
 
 // True when a client answers, after starting one if need be. Blocks for the wait and a little more.
 // Once `breaker` (may be null) is broken, no client is started any more; a wait that has begun goes
-// on to its end.
+// on to its end, which is then that the client takes connections, or that it was cut short while it
+// was silent.
 bool launchVantrel(SocketBreaker* breaker = nullptr);
 
 // Lets the client's windows come to the front. Never throws; failures are logged.

@@ -70,7 +70,7 @@ void RequestWorker::processOneRequest(std::unique_ptr<HttpRequest> request) {
     if (!stopRequested_) request->callback->handleCallback(response.get());
   }
   request.reset();
-  if (!response && !breaker_.hasCut()) ov_err("%s", kErrorContacting);
+  if (!response && !breaker_.broken()) ov_err("%s", kErrorContacting);
 }
 
 void RequestWorker::stop() {

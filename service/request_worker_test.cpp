@@ -292,6 +292,24 @@ TEST_F(RequestWorkerTest, StopDuringALaunchsWaitLetsItRunToItsEndAndTellsTheFail
   EXPECT_EQ(answers_.destroyed(), 2);
 }
 
+TEST_F(RequestWorkerTest, StopDuringALaunchsWaitEndsItWhereTheNewClientIsSilent) {
+  add("/1");
+  files_.removeUrl();
+  TestSupport::resetServiceCaches(files_.appDataDirectory(), "orvanevantrel.exe");
+  platform_.onStart = [this](const std::string&) {
+    files_.writeUrl(server_.url() + "\nkey");
+    return 0;
+  };
+  server_.always("/v5/vantrel/info/ping", Script().hold());
+  worker_->start();
+  ASSERT_TRUE(server_.waitForRequests("/v5/vantrel/info/ping", 1));
+  worker_->stop();
+  worker_->join();
+  EXPECT_EQ(log_.countContaining("Timed out waiting"), 0U);
+  EXPECT_TRUE(answers_.all().empty());
+  EXPECT_EQ(answers_.destroyed(), 1);
+}
+
 TEST_F(RequestWorkerTest, StopBeforeTheStartServesNothing) {
   add("/1");
   worker_->stop();

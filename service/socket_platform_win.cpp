@@ -57,8 +57,10 @@ int waitForConnection(SOCKET socket, const std::atomic<bool>& giveUp) {
     if (ready == 0) continue;
     int code = 0;
     int size = sizeof code;
-    getsockopt(socket, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&code), &size);
-    return code;
+    if (getsockopt(socket, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&code), &size) != 0) {
+      return WSAGetLastError();
+    }
+    return code == 0 && FD_ISSET(socket, &connected) == 0 ? WSAECONNREFUSED : code;
   }
   return WSAEINTR;
 }

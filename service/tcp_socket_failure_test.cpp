@@ -356,6 +356,7 @@ class LaunchConnectionTest : public TcpSocketFailureTest {
     files_.writeUrl("http://1.2.3.4:80\nkey");
     setLaunchTimeout(200);
     platform.connects = false;
+    platform.code = 10061;
   }
 
   const TestSupport::ServiceFiles files_{"orvanevantrel.exe"};
@@ -377,6 +378,27 @@ TEST_F(LaunchConnectionTest, AWaitGoesOnToItsEndBesideABreak) {
   EXPECT_FALSE(launchVantrel(&breaker));
   EXPECT_EQ(system_.sleeps().size(), 2U);
   EXPECT_FALSE(breaker.hasCut());
+}
+
+TEST_F(LaunchConnectionTest, AWaitBesideABreakEndsWhenTheClientIsUp) {
+  SocketBreaker breaker;
+  setLaunchTimeout(10000);
+  system_.onSleep = [&](uint32_t) {
+    platform.connects = system_.sleeps().size() == 2;
+    platform.code = platform.connects ? 0 : 10061;
+    breaker.breakNow();
+    return 0;
+  };
+  EXPECT_TRUE(launchVantrel(&breaker));
+  EXPECT_EQ(system_.sleeps().size(), 2U);
+}
+
+TEST_F(LaunchConnectionTest, BrokenBeforeTheStartNothingIsStarted) {
+  SocketBreaker breaker;
+  breaker.breakNow();
+  EXPECT_FALSE(breaker.hasCut());
+  EXPECT_FALSE(launchVantrel(&breaker));
+  EXPECT_TRUE(system_.starts().empty());
 }
 
 }  // namespace
