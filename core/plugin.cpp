@@ -41,12 +41,23 @@ std::string parameter(const std::map<std::string, std::string>& parameters, cons
 
 }  // namespace
 
+// Each start of the platform's sockets is one end later, also where the rest of the construction
+// fails.
+struct Plugin::SocketLayer {
+  SocketLayer() {
+    if (const ov_rc code = ov_sock_init()) {
+      ov_err("%s", describeSystemError("Failed to initialize socket: ", code).c_str());
+    }
+  }
+  ~SocketLayer() { ov_sock_fini(); }
+  SocketLayer(const SocketLayer&) = delete;
+  SocketLayer& operator=(const SocketLayer&) = delete;
+};
+
 Plugin::Plugin() {
   OV_DEBUG("Plugin() [%p]", static_cast<void*>(this));
   setLayeredWindowAttributes_ = findSetLayeredWindowAttributes();
-  if (const ov_rc code = ov_sock_init()) {
-    ov_err("%s", describeSystemError("Failed to initialize socket: ", code).c_str());
-  }
+  socketLayer_ = std::make_unique<SocketLayer>();
   requestWorker_ = std::make_unique<RequestWorker>();
   transfersPoller_ = std::make_unique<TransfersPoller>();
   changeToHomeDirectory();
@@ -57,7 +68,7 @@ Plugin::~Plugin() {
   OV_DEBUG("~Plugin() [%p]", static_cast<void*>(this));
   endWorker(requestWorker_);
   endWorker(transfersPoller_);
-  ov_sock_fini();
+  socketLayer_.reset();
   OV_DEBUG("~Plugin() - done");
 }
 

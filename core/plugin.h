@@ -102,6 +102,8 @@ class Plugin {
   static void changeToHomeDirectory();
   static void* findSetLayeredWindowAttributes();
 
+  struct SocketLayer;
+
   bool download(const std::vector<std::string>& sources, const std::string& destination);
   bool upload(const std::vector<std::string>& sources, const std::string& destinationUrl);
 
@@ -109,6 +111,7 @@ class Plugin {
   std::vector<std::string> downloadList_;
   std::string browserHost_;
   DestinationConsent consent_;
+  std::unique_ptr<SocketLayer> socketLayer_;  // before the workers, which need it to their end
   std::unique_ptr<RequestWorker> requestWorker_;
   bool sessionInitialized_ = false;
   std::unique_ptr<TransfersPoller> transfersPoller_;

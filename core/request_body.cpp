@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 
+#include "core/json_comments.h"
 #include "text/json_document.h"
 
 namespace Vantrel::Web {
@@ -14,6 +15,7 @@ namespace Vantrel::Web {
 namespace {
 
 constexpr char kHoldsNul[] = "a key or a text holds a NUL";
+constexpr char kTwoEnds[] = "a comment ends at different places for different readers";
 constexpr char kTooDeep[] = "parse error: the text is nested too deeply\n";
 constexpr char kNoMemory[] = "out of memory";
 constexpr size_t kErrorLength = 1023;  // of the parser's message, which quotes the text
@@ -278,6 +280,10 @@ bool RequestBody::read(const std::string& text, std::string& error) {
   text_ = text;
   if (text.find('\0') != std::string::npos) {
     error = kHoldsNul;
+    return false;
+  }
+  if (hasCommentOfTwoEnds(text)) {
+    error = kTwoEnds;
     return false;
   }
   RequestBodyEvents events(*this);

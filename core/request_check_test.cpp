@@ -96,6 +96,27 @@ TEST_F(RequestCheckTest, OnlyTheEscapeOfANulIsANul) {
   EXPECT_EQ(check(R"({"a":"\\\u0000"})"), jsonErrorReply(kNulReply));
 }
 
+constexpr char kTwoEndsReply[] =
+    "Error parsing JSON: a comment ends at different places for different readers";
+
+TEST_F(RequestCheckTest, ACommentThatAnotherReaderEndsEarlierHidesNothing) {
+  const std::string hidden =
+      R"({"transfer_spec":{"direction":"send","paths":[{"source":"C:/no"}]}})";
+  for (const char* const end : {"\r", "\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9", "a\rb\r"}) {
+    EXPECT_EQ(check("{\"transfer_specs\":[//" + (end + hidden) + "\n]}"),
+              jsonErrorReply(kTwoEndsReply));
+    EXPECT_EQ(check("{\"a\":\"\\\"\"} // " + (end + hidden)), jsonErrorReply(kTwoEndsReply));
+  }
+}
+
+TEST_F(RequestCheckTest, ACommentWithOneEndIsPassedOver) {
+  for (const char* const body : {"{} // \n", "{} // \r\n", "{} // \r", "// a\n{}", "/* // \r */ {}",
+                                 "{\"a\":\"// \xC2\x85\"}", "{\"a\":\"\\\"// \xE2\x80\xA8\"}",
+                                 "{\"a\":\"http://x\",\r\"b\":1}", "{} /* \xC2\x85 */"}) {
+    EXPECT_EQ(check(body), "") << body;
+  }
+}
+
 std::string repeatedReply(const std::string& member) {
   return jsonErrorReply("Error parsing JSON: the member " + member + " stands twice in one object");
 }
