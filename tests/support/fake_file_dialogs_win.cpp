@@ -5,6 +5,7 @@
 #include <cwchar>
 #include <utility>
 
+#include "tests/support/counted_interface_win.h"
 #include "text/wide_text.h"
 
 // The platform's interfaces have no virtual destructor; objects end in Release, which knows them.
@@ -16,30 +17,10 @@ namespace {
 
 FakeFileDialogs* current = nullptr;
 
-// Counts references and answers for one interface and those it derives from.
 template <class Interface>
-class Counted : public Interface {
+class Counted : public CountedInterface<Interface> {
  public:
-  Counted() { ++current->living; }
-  virtual ~Counted() { --current->living; }
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-    if (id != __uuidof(Interface) && id != IID_IUnknown) {
-      *object = nullptr;
-      return E_NOINTERFACE;
-    }
-    AddRef();
-    *object = static_cast<Interface*>(this);
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-
- private:
-  ULONG references_ = 1;
+  Counted() : CountedInterface<Interface>(__uuidof(Interface), current->living) {}
 };
 
 class Item : public Counted<IShellItem> {

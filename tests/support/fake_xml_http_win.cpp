@@ -5,6 +5,7 @@
 #include <msxml2.h>
 #include <ole2.h>
 
+#include "tests/support/counted_interface_win.h"
 #include "text/wide_text.h"
 
 // The platform's interfaces have no virtual destructor; objects end in Release, which knows them.
@@ -21,37 +22,13 @@ constexpr GUID kXmlHttpRequest = {
 
 FakeXmlHttp* current = nullptr;
 
-// Counts references and answers for one interface.
-template <class Interface>
-class Counted : public Interface {
- public:
-  explicit Counted(const GUID& id) : id_(id) { ++current->living; }
-  virtual ~Counted() { --current->living; }
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-    *object = id == id_ || id == IID_IUnknown ? static_cast<Interface*>(this) : nullptr;
-    if (*object == nullptr) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-
- private:
-  const GUID& id_;
-  ULONG references_ = 1;
-};
-
 std::string textOf(BSTR text) {
   return toUtf8(std::wstring(text != nullptr ? text : L"(null)"));
 }
 
-class Request : public Counted<IXMLHTTPRequest> {
+class Request : public CountedInterface<IXMLHTTPRequest> {
  public:
-  Request() : Counted(kXmlHttpRequest) {}
+  Request() : CountedInterface(kXmlHttpRequest, current->living) {}
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
@@ -108,9 +85,9 @@ class Request : public Counted<IXMLHTTPRequest> {
   }
 };
 
-class Factory : public Counted<IClassFactory> {
+class Factory : public CountedInterface<IClassFactory> {
  public:
-  Factory() : Counted(IID_IClassFactory) {}
+  Factory() : CountedInterface(IID_IClassFactory, current->living) {}
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID id, void** object) override {
     const HRESULT result = current->note("CoCreateInstance");
     if (FAILED(result)) return result;
