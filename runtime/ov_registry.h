@@ -24,7 +24,8 @@ OV_BEGIN_DECLS
    On failure `out` is empty. */
 ov_rc ov_reg_get(void* hive, const char* key, const char* name, char* out, uint32_t* length);
 
-/* Reads the bytes of a value of any type; sizes and codes are those of ov_reg_get. */
+/* Reads the bytes of a value of any type. Sizes and codes are those of ov_reg_get, but for a null
+   `out`, which gives the value's own size. */
 ov_rc ov_reg_get_binary(void* hive, const char* key, const char* name, void* out, uint32_t* length);
 
 /* Write a text or `length` bytes, in the 64-bit view, making the key if need be. */

@@ -90,10 +90,11 @@ ov_rc ov_cond_timedwait(ov_cond* c, const int32_t sec_usec[2]);
 /* The same in milliseconds; a negative time waits without limit. */
 ov_rc ov_cond_timedwait_ms(ov_cond* c, int32_t milliseconds);
 
-/* Wakes one waiter, if there is any; no wake-up is remembered. 0. */
+/* Wakes one waiter, if there is any; no wake-up is remembered. 0, or the system's code. */
 ov_rc ov_cond_signal(ov_cond* c);
 
-/* Wakes all waiters and returns when each of them has left its sleep. 0. */
+/* Wakes all waiters and returns when each of them has left its sleep. 0, or the
+   system's code when none could be woken. */
 ov_rc ov_cond_signal_all(ov_cond* c);
 
 /* A semaphore, and a lock that threads of several processes share; all ones when destroyed. */

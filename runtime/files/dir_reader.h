@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstring>
+#include <string_view>
 
 #include "runtime/ov_errors.h"
 #include "runtime/ov_files.h"
@@ -26,14 +27,17 @@ class DirReader {
     return error;
   }
 
-  // Delivers the next entry; 28678 behind the last one. Passes over "." and "..", and over a name
-  // that an ov_dirent has no room for or that is no text: the others are to be had all the same.
+  // Delivers the next entry; 28678 behind the last one. Passes over a name that ends in a dot: it
+  // is
+  // "." or "..", or one that a path cannot name, as what is read there is the directory itself or
+  // an entry without the dot. Passes also over a name that an ov_dirent has no room for or that is
+  // no text: the others are to be had all the same.
   ov_rc next(ov_dirent* entry) {
     for (;;) {
       const ov_rc error = ov_dir_next(&dir_, entry);
       const bool unnamed = error != 0 && entry->find != nullptr;
       if (error != 0 && !unnamed) return error;
-      if (!unnamed && strcmp(entry->name, ".") != 0 && strcmp(entry->name, "..") != 0) return 0;
+      if (!unnamed && !std::string_view(entry->name).ends_with('.')) return 0;
     }
   }
 

@@ -1,4 +1,6 @@
 // Directories, and the links in them, when the system refuses, races or shows what Wine does not.
+#include <algorithm>
+
 #include "runtime/ov_files.h"
 #include "runtime/ov_paths.h"
 #include "tests/support/runtime/failing_files_win.h"
@@ -19,6 +21,29 @@ TEST_F(DirectoriesWinTest, EmptyRootOfAVolumeIsAnEmptyDirectory) {
   EXPECT_EQ(2, ov_dir_open(path_.c_str(), &dir));
   faults.findFirst = ERROR_ACCESS_DENIED;
   EXPECT_EQ(5, ov_dir_open(folder_.path().c_str(), &dir));
+}
+
+// Such a name is made by the long form of a path only, and a path of any other form means another.
+TEST_F(DirectoriesWinTest, AWalkPassesOverNamesThatEndInDots) {
+  std::wstring folder = TempFolder::native(folder_.path()).wstring();
+  std::replace(folder.begin(), folder.end(), L'/', L'\\');
+  ASSERT_NE(FALSE, CreateDirectoryW((L"\\\\?\\" + folder + L"\\...").c_str(), nullptr));
+  ASSERT_NE(FALSE, CreateDirectoryW((L"\\\\?\\" + folder + L"\\sub.").c_str(), nullptr));
+  TempFolder::write(folder_.path("end"), "");
+  ov_dir_walk* walk = nullptr;
+  ASSERT_EQ(0, ov_dir_walk_init(&walk, folder_.path().c_str()));
+  std::vector<std::string> found;
+  char out[OV_PATH_SIZE];
+  int32_t type = 0;
+  while (found.size() < 20 && ov_dir_walk_iterate(walk, out, sizeof out, &type) == 0) {
+    found.emplace_back(out);
+  }
+  ov_dir_walk_release(&walk);
+  std::sort(found.begin(), found.end());
+  EXPECT_EQ((std::vector<std::string>{"..", folder_.path("end"), path_}), found);
+  for (const wchar_t* const name : {L"\\...", L"\\sub."}) {
+    EXPECT_NE(FALSE, RemoveDirectoryW((L"\\\\?\\" + folder + name).c_str()));
+  }
 }
 
 TEST_F(DirectoriesWinTest, DirectoryReadFailures) {

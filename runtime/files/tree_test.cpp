@@ -212,6 +212,20 @@ TEST(FileTreeTest, ConfigurationIsLookedUpInSixPlaces) {
   EXPECT_EQ(-1, ov_path_etc_file("orvane.conf", program.c_str(), out, 8));
 }
 
+TEST(FileTreeTest, APlaceThatIsTooLongIsPassedOver) {
+  const TempFolder folder;
+  ASSERT_EQ(0, ov_dir_create(folder.path("r/p/bin").c_str(), 0, 1));
+  const std::string file = folder.path("r/p/orvane.conf");
+  TempFolder::write(file, "");
+  std::string out(file.size() + 1, '#');
+  EXPECT_EQ(static_cast<int32_t>(file.size()),
+            ov_path_etc_file("orvane.conf", folder.path("r/p/bin/program").c_str(), out.data(),
+                             out.size()));
+  EXPECT_EQ(file, out.c_str());
+  EXPECT_EQ(-1, ov_path_etc_file("orvane.conf", folder.path("r/p/bin/program").c_str(), out.data(),
+                                 out.size() - 1));
+}
+
 TEST(FileTreeTest, FileInAStringOfDirectories) {
   char out[OV_PATH_SIZE];
   EXPECT_EQ(-1, ov_path_find_file_in_string_of_paths("f", "no-such-a:no-such-b", out, sizeof out));

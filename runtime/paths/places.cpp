@@ -15,10 +15,11 @@ int32_t find_below(const char* dir, const char* const* relatives, size_t count, 
                    char* out, size_t size) {
   for (size_t i = 0; i < count; ++i) {
     char place[OV_PATH_SIZE + 8];  // the usual size and the longest of the relatives
-    if (ov_path_append(dir, relatives[i], place, sizeof place) != 0) break;
-    // ov_path_append reports a text that does not fit as success.
-    if (strlen(place) + 1 + strlen(name) + 1 > size) break;
-    if (ov_path_append(place, name, out, size) != 0) break;
+    if (ov_path_append(dir, relatives[i], place, sizeof place) != 0) continue;
+    // One that has no room may be followed by a shorter one. ov_path_append reports a text that
+    // does not fit as success.
+    if (strlen(place) + 1 + strlen(name) + 1 > size) continue;
+    if (ov_path_append(place, name, out, size) != 0) continue;
     if (ov_path_exists(out) != 0) return static_cast<int32_t>(strlen(out));
   }
   return ov::no_path(out, size);

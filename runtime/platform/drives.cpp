@@ -35,13 +35,14 @@ ov_rc list_drives(RecordList<ov_drive>* drives) {
   return error;
 }
 
-// The system wants the share of a network path with a separator behind it.
-ov_rc terminate_network_path(char* path) {
-  char slashed[OV_PATH_SIZE];
+// The system wants the share of a network path with a separator behind it. `slashed` becomes the
+// form in which a network path is known as one.
+ov_rc terminate_network_path(char* path, char (&slashed)[OV_PATH_SIZE]) {
   ov_str_ncpy(slashed, path, sizeof slashed);
   ov_file_tounixpath(slashed);
   const size_t length = ov_utf8_len(slashed);
   if (!ov_path_is_unc_path(slashed) || slashed[length - 1] == '/') return 0;
+  ov_str_ncat(slashed, "/", sizeof slashed);
   return ov_str_ncat(path, "/", OV_PATH_SIZE);
 }
 
@@ -49,9 +50,11 @@ ov_rc add_mount(RecordList<ov_mount>* mounts, const char* path) {
   ov_mount* const mount = mounts->append();
   if (mount == nullptr) return OV_ENOMEM;
   ov_rc error = ov_str_ncpy(mount->path, path, sizeof mount->path);
-  if (error == 0) error = terminate_network_path(mount->path);
+  char slashed[OV_PATH_SIZE];
+  if (error == 0) error = terminate_network_path(mount->path, slashed);
   if (error != 0) return error;
-  error = volume_space(mount->path, &mount->total, &mount->free);
+  error = volume_space(ov_path_is_unc_path(slashed) ? slashed : mount->path, &mount->total,
+                       &mount->free);
   if (error != 0) {
     mount->total = 0;
     mount->free = 0;

@@ -69,6 +69,12 @@ uint32_t enough_for(uint32_t bytes) {
   return needed > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(needed);
 }
 
+// Asks for room for a value of `*length` bytes as text.
+void require(uint32_t* length) {
+  *length = enough_for(*length);
+  OV_DEBUG("Buffer length of %lu required", static_cast<unsigned long>(*length));
+}
+
 // Opens the key and reads the value into `data`, which may be null, of `*length` bytes.
 ov_rc query(void* hive, const char* key, const char* name, DWORD* type, void* data,
             uint32_t* length) {
@@ -85,10 +91,9 @@ ov_rc query(void* hive, const char* key, const char* name, DWORD* type, void* da
                                               static_cast<BYTE*>(data), &bytes));
   if (error != ERROR_MORE_DATA && value.noteOfValue("RegQueryValueEx", error) != 0) return error;
   *length = static_cast<uint32_t>(bytes);
-  if (error == 0 && data != nullptr) return 0;
-  *length = enough_for(*length);
-  OV_DEBUG("Buffer length of %lu required", static_cast<unsigned long>(*length));
-  return error == 0 ? 0 : OV_EBUFFER;
+  if (error == 0) return 0;
+  require(length);
+  return OV_EBUFFER;
 }
 
 // Converts a wide text of the registry into `out`, and sets `*length` to its size in UTF-8.
@@ -153,7 +158,9 @@ ov_rc ov_reg_get(void* hive, const char* key, const char* name, char* out, uint3
   if (length == nullptr) return OV_EINVAL;
   if (out == nullptr) {
     DWORD type = 0;
-    return query(hive, key, name, &type, nullptr, length);
+    const ov_rc error = query(hive, key, name, &type, nullptr, length);
+    if (error == 0) require(length);
+    return error;
   }
   const uint32_t size = *length;
   const ov_rc error = get_text(hive, key, name, out, length);

@@ -181,7 +181,7 @@ TEST_F(RegistryWriteTest, BytesAreWrittenAndReadBack) {
   EXPECT_EQ(28677, ov_reg_get_binary(OV_REG_CURRENT_USER, kKeyName.c_str(), "b", out, &length));
   EXPECT_EQ(12U, length);
   EXPECT_EQ(0, ov_reg_get_binary(OV_REG_CURRENT_USER, kKeyName.c_str(), "b", nullptr, &length));
-  EXPECT_EQ(12U, length);
+  EXPECT_EQ(3U, length);
   EXPECT_EQ(22, ov_reg_get_binary(OV_REG_CURRENT_USER, kKeyName.c_str(), "b", out, nullptr));
   EXPECT_EQ(22, ov_reg_set_binary(OV_REG_CURRENT_USER, kKeyName.c_str(), "b", nullptr, 1));
   EXPECT_EQ(0, ov_reg_set_binary(OV_REG_CURRENT_USER, kKeyName.c_str(), "b", nullptr, 0));

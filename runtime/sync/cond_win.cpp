@@ -130,8 +130,10 @@ ov_rc ov_cond_signal(ov_cond* c) {
     const WaitersLock lock(c);
     waiting = c->waiters > 0;
   }
-  if (waiting) ReleaseSemaphore(c->semaphore, 1, nullptr);
-  return 0;
+  if (!waiting || ReleaseSemaphore(c->semaphore, 1, nullptr) != FALSE) return 0;
+  const ov_rc error = last_code();
+  ov_log("ov_cond_signal, ReleaseSemaphore failed, err=%d", error);
+  return error;
 }
 
 ov_rc ov_cond_signal_all(ov_cond* c) {
@@ -141,7 +143,13 @@ ov_rc ov_cond_signal_all(ov_cond* c) {
     lock.awaitNoBroadcast(c);
     if (c->waiters == 0) return 0;
     c->broadcast = 1;
-    ReleaseSemaphore(c->semaphore, c->waiters, nullptr);
+    if (ReleaseSemaphore(c->semaphore, c->waiters, nullptr) == FALSE) {
+      // Nobody was woken who could tell that he was the last.
+      const ov_rc error = last_code();
+      c->broadcast = 0;
+      ov_log("ov_cond_signal_all, ReleaseSemaphore failed, err=%d", error);
+      return error;
+    }
   }
   WaitForSingleObject(c->last_waiter_done, INFINITE);
   const WaitersLock lock(c);

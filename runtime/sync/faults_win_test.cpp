@@ -20,6 +20,7 @@ struct Faults {
   DWORD createMutex = 0;
   DWORD releaseMutex = 0;
   DWORD createSemaphore = 0;
+  DWORD releaseSemaphore = 0;
   DWORD createEvent = 0;
   DWORD createThread = 0;
   DWORD resumeThread = 0;
@@ -49,6 +50,12 @@ BOOL WINAPI releaseMutex(HANDLE mutex) {
 HANDLE WINAPI createSemaphore(LPSECURITY_ATTRIBUTES, LONG initial, LONG most, LPCWSTR) {
   if (faults.createSemaphore != 0) return fail(faults.createSemaphore);
   return CreateSemaphoreExW(nullptr, initial, most, nullptr, 0, SEMAPHORE_ALL_ACCESS);
+}
+
+BOOL WINAPI releaseSemaphore(HANDLE semaphore, LONG count, LONG* previous) {
+  const auto real = ov::real_call<decltype(&ReleaseSemaphore)>(L"kernel32.dll", "ReleaseSemaphore");
+  if (faults.releaseSemaphore != 0) return fail(faults.releaseSemaphore) != nullptr ? TRUE : FALSE;
+  return real(semaphore, count, previous);
 }
 
 HANDLE WINAPI createEvent(LPSECURITY_ATTRIBUTES, BOOL, BOOL, LPCWSTR) {
@@ -101,6 +108,7 @@ extern "C" {
 decltype(&CreateMutexW) __imp_CreateMutexW = createMutex;
 decltype(&ReleaseMutex) __imp_ReleaseMutex = releaseMutex;
 decltype(&CreateSemaphoreW) __imp_CreateSemaphoreW = createSemaphore;
+decltype(&ReleaseSemaphore) __imp_ReleaseSemaphore = releaseSemaphore;
 decltype(&CreateEventW) __imp_CreateEventW = createEvent;
 decltype(&CreateThread) __imp_CreateThread = createThread;
 decltype(&ResumeThread) __imp_ResumeThread = resumeThread;
@@ -181,6 +189,22 @@ TEST_F(ThreadsWinTest, ConditionWithoutEventGivesTheSemaphoreBack) {
   EXPECT_EQ(8, ov_cond_init(&condition_, &mutex_));
   EXPECT_EQ(Messages{"LOG ov_cond_init, CreateEvent failed, err=8"}, log_.take());
   EXPECT_EQ(1, faults.closed);
+}
+
+TEST_F(ThreadsWinTest, AWakeUpThatFailsIsToldAndNotWaitedFor) {
+  ov_mutex_init(&mutex_);
+  ov_cond_init(&condition_, &mutex_);
+  condition_.waiters = 1;
+  faults.releaseSemaphore = 298;
+  EXPECT_EQ(298, ov_cond_signal(&condition_));
+  EXPECT_EQ(298, ov_cond_signal_all(&condition_));
+  EXPECT_EQ(0, condition_.broadcast);
+  EXPECT_EQ((Messages{"LOG ov_cond_signal, ReleaseSemaphore failed, err=298",
+                      "LOG ov_cond_signal_all, ReleaseSemaphore failed, err=298"}),
+            log_.take());
+  condition_.waiters = 0;
+  ov_cond_destroy(&condition_);
+  ov_mutex_destroy(&mutex_);
 }
 
 TEST_F(ThreadsWinTest, DestroyKeepsAHandleThatDoesNotClose) {
