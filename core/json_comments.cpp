@@ -25,7 +25,9 @@ bool hasOtherEnd(std::string_view line) {
   constexpr std::string_view kLineSeparator = "\xE2\x80\xA8";
   constexpr std::string_view kParagraphSeparator = "\xE2\x80\xA9";
   if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-  const auto holds = [line](std::string_view end) { return line.find(end) != line.npos; };
+  const auto holds = [line](std::string_view end) {
+    return line.find(end) != std::string_view::npos;
+  };
   return holds("\r") || holds(kNextLine) || holds(kLineSeparator) || holds(kParagraphSeparator);
 }
 
@@ -33,7 +35,7 @@ bool hasOtherEnd(std::string_view line) {
 
 bool hasCommentOfTwoEnds(std::string_view text) {
   constexpr std::string_view kLineComment = "//";
-  if (text.find(kLineComment) == text.npos) return false;
+  if (text.find(kLineComment) == std::string_view::npos) return false;
   for (size_t at = 0; at < text.size();) {
     const std::string_view rest = text.substr(at);
     if (rest.front() == '"') {
