@@ -212,12 +212,12 @@ void paintRow() {
   require(dc != nullptr, "a window");
   {
     const std::string data = bitmapFile(2000, 1500);
-    Picture picture(reinterpret_cast<const unsigned char*>(data.data()),
-                    static_cast<uint32_t>(data.size()));
-    require(!picture.empty(), "the picture");
+    const auto picture = Picture::of(reinterpret_cast<const unsigned char*>(data.data()),
+                                     static_cast<uint32_t>(data.size()));
+    require(picture != nullptr && !picture->empty(), "the picture");
     const auto surface = Surface::create(kWidth, kHeight);
     require(surface != nullptr, "a bitmap");
-    const auto cached = [&] { picture.draw(dc, kRect); };
+    const auto cached = [&] { picture->draw(dc, kRect); };
     const auto bare = [&] { BitBlt(dc, 0, 0, kWidth, kHeight, surface->dc(), 0, 0, SRCCOPY); };
     printRow("paint of a cached picture / bare BitBlt",
              ratio(kPaintTurns, times(kPaintsInTurn, cached), times(kPaintsInTurn, bare)),
