@@ -1,6 +1,6 @@
-// The judge of bodies against two slow readers of the same body: one obeys the first of equal
-// members, the other the last. What the judge lets pass must be approved as either of them reads
-// it.
+// The judge of bodies against slow readers of the same body: one obeys the first of equal members,
+// another the last, and for each of them there is one that ends comments elsewhere. What the judge
+// lets pass must be approved as any of them reads it.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -19,6 +19,7 @@ using Vantrel::Web::addToApprovedFileList;
 using Vantrel::Web::checkRequestBody;
 using Vantrel::Web::DestinationConsent;
 using Vantrel::Web::joinPaths;
+using Vantrel::Web::TestSupport::LineEnds;
 using Vantrel::Web::TestSupport::SlowJson;
 using Vantrel::Web::TestSupport::SlowJsonReader;
 
@@ -111,8 +112,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     return 0;  // an empty path, which is refused
   }
   check(error.empty() && body.find('\0') == std::string::npos);
-  const auto read = SlowJsonReader(body).read();
-  check(read.has_value());
-  check(Reading(*read, false).isApproved() && Reading(*read, true).isApproved());
+  for (const LineEnds ends : {LineEnds::kLineFeed, LineEnds::kAny}) {
+    const auto read = SlowJsonReader(body, ends).read();
+    check(read.has_value());
+    check(Reading(*read, false).isApproved() && Reading(*read, true).isApproved());
+  }
   return 0;
 }

@@ -28,11 +28,16 @@ struct SlowMember {
   SlowJson value;
 };
 
+// What ends a comment to the end of the line: a line feed alone, as for the real reader, or
+// whatever some reader takes for the end of a line.
+enum class LineEnds { kLineFeed, kAny };
+
 // Reads texts that are well formed, comments included; an ill-formed one gives nothing or anything.
 // What stands behind the value is not looked at: the parser takes an unfinished string there.
 class SlowJsonReader {
  public:
-  explicit SlowJsonReader(std::string text) : text_(std::move(text)) {}
+  explicit SlowJsonReader(std::string text, LineEnds ends = LineEnds::kLineFeed)
+      : text_(std::move(text)), ends_(ends) {}
 
   std::optional<SlowJson> read() {
     SlowJson value;
@@ -52,10 +57,23 @@ class SlowJsonReader {
     const size_t found = text_.find(end, at_);
     at_ = found == std::string::npos ? text_.size() : found + end.size();
   }
+  void skipLine() {
+    static const std::string kEnds[] = {"\n", "\r", "\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9"};
+    size_t start = text_.size();
+    size_t behind = start;
+    for (const std::string& end : kEnds) {
+      if (const size_t found = text_.find(end, at_); found < start) {
+        start = found;
+        behind = found + end.size();
+      }
+      if (ends_ == LineEnds::kLineFeed) break;
+    }
+    at_ = behind;
+  }
   void skipBlanks() {
     for (;;) {
       if (take("//")) {
-        skipTo("\n");
+        skipLine();
       } else if (take("/*")) {
         skipTo("*/");
       } else if (at_ < text_.size() &&
@@ -161,6 +179,7 @@ class SlowJsonReader {
   }
 
   std::string text_;
+  const LineEnds ends_;
   size_t at_ = 0;
 };
 
