@@ -60,7 +60,7 @@ int waitForConnection(SOCKET socket, const std::atomic<bool>& giveUp) {
     if (getsockopt(socket, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&code), &size) != 0) {
       return WSAGetLastError();
     }
-    return code == 0 && FD_ISSET(socket, &connected) == 0 ? WSAECONNREFUSED : code;
+    return code;
   }
   return WSAEINTR;
 }
