@@ -38,6 +38,7 @@ TEST_F(BothFacesTest, AControlGoesOnWhenTheOtherFaceHasEnded) {
   ComPointer<IPersistStreamInit> control = makeControl();
   host().shutdown();
   EXPECT_TRUE(logHas("Shutting down Orvane Web Gecko plugin"));
+  EXPECT_FALSE(logHas("Shutting down Orvane Web ActiveX plugin"));
   EXPECT_FALSE(logHas("RunnableScheduler::cleanup()"));
   EXPECT_EQ(control->InitNew(), S_OK);
   EXPECT_TRUE(logHas("COrvaneWebCtrl::initPlugin()"));
@@ -50,13 +51,19 @@ TEST_F(BothFacesTest, AnInstanceGoesOnWhenTheLastControlHasGone) {
   ComPointer<IPersistStreamInit> control = makeControl();
   host().initialize();
   host().getEntryPoints();
-  EXPECT_EQ(logCount("RunnableScheduler::init()"), 1U);
+  EXPECT_EQ(logCount("Initializing Orvane Web ActiveX plugin"), 1U);
+  // The module's start is one, and the face asks once more.
+  EXPECT_EQ(logCount("RunnableScheduler::init()"), 2U);
   Instance instance(host());
   control.reset();
-  EXPECT_TRUE(logHas("Shutting down Orvane Web ActiveX plugin"));
+  EXPECT_FALSE(logHas("Shutting down Orvane Web ActiveX plugin"));
   EXPECT_FALSE(logHas("RunnableScheduler::cleanup()"));
   EXPECT_TRUE(instance.call("queryVersion", {}).accepted);
   EXPECT_TRUE(logHas("queryVersion(): argCount=0"));
+  instance.end();
+  host().shutdown();
+  EXPECT_EQ(logCount("RunnableScheduler::cleanup()"), 1U);
+  EXPECT_EQ(logCount("Shutting down Orvane Web ActiveX plugin"), 1U);
 }
 
 }  // namespace
