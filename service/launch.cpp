@@ -45,7 +45,7 @@ bool stillRuns(ov_process& process) {
 }
 
 // Whether the client at the known address takes connections, which a client on this machine tells
-// at once.
+// at once. One whose queue is full says nothing, for longer than an end may wait.
 bool takesConnections(const ConnectionPurpose& purpose) {
   const Url url = vantrelUrl();
   if (url.url.empty()) return false;
@@ -58,7 +58,7 @@ bool takesConnections(const ConnectionPurpose& purpose) {
 // Whether the new client is up. Nobody may wait for an answer any more once the breaker is broken.
 bool isUp(const ConnectionPurpose& purpose) {
   if (purpose.breaker == nullptr || !purpose.breaker->broken()) return pingVantrel(purpose);
-  return takesConnections({.awaitsNewClient = true});
+  return takesConnections({.awaitsNewClient = true, .briefly = true});
 }
 
 // Waits until the new process answers. The wait is counted in steps: a question that takes long

@@ -19,7 +19,8 @@ struct Connecting {
   // A refusal on the loopback is believed at once. Only for a client that was just started and does
   // not listen yet: a client whose queue is full for a moment refuses too.
   bool quickRefusal = false;
-  // Ends the attempt when it becomes true; null for an attempt that nobody ends.
+  // Ends the attempt when it becomes true, or after a moment when it is; null for an attempt that
+  // nobody ends.
   const std::atomic<bool>* giveUp = nullptr;
 };
 

@@ -46,7 +46,7 @@ constexpr auto kNonBlockingCommand = static_cast<long>(FIONBIO);
 
 // Waits for the end of an attempt that is under way; its code.
 int waitForConnection(SOCKET socket, const std::atomic<bool>& giveUp) {
-  while (!giveUp) {
+  do {
     fd_set connected;
     FD_ZERO(&connected);
     FD_SET(socket, &connected);
@@ -61,7 +61,7 @@ int waitForConnection(SOCKET socket, const std::atomic<bool>& giveUp) {
       return WSAGetLastError();
     }
     return code;
-  }
+  } while (!giveUp);
   return WSAEINTR;
 }
 

@@ -125,6 +125,8 @@ int32_t TcpSocket::connect(const std::string& host, uint16_t port,
     breaker_->tie(handle_);
     how.giveUp = &breaker_->broken_;
   }
+  static constinit const std::atomic<bool> givenUp = true;
+  if (purpose.briefly) how.giveUp = &givenUp;
   std::string ip;
   uint32_t address = addressOf(host, ip);
   for (int tries = kAddressTries; address == SocketPlatform::kInvalidAddress && tries > 0;

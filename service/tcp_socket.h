@@ -37,6 +37,7 @@ class SocketBreaker {
 struct ConnectionPurpose {
   bool awaitsNewClient = false;      // a client was just started; a refusal is believed at once
   SocketBreaker* breaker = nullptr;  // null for an exchange that nobody ends from outside
+  bool briefly = false;  // given up at once, if the other side does not take it in that moment
 };
 
 class Socket {

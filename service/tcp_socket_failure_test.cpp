@@ -30,6 +30,7 @@ struct Platform {
   bool connects = true;
   uint32_t connectedAddress = 0;
   std::vector<bool> quickRefusals;  // of each attempt
+  std::vector<bool> givenUp;        // the same, at its start
   std::vector<uint64_t> shutDowns;
   uint16_t connectedPort = 0;
   int32_t code = 0;
@@ -55,6 +56,7 @@ uint64_t createTcp() {
 
 bool connectTcp(uint64_t, uint32_t address, uint16_t port, const Connecting& how, int32_t* code) {
   platform.quickRefusals.push_back(how.quickRefusal);
+  platform.givenUp.push_back(how.giveUp != nullptr && *how.giveUp);
   platform.connectedAddress = address;
   platform.connectedPort = port;
   *code = platform.code;
@@ -378,6 +380,8 @@ TEST_F(LaunchConnectionTest, AWaitGoesOnToItsEndBesideABreak) {
   EXPECT_FALSE(launchVantrel(&breaker));
   EXPECT_EQ(system_.sleeps().size(), 2U);
   EXPECT_FALSE(breaker.hasCut());
+  // Before the start as long as it takes, then for a moment each.
+  EXPECT_EQ(platform.givenUp, (std::vector<bool>{false, true, true}));
 }
 
 TEST_F(LaunchConnectionTest, AWaitBesideABreakEndsWhenTheClientIsUp) {
