@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <future>
 #include <string>
@@ -131,6 +132,18 @@ TEST_F(TcpSocketTest, ConnectionThatNobodyAcceptsIsGivenUpWhenBroken) {
     return;
   }
   FAIL() << "no connection waited";
+}
+
+TEST_F(TcpSocketTest, ConnectionThatNobodyAcceptsIsTriedBriefly) {
+  const TestSocket busy = TestSocket::listenLoopback(0, 0);
+  std::array<TcpSocket, 10> sockets;
+  int32_t code = 0;
+  for (TcpSocket& socket : sockets) {
+    code = socket.connect("127.0.0.1", busy.localPort(), {.briefly = true});
+    if (code != 0) break;  // which is the test: it has come to an end
+  }
+  EXPECT_NE(code, 0);
+  EXPECT_EQ(log_.lines("ERR").size(), 1U);
 }
 
 TEST_F(TcpSocketTest, DestructorClosesTheConnection) {

@@ -4,6 +4,7 @@
 #include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -23,9 +24,14 @@ uint64_t createTcp() {
   return created < 0 ? kClosedSocket : static_cast<uint64_t>(created);
 }
 
-// The platform refuses at once in any case, and a shutdown from outside ends an attempt.
-bool connectTcp(uint64_t handle, uint32_t address, uint16_t port, const Connecting&,
+// The platform refuses at once in any case, and a shutdown from outside ends an attempt, so that
+// only one that is given up from its start is another.
+bool connectTcp(uint64_t handle, uint32_t address, uint16_t port, const Connecting& how,
                 int32_t* code) {
+  if (how.giveUp != nullptr && *how.giveUp) {
+    constexpr timeval kMoment = {0, 20000};
+    setsockopt(descriptor(handle), SOL_SOCKET, SO_SNDTIMEO, &kMoment, sizeof kMoment);
+  }
   sockaddr_in target = {};
   target.sin_family = AF_INET;
   target.sin_addr.s_addr = address;
